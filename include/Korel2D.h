@@ -1,0 +1,582 @@
+/*
+ * libKorel2D: 2-D instrument and control-panel views in a host's OpenGL 1.x context.
+ *
+ * The flat interface, the records an editing tool works on, and the helpers shared by
+ * the library's parts. Compiles as C and as C++; every function has C linkage.
+ *
+ * Units: positions and sizes are view units (f32), y upwards; at zoom 1 one view unit
+ * is one window pixel. Colours are r, g, b, a from 0 to 1. Angles in records are radians.
+ * Integer results: 0 done, -1 null handle, -2 wrong magic, -3 wrong state or no GL context.
+ */
+#ifndef KOREL2D_H
+#define KOREL2D_H
+
+#include <pthread.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define KOREL2D_VERSION_MAJOR 3
+#define KOREL2D_VERSION_MINOR 4
+#define KOREL2D_VERSION_PATCH 1
+
+#define KR_VIEW_MAGIC 0x10203040u
+#define KR_WINDOW_MAGIC 0x10203041u
+
+/* Element kind codes (ELEMENT_STRUCT.type). 10 is an older code for text, folded to 4. */
+enum {
+    KR_GRAPH = 0,
+    KR_RECT = 1,
+    KR_POLYLINE = 2,
+    KR_CIRCLE = 3,
+    KR_TEXT = 4,
+    KR_LINE = 5,
+    KR_ARC = 6,
+    KR_IMAGE = 7,
+    KR_GROUP = 8,
+    KR_TEXT_OLD = 10,
+    KR_BUTTON = 11,
+    KR_SLIDER = 12,
+    KR_CPOLY = 13,
+    KR_SCISSOR = 14
+};
+
+typedef struct ELEMENT_STRUCT ELEMENT_STRUCT;
+typedef struct ACTION_STRUCT ACTION_STRUCT;
+typedef struct STICKY_STRUCT STICKY_STRUCT;
+typedef struct DD_DATA_TYPE_STRUCT DD_DATA_TYPE_STRUCT;
+typedef struct mpiHash mpiHash;
+
+/* Font handle of the font layer; 0 means no font. */
+typedef uint64_t KR_FONT;
+
+/* ---------------------------------------------------------------- records of an element */
+
+/* Run-time look of an element. Each value with a `...Set` flag was written by an action;
+ * a group hands flagged values down to its children. Values and flags are laid out in
+ * pairs so that they can be copied together. */
+typedef struct ELEMENT_ATTR {
+    uint8_t lineStyle; /* for a button: the pressed state */
+    uint8_t lineStyleSet;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    int8_t lineWidth;
+    uint8_t lineWidthSet;
+    float strokeColor[4];
+    uint8_t strokeColorSet;
+    float fillColor[4];
+    uint8_t fillColorSet;
+    uint8_t visible;
+    uint8_t visibleSet;
+    uint8_t blink;
+    uint8_t blinkSet;
+    uint8_t blinkRate; /* blink clock 1..8, anything else: no blinking */
+    char text[256];
+    uint8_t textSet;
+    uint8_t live; /* 1 when the last draw pass ran with the view running */
+    float arcEnd;
+} ELEMENT_ATTR;
+
+/* setPickSticky(element): rebuild handles and derived geometry, then seed attr. */
+typedef int (*KR_SET_PICK_STICKY)(ELEMENT_STRUCT* element);
+/* edit(element, sticky list, attribute or handle id, phase, value pointer). */
+typedef int (*KR_EDIT)(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/* pick(element, x, y): non-zero on a hit. */
+typedef int (*KR_PICK)(ELEMENT_STRUCT* element, float x, float y);
+
+struct ELEMENT_STRUCT {
+    char name[64];
+    char id[256];
+    uint32_t type;
+    ELEMENT_STRUCT* child;
+    ELEMENT_STRUCT* next;
+    ELEMENT_STRUCT* prev;
+    ACTION_STRUCT* actions;
+    float x, y; /* centre of the box; relative to the group's centre inside a group */
+    float width, height;
+    int32_t selected;
+    int32_t hasScissor;
+    int32_t scissorX, scissorY, scissorWidth, scissorHeight;
+    float scissorCornerX[4];
+    float scissorCornerY[4];
+    KR_SET_PICK_STICKY setPickSticky;
+    KR_EDIT edit;
+    KR_PICK pick;
+    int32_t pickShape;
+    float pickLine[4];
+    float bounds[4]; /* xmin, ymin, xmax, ymax in view units */
+    float refX, refY;
+    STICKY_STRUCT* stickies;
+    void* data;
+    void* editData;
+    ELEMENT_ATTR attr;
+    float pickMatrix[6];
+    float grabPoints[10][2];
+    ELEMENT_STRUCT* parent;
+};
+
+/* One point of a polygon. */
+typedef struct COORD_STRUCT {
+    int32_t id;
+    float x, y;
+    float distance;
+    double vertex[3];
+    struct COORD_STRUCT* next;
+    struct COORD_STRUCT* prev;
+} COORD_STRUCT;
+
+/* One threshold of an action. */
+typedef struct TH_STRUCT {
+    float lower;
+    float upper;
+    int32_t value;
+    float color[3];
+    int32_t styleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    struct TH_STRUCT* prev;
+    struct TH_STRUCT* next;
+} TH_STRUCT;
+
+/* Corner order of corner-based kinds: lower left, upper left, upper right, lower right. */
+typedef struct RECT_STRUCT {
+    float cornerX[4], cornerY[4];
+    float localX[4], localY[4];
+    int32_t strokeOn;
+    float strokeWidth;
+    int32_t strokeStyle;
+    float strokeColor[4];
+    int32_t fillOn;
+    int32_t fillStyle;
+    float fillColor[4];
+    int32_t antialias;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} RECT_STRUCT;
+
+typedef struct POLY_STRUCT {
+    int32_t closed;
+    int32_t strokeOn;
+    float strokeWidth;
+    int32_t strokeStyle;
+    float strokeColor[4];
+    int32_t fillOn;
+    int32_t fillStyle;
+    float fillColor[4];
+    COORD_STRUCT* coords;
+    COORD_STRUCT* fillCoords;
+    float fillLevel;
+    float localBounds[4];
+    float length;
+    int32_t antialias;
+    uint32_t displayList;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} POLY_STRUCT;
+
+typedef struct CIRCLE_STRUCT {
+    float x, y;
+    float fanX, fanY;
+    float localBounds[4];
+    float rx, ry;
+    float start, end;
+    float matrix[4];
+    int32_t strokeOn;
+    float strokeWidth;
+    int32_t strokeStyle;
+    float strokeColor[4];
+    int32_t fillOn;
+    int32_t fillStyle;
+    float fillColor[4];
+    int32_t antialias;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} CIRCLE_STRUCT;
+
+typedef struct LINE_STRUCT {
+    float x1, y1, x2, y2;
+    float localX1, localY1, localX2, localY2;
+    float strokeWidth;
+    int32_t strokeStyle;
+    float strokeColor[4];
+    int32_t antialias;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+} LINE_STRUCT;
+
+typedef struct TEXT_STRUCT {
+    float x, y;
+    char text[256];
+    int32_t align;
+    KR_FONT font;
+    char fontFamily[64];
+    int32_t fontStyle;
+    int32_t underline;
+    int32_t fontSize;
+    int32_t scalable;
+    int32_t textSize;
+    int32_t fontId;
+    float cornerX[4], cornerY[4];
+    float span[4];
+    float matrix[4];
+    int32_t fillStyle;
+    float strokeColor[4];
+    float fillColor[4];
+    float strokeWidth;
+    int32_t strokeStyle;
+    int32_t antialias;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} TEXT_STRUCT;
+
+typedef struct IMAGE_STRUCT {
+    float cornerX[4], cornerY[4];
+    float localX[4], localY[4];
+    int32_t width, height; /* of the pixel data */
+    int32_t texture;       /* texture store id, -1 or 0 while none */
+    int32_t fillStyle;
+    float fillColor[4];
+    int32_t imageId;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} IMAGE_STRUCT;
+
+typedef struct BUTTON_STRUCT {
+    float cornerX[4], cornerY[4];
+    float localX[4], localY[4];
+    float color0[4], color1[4], color2[4]; /* face, light edge, dark edge */
+    float strokeWidth;
+    int32_t state;
+} BUTTON_STRUCT;
+
+typedef struct SLIDER_STRUCT {
+    float x, y;
+    float width, height;
+    float faceColor[4];
+    float darkColor[4];
+    float lightColor[4];
+    float bevelWidth;
+    float knobHalfSize;
+    int32_t reserved1;
+    float reserved2;
+} SLIDER_STRUCT;
+
+typedef struct SCISSOR_STRUCT {
+    float cornerX[4], cornerY[4];
+    float localX[4], localY[4];
+} SCISSOR_STRUCT;
+
+typedef struct GRAPH_STRUCT {
+    int32_t type;
+    float x, y;
+    float width, height;
+    float ymin, ymax;
+    float xmin, xmax;
+    float rate;
+    int32_t autoscale;
+    float minspready;
+    int32_t autoscalex;
+    float minspreadx;
+    int32_t samples;
+    int32_t bars;
+    char labelYFormat[32];
+    char labelXFormat[32];
+    float outlineColor[4];
+    float backgroundColor[4];
+    float outlineWidth;
+    int32_t gridx, gridy;
+    int32_t gridxAuto, gridyAuto;
+    float gridxSpace, gridySpace;
+    float gridxRef, gridyRef;
+    int32_t gridStyleId;
+    int32_t gridStippleFactor;
+    uint16_t gridStipplePattern;
+    int32_t gridStyle;
+    float gridColor[4];
+    int32_t labelx, labely, labelyr;
+    int32_t labelFixx, labelFixy;
+    float labelXmin, labelXmax;
+    float labelYmin, labelYmax;
+    int32_t tickx, ticky, tickyr;
+    int32_t tickxAuto, tickyAuto;
+    float tickxSpace, tickySpace;
+    float tickxRef, tickyRef;
+    int32_t tickxSub, tickySub;
+    float tickWidth;
+    KR_FONT font;
+    char fontFamily[64];
+    int32_t fontStyle;
+    int32_t fontSize;
+    int32_t fontId;
+    float smoothYmin, smoothYmax;
+    float smoothXmin, smoothXmax;
+    double startTime;
+    double lastTime;
+} GRAPH_STRUCT;
+
+/* ---------------------------------------------------------------- view and window handles */
+
+typedef struct DRAW_SETTINGS {
+    float zoom;
+    uint32_t scissorType;
+    uint32_t useDepthBuffer;
+    uint32_t useLineScaling;
+} DRAW_SETTINGS;
+
+typedef struct VIEW_STRUCT {
+    uint32_t magic;
+    float pageColor[3];
+    float x, y;
+    float width, height;
+    ELEMENT_STRUCT* elements;
+    DD_DATA_TYPE_STRUCT* dataTypes;
+    DD_DATA_TYPE_STRUCT* knownTypes;
+    uint32_t runMode;  /* 0 stopped, 1 synchronous, 2 animated */
+    uint32_t haltMode;
+    uint32_t threadDone;
+    int32_t posX, posY;
+    float zoom;
+    int32_t lastPosX, lastPosY;
+    float lastZoom;
+    double startTime;
+    double time;
+    mpiHash* varHash;
+    pthread_mutex_t mutex;
+    float colorFactor[4];
+    uint32_t scissorType; /* 1: scissor box; anything else: stencil */
+    uint32_t useDepthBuffer;
+    uint32_t useLineScaling;
+    uint32_t backgroundMode;
+    uint32_t planeDirty;
+    uint32_t planeTexture;
+    uint32_t planeList;
+    ELEMENT_STRUCT* pickedElement;
+    int64_t pickEvent;
+} VIEW_STRUCT;
+
+typedef struct WINDOW_STRUCT {
+    uint32_t magic;
+    int32_t width, height;
+    DRAW_SETTINGS settings;
+} WINDOW_STRUCT;
+
+/* ---------------------------------------------------------------- flat interface: views */
+
+/* Loads a binary view file. path: file name. Null on failure (see getLogMsg). */
+VIEW_STRUCT* krViewLoad(const char* path);
+/* Loads a view from `size` bytes of memory (the bytes of a view file). */
+VIEW_STRUCT* krViewLoadData(const void* buffer, size_t size);
+/* Stops a running view and destroys it; the handle is invalid afterwards. */
+int krViewFree(VIEW_STRUCT* view);
+
+/* Colour factor multiplied into every colour; each 0..1, default 1, 1, 1, 1. */
+int krViewSetColorFactor(VIEW_STRUCT* view, float r, float g, float b, float a);
+/* Clipping of groups: 1 scissor box, anything else stencil (default 0). */
+int krViewSetScissorType(VIEW_STRUCT* view, int type);
+/* Non-zero: elements are spread over the depth range (default 0). */
+int krViewSetUseDepthBuffer(VIEW_STRUCT* view, int flag);
+/* Non-zero: line widths follow the projection's scale (default 0). */
+int krViewSetUseLineScaling(VIEW_STRUCT* view, int flag);
+/* Non-zero: krViewDrawPlane_Direct paints the page first (default 1). */
+void krSetBackgroundMode(VIEW_STRUCT* view, int flag);
+/* Page size in view units, truncated. */
+int krViewWidth(VIEW_STRUCT* view);
+int krViewHeight(VIEW_STRUCT* view);
+/* Centre of the page in view units, truncated. */
+int krViewPosX(VIEW_STRUCT* view);
+int krViewPosY(VIEW_STRUCT* view);
+
+/* ---------------------------------------------------------------- flat interface: windows and drawing */
+
+/* A window record (zoom 1); give it back with krWindowFree. */
+WINDOW_STRUCT* krWindowCreate(void);
+int krWindowFree(WINDOW_STRUCT* window);
+/* Sets up the current GL context for a surface of width x height pixels. */
+int krWindowInit(WINDOW_STRUCT* window, int width, int height);
+/* Clears the colour buffer with the view's page colour. */
+int krWindowClear(WINDOW_STRUCT* window, VIEW_STRUCT* view);
+/* Blend function, orthographic projection 0..width, 0..height, viewport. Always 0. */
+int krdSetViewport(int width, int height);
+/* Draws the view as the whole window: its page's lower left corner at (x, y) pixels, scaled by zoom (1 = 1 px per unit). */
+int krViewDraw(WINDOW_STRUCT* window, VIEW_STRUCT* view, float x, float y, float zoom);
+/* Draws into the host's matrices at the view's last posX, posY, zoom. */
+int krViewDrawPlane_Direct(VIEW_STRUCT* view);
+/* Mode 0: cached texture, 1: render again, 2: same as krViewDrawPlane_Direct. */
+int krViewDrawPlane(VIEW_STRUCT* view, int mode);
+/* Draws into the current matrices, no transform and no GL state saving of its own. */
+int krViewDrawWindow(VIEW_STRUCT* view);
+
+/* The walk of one frame over a list; the entries call it with parentAttr null, clip 1, depth 0. */
+int drawUserElements(ELEMENT_STRUCT* list, ELEMENT_ATTR* parentAttr, int run, int halt, int clip,
+                     DRAW_SETTINGS* settings, int depth);
+/* Recomputes the clip data of every group of a list for a page at posX, posY (pixels). */
+int kriFindScissor(ELEMENT_STRUCT* list, float posX, float posY, float refX, float refY, float zoom);
+void kriDraw2screenpix(float* px, float* py, float posX, float posY, float refX, float refY, float zoom,
+                       float x, float y);
+
+/* ---------------------------------------------------------------- element lists */
+
+ELEMENT_STRUCT* elementCreate(uint32_t type);
+int elementAppend(ELEMENT_STRUCT* element, ELEMENT_STRUCT** head);
+int elementDelete(ELEMENT_STRUCT* element, ELEMENT_STRUCT** head);
+int elementDeleteAll(ELEMENT_STRUCT** head);
+int elementNewName(ELEMENT_STRUCT* element, ELEMENT_STRUCT* list);
+int elementCheckName(ELEMENT_STRUCT* list, const char* name);
+/* Runs setPickSticky over the whole tree, children before their group. Always 0. */
+int setElementAttr(ELEMENT_STRUCT* list);
+
+COORD_STRUCT* createCoord(void);
+int appendCoord(COORD_STRUCT** head, COORD_STRUCT* coord);
+int delCoord(COORD_STRUCT** head, COORD_STRUCT* coord);
+
+TH_STRUCT* createTh(void);
+int appendTh(TH_STRUCT** head, TH_STRUCT* th);
+int thInsertBefore(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head);
+int thInsertAfter(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head);
+int delTh(TH_STRUCT** head, TH_STRUCT* th);
+
+/* ---------------------------------------------------------------- element kinds */
+
+/* Each creator copies `source`, or takes the defaults for null. */
+RECT_STRUCT* createRect(const RECT_STRUCT* source);
+POLY_STRUCT* createPoly(const POLY_STRUCT* source);
+POLY_STRUCT* createCPoly(const POLY_STRUCT* source);
+CIRCLE_STRUCT* createCircle(const CIRCLE_STRUCT* source);
+CIRCLE_STRUCT* createArc(const CIRCLE_STRUCT* source);
+LINE_STRUCT* createLine(const LINE_STRUCT* source);
+BUTTON_STRUCT* createButton(const BUTTON_STRUCT* source);
+SLIDER_STRUCT* createSlider(const SLIDER_STRUCT* source);
+SCISSOR_STRUCT* createScissor(const SCISSOR_STRUCT* source);
+GRAPH_STRUCT* createGraph(const GRAPH_STRUCT* source);
+IMAGE_STRUCT* createImage(void);
+/* Only textSize is used: it sets fontSize and textSize. */
+TEXT_STRUCT* createText(const char* family, int size, int textSize);
+
+int rectSetAttr(ELEMENT_STRUCT* element);
+int rectSetPickSticky(ELEMENT_STRUCT* element);
+int drawRect(RECT_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+
+int groupSetAttr(ELEMENT_STRUCT* element);
+int groupSetPickSticky(ELEMENT_STRUCT* element);
+int drawGroup(ELEMENT_STRUCT* element, ELEMENT_ATTR* attr);
+
+int scissorSetPickSticky(ELEMENT_STRUCT* element);
+int drawScissor(SCISSOR_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+
+/* Rebuild the printf formats of the graph's labels for a range lo..hi. */
+int KGraphSetXLabel(GRAPH_STRUCT* record, float lo, float hi);
+int KGraphSetYLabel(GRAPH_STRUCT* record, float lo, float hi);
+
+/* ---------------------------------------------------------------- binary view files */
+
+/* Reads a whole binary view file into the lists and the view's page fields. 0 or -1. */
+int loadFile(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes, VIEW_STRUCT* view);
+/* Reads only the header and the page fields. 0, -1 wrong format, or -errno. */
+int loadConfigFile(const char* path, VIEW_STRUCT* view);
+/* Expands stored style numbers into stipples and patterns, then re-derives geometry. */
+int definitionLoad(ELEMENT_STRUCT* element);
+
+/* ---------------------------------------------------------------- GL state layer */
+
+void tkBegin(unsigned int mode);
+void tkEnd(void);
+void tkPushMatrix(void);
+void tkPopMatrix(void);
+void tkFinish(void);
+void tkLineStipple(int factor, uint16_t pattern);
+/* Width in pixels, multiplied by the line scale. */
+void tkLineWidth(int width);
+void tkAliasBlend(int antialias, float alpha);
+void tkClearColor(float r, float g, float b);
+int tkSetRgbMode(int mode);
+int kriUpdateAttr(void);
+void kvSetColorFactor(float r, float g, float b, float a);
+void kvSetLineScale(float scale);
+void kvColor4f(float r, float g, float b, float a);
+/* Polygon stipple on with `pattern` (128 bytes) for a non-zero number, off for 0. */
+void setStipple(int number, const uint8_t* pattern);
+/* The 128-byte bitmap of fill pattern 0..59; other numbers give pattern 0. */
+const uint8_t* getPattern(int number);
+/* Stipple factor and pattern of line style 0..9; others are solid. Result 0. */
+int getLineStipple(int style, int32_t* factor, uint16_t* pattern);
+void setRgbColorIndex(uint32_t* table);
+uint32_t getFastRGBcolor(float r, float g, float b);
+
+/* ---------------------------------------------------------------- logging */
+
+/* level 1 error, 2 warning, 3 progress; printed and kept if level <= the set level (1). */
+int logMsg(int level, const char* format, ...) __attribute__((format(printf, 2, 3)));
+int logMsgData(const char* format, ...) __attribute__((format(printf, 1, 2)));
+int setLogLevel(int level);
+/* Copies at most n-1 characters of the memory log into destination and empties the log. */
+int getLogMsg(char* destination, int n);
+int getDots(double value);
+int getPre(double a, double b);
+
+/* ---------------------------------------------------------------- platform */
+
+double apiGetTime(void);
+void* apiOpenDir(const char* path);
+/* buffer: 256 bytes. 1 for an entry, 0 at the end. */
+int apiReadDir(void* handle, char* buffer);
+int apiCloseDir(void* handle);
+void* apiDllOpen(const char* path);
+void* apiDllGetSymbol(void* handle, const char* symbol);
+int apiDllClose(void* handle);
+/* Non-zero while an OpenGL context is current on this thread. */
+void* getGlContext(void);
+int KGet_releasenr(void);
+const char* KGet_release(void);
+const char* KGet_releaseshort(void);
+const char* get_ctime(void);
+
+/* ---------------------------------------------------------------- hash tables */
+
+typedef struct mpiHashSlot {
+    uint32_t key;
+    char* name;
+    void* value;
+} mpiHashSlot;
+
+struct mpiHash {
+    uint32_t size;
+    uint32_t count;
+    uint32_t autoDelete;
+    mpiHashSlot* slots; /* size + 1 slots */
+};
+
+/* A table for about n entries, or null. */
+mpiHash* mpiHashCreate(uint32_t n);
+int mpiHashSetAutoDelete(mpiHash* table, int on);
+int mpiHashInsert(mpiHash* table, uint32_t key, void* value);
+void* mpiHashSearch(mpiHash* table, uint32_t key);
+int mpiHashDelete(mpiHash* table, uint32_t key);
+int mpiHashInsertAscii(mpiHash* table, const char* name, void* value);
+void* mpiHashSearchAscii(mpiHash* table, const char* name);
+int mpiHashDeleteAscii(mpiHash* table, const char* name);
+int mpiHashClear(mpiHash* table);
+int mpiHashRemove(mpiHash* table);
+uint32_t mpiHashCalcKey(double a, double b);
+uint32_t mpiHashCalcAsciiKey(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* KOREL2D_H */

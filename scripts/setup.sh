@@ -1,0 +1,18 @@
+#!/bin/sh
+# Installs the Debian packages the library, its tests, benchmarks and demo need.
+# Skips apt entirely when everything is already there, so repeated runs are quick.
+set -e
+PACKAGES="cmake g++ make pkg-config libgl-dev libglu1-mesa-dev libx11-dev libgl1-mesa-dri \
+  xvfb xauth libtinyxml-dev zlib1g-dev libfreetype-dev libfontconfig-dev fonts-liberation2 \
+  libpng-dev libgtest-dev libgmock-dev libbenchmark-dev"
+missing=""
+for p in $PACKAGES; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
+done
+if [ -n "$missing" ]; then
+  echo "setup: installing$missing"
+  SUDO=""
+  [ "$(id -u)" -ne 0 ] && SUDO=sudo
+  $SUDO apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends $missing
+fi

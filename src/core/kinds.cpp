@@ -1,0 +1,47 @@
+// Which record and which operations each element kind code brings.
+#include "elements/elementKinds.h"
+
+namespace {
+
+template <class Record, Record* (*create)(const Record*)> void* createDefault()
+{
+    return create(nullptr);
+}
+
+void* createTextDefault()
+{
+    return createText(nullptr, 12, 30);
+}
+
+void* createImageDefault()
+{
+    return createImage();
+}
+
+// Indexed by kind code 0..14; entries with a null prefix are codes without a kind.
+const KindInfo kinds[15] = {
+    /* 0 */ {"GRAPH", createDefault<GRAPH_STRUCT, createGraph>, graphFreeData, nullptr, nullptr, nullptr},
+    /* 1 */ {"RECTANGLE", createDefault<RECT_STRUCT, createRect>, nullptr, rectSetPickSticky, nullptr, nullptr},
+    /* 2 */ {"POLYGON", createDefault<POLY_STRUCT, createPoly>, polyFreeData, nullptr, nullptr, nullptr},
+    /* 3 */ {"CIRCLE", createDefault<CIRCLE_STRUCT, createCircle>, nullptr, nullptr, nullptr, nullptr},
+    /* 4 */ {"TEXT", createTextDefault, textFreeData, nullptr, nullptr, nullptr},
+    /* 5 */ {"LINE", createDefault<LINE_STRUCT, createLine>, nullptr, nullptr, nullptr, nullptr},
+    /* 6 */ {"ARC", createDefault<CIRCLE_STRUCT, createArc>, nullptr, nullptr, nullptr, nullptr},
+    /* 7 */ {"TEXTURE", createImageDefault, nullptr, nullptr, nullptr, nullptr},
+    /* 8 */ {"GROUP", nullptr, nullptr, groupSetPickSticky, nullptr, nullptr},
+    /* 9 */ {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    /* 10 */ {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    /* 11 */ {"BUTTON", createDefault<BUTTON_STRUCT, createButton>, nullptr, nullptr, nullptr, nullptr},
+    /* 12 */ {"SLIDER", createDefault<SLIDER_STRUCT, createSlider>, nullptr, nullptr, nullptr, nullptr},
+    /* 13 */ {"POLYGON", createDefault<POLY_STRUCT, createCPoly>, polyFreeData, nullptr, nullptr, nullptr},
+    /* 14 */ {"SCISSOR", createDefault<SCISSOR_STRUCT, createScissor>, nullptr, scissorSetPickSticky, nullptr, nullptr},
+};
+
+} // namespace
+
+const KindInfo* kindInfo(uint32_t type)
+{
+    if (type >= 15 || !kinds[type].prefix)
+        return nullptr;
+    return &kinds[type];
+}

@@ -1,0 +1,21 @@
+// The table of element kinds: what elementCreate makes for each kind code, and the
+// operations a kind puts into its elements.
+#pragma once
+
+#include "Korel2D.h"
+
+struct KindInfo {
+    const char* prefix;                 // start of generated names
+    void* (*createData)();              // per-kind record with defaults, null on exhausted memory
+    void (*freeData)(void* data);       // releases what the record owns (fonts, points); may be null
+    KR_SET_PICK_STICKY setPickSticky;
+    KR_EDIT edit;
+    KR_PICK pick;
+};
+
+// Null for codes without a kind (9, above 14). Code 10 must be folded to 4 first.
+const KindInfo* kindInfo(uint32_t type);
+
+void polyFreeData(void* data);
+void textFreeData(void* data);
+void graphFreeData(void* data);

@@ -1,0 +1,37 @@
+// Helpers shared by the element kinds: seeding the run-time look and the geometry of
+// corner-based shapes. Kinds share these instead of repeating them.
+#pragma once
+
+#include "Korel2D.h"
+
+#include <cstddef>
+
+// The part of seeding that every kind does: shown, and no value marked as set by an action.
+void attrSeedCommon(ELEMENT_ATTR* attr);
+// Line look of a stroked kind: style, stipple, width (truncated) and colour from its record.
+void attrSeedStroke(ELEMENT_ATTR* attr, int style, int32_t stippleFactor, uint16_t stipplePattern, float width,
+                    const float strokeColor[4]);
+// Box, centre, size, reference point and local corners of a four-cornered shape.
+void cornerGeometry(ELEMENT_STRUCT* element, const float cornerX[4], const float cornerY[4], float localX[4],
+                    float localY[4]);
+// One GL primitive through four local corners.
+void drawCorners(unsigned int mode, const float localX[4], const float localY[4]);
+// The red dashed frame the editing tool sees around a selected shape.
+void drawSelectionLoop(const float localX[4], const float localY[4]);
+
+// A new per-kind record, a byte copy of `source` or of the kind's defaults. Logs
+// "<creator>: out of memory" and returns null when memory is exhausted.
+void* createKindRecord(const void* source, const void* defaults, size_t size, const char* creator);
+
+template <class Record> Record* createRecordOf(const Record* source, const Record& defaults, const char* creator)
+{
+    return static_cast<Record*>(createKindRecord(source, &defaults, sizeof(Record), creator));
+}
+
+inline void setColor(float target[4], float r, float g, float b, float a)
+{
+    target[0] = r;
+    target[1] = g;
+    target[2] = b;
+    target[3] = a;
+}

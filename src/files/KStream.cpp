@@ -1,0 +1,64 @@
+#include "files/KStream.h"
+
+#include <cstdio>
+#include <cstring>
+
+int32_t KGetFInt(KStream* s)
+{
+    if (s->left() < 4) {
+        s->abandon();
+        return -1;
+    }
+    const uint8_t* p = s->data + s->pos;
+    s->pos += 4;
+    return int32_t(uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | uint32_t(p[3]));
+}
+
+float KGetFFloat(KStream* s)
+{
+    if (s->left() < 4) {
+        s->abandon();
+        return 0.0f;
+    }
+    uint32_t bits = uint32_t(KGetFInt(s));
+    float value;
+    memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+void KGetFString(char* field, size_t fieldSize, KStream* s, int32_t n)
+{
+    if (n <= 0 || fieldSize == 0)
+        return;
+    size_t stored = size_t(n) < s->left() ? size_t(n) : s->left();
+    size_t kept = stored < fieldSize ? stored : fieldSize;
+    memcpy(field, s->data + s->pos, kept);
+    // The last byte of what was stored is forced to zero, and so is the end of the field.
+    if (kept < fieldSize)
+        memset(field + kept, 0, fieldSize - kept);
+    if (kept > 0 && kept == size_t(n))
+        field[kept - 1] = 0;
+    field[fieldSize - 1] = 0;
+    s->pos += stored;
+}
+
+void KGetFCounted(char* field, size_t fieldSize, KStream* s)
+{
+    int32_t n = KGetFInt(s);
+    KGetFString(field, fieldSize, s, n);
+}
+
+bool readWholeFile(const char* path, std::vector<uint8_t>* bytes)
+{
+    FILE* f = fopen(path, "rb");
+    if (!f)
+        return false;
+    bytes->clear();
+    uint8_t chunk[65536];
+    size_t got;
+    while ((got = fread(chunk, 1, sizeof chunk, f)) > 0)
+        bytes->insert(bytes->end(), chunk, chunk + got);
+    bool ok = !ferror(f);
+    fclose(f);
+    return ok;
+}

@@ -1,0 +1,15 @@
+// The readers of binary view files, one set per format generation, and what they share.
+#pragma once
+
+#include "Korel2D.h"
+#include "files/KStream.h"
+
+// Deeper nesting than this is no view a person drew: the rest of such a file is dropped
+// rather than risking the stack on a garbled group count.
+constexpr int kMaxGroupDepth = 200;
+
+// Revision 303 and 304.
+int loadFile_303(KStream* stream, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes, VIEW_STRUCT* view,
+                 int revision);
+int loadConfigFile_303(KStream* stream, VIEW_STRUCT* view);
+ELEMENT_STRUCT* elementLoad_303(uint32_t kind, KStream* stream, ELEMENT_STRUCT** list);

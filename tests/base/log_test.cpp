@@ -1,0 +1,174 @@
+#include "Korel2D.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
+
+// The log is one per process: every test starts from the default level and an empty log.
+class Log : public testing::Test {
+protected:
+    void SetUp() override { reset(); }
+    void TearDown() override { reset(); }
+
+    static void reset()
+    {
+        setLogLevel(1);
+        getLogMsg(nullptr, 0);
+    }
+
+    static std::string fetch()
+    {
+        std::vector<char> buffer(20000, '#');
+        getLogMsg(buffer.data(), static_cast<int>(buffer.size()));
+        return buffer.data();
+    }
+
+    // Logs `text` at level 1 and returns what reached standard output.
+    static std::string printed(const std::string& text)
+    {
+        CaptureStdout();
+        logMsg(1, "%s", text.c_str());
+        return GetCapturedStdout();
+    }
+};
+
+TEST_F(Log, DefaultLevelShowsOnlyErrors)
+{
+    CaptureStdout();
+    logMsg(2, "Warning: nr of data parameter mismatch\n");
+    logMsg(3, "reading view file from %s\n", "/tmp/a.k");
+    logMsgData("source ready\n");
+    logMsg(1, "cannot open file %s\n", "/tmp/missing.k");
+    EXPECT_EQ(GetCapturedStdout(), "cannot open file /tmp/missing.k\n");
+    EXPECT_EQ(fetch(), "cannot open file /tmp/missing.k\n");
+}
+
+TEST_F(Log, RaisedLevelShowsWarningsAndProgress)
+{
+    setLogLevel(2);
+    CaptureStdout();
+    logMsg(2, "w%d\n", 2);
+    logMsg(3, "p%d\n", 3);
+    logMsgData("d%s\n", "3");
+    EXPECT_EQ(GetCapturedStdout(), "w2\n");
+
+    setLogLevel(3);
+    CaptureStdout();
+    logMsg(3, "p%d\n", 3);
+    logMsgData("data %d %s\n", 7, "x");
+    logMsg(0, "zero\n"); // any level at or below the set one passes
+    EXPECT_EQ(GetCapturedStdout(), "p3\ndata 7 x\nzero\n");
+    EXPECT_EQ(fetch(), "w2\np3\ndata 7 x\nzero\n");
+
+    setLogLevel(-1);
+    EXPECT_EQ(printed("error\n"), "");
+}
+
+TEST_F(Log, LongMessageIsCutTo1023Characters)
+{
+    const std::string text(2000, 'm');
+    EXPECT_EQ(printed(text), text.substr(0, 1023));
+    EXPECT_EQ(fetch(), text.substr(0, 1023));
+}
+
+TEST_F(Log, MessageThatDoesNotFitIsDroppedWholeButStillPrinted)
+{
+    for (int i = 0; i < 16; ++i)
+        printed(std::string(1000, 'a' + i));
+    const std::string tooLong(400, 'X');
+    EXPECT_EQ(printed(tooLong), tooLong);
+    EXPECT_EQ(printed(std::string(300, 'Y')), std::string(300, 'Y'));
+
+    const std::string log = fetch();
+    ASSERT_EQ(log.size(), 16300u);
+    EXPECT_EQ(log.substr(0, 3), "aaa");
+    EXPECT_EQ(log.substr(15000, 1000), std::string(1000, 'p'));
+    EXPECT_EQ(log.substr(16000), std::string(300, 'Y'));
+    EXPECT_EQ(log.find('X'), std::string::npos);
+}
+
+TEST_F(Log, MemoryLogHoldsUpTo16383Characters)
+{
+    for (int i = 0; i < 16; ++i)
+        printed(std::string(1000, 'a'));
+    printed(std::string(383, 'b')); // exactly fills the log
+    printed("c");                   // one more no longer fits
+    const std::string log = fetch();
+    ASSERT_EQ(log.size(), 16383u);
+    EXPECT_EQ(log.back(), 'b');
+    EXPECT_EQ(fetch(), ""); // fetching empties it
+}
+
+TEST_F(Log, FetchCutsToTheDestinationAndEmptiesTheLog)
+{
+    printed("0123456789\n");
+    char small[5] = {'#', '#', '#', '#', '#'};
+    EXPECT_EQ(getLogMsg(small, 5), 0);
+    EXPECT_STREQ(small, "0123");
+    EXPECT_EQ(fetch(), ""); // the rest is lost
+
+    printed("abc\n");
+    char one[2] = {'#', '#'};
+    EXPECT_EQ(getLogMsg(one, 1), 0);
+    EXPECT_EQ(one[0], '\0');
+    EXPECT_EQ(one[1], '#');
+    EXPECT_EQ(fetch(), "");
+
+    printed("after\n");
+    EXPECT_EQ(fetch(), "after\n");
+}
+
+// Two threads logging at once: the log keeps only whole messages and never runs past its end.
+TEST_F(Log, ConcurrentWritersStayInsideTheLog)
+{
+    CaptureStdout();
+    auto writer = [](char c) {
+        const std::string text(99, c);
+        for (int i = 0; i < 1000; ++i)
+            logMsg(1, "%s\n", text.c_str());
+    };
+    std::thread first(writer, 'a');
+    std::thread second(writer, 'b');
+    first.join();
+    second.join();
+    EXPECT_EQ(GetCapturedStdout().size(), 200000u);
+
+    const std::string log = fetch();
+    ASSERT_EQ(log.size(), 16300u); // 163 messages of 100 fit, a 164th would not
+    for (size_t at = 0; at < log.size(); at += 100) {
+        const std::string message = log.substr(at, 100);
+        EXPECT_TRUE(message == std::string(99, 'a') + "\n" || message == std::string(99, 'b') + "\n") << at;
+    }
+}
+
+TEST(LabelDigits, DigitsBehindThePoint)
+{
+    EXPECT_EQ(getDots(0.0), 3);
+    EXPECT_EQ(getDots(0.5), 1);
+    EXPECT_EQ(getDots(-0.5), 1);
+    EXPECT_EQ(getDots(0.01), 3);
+    EXPECT_EQ(getDots(0.25), 1);
+    EXPECT_EQ(getDots(1.0), 1);
+    EXPECT_EQ(getDots(2.0), 0);
+    EXPECT_EQ(getDots(100.0), 0);
+}
+
+TEST(LabelDigits, DigitsBeforeThePoint)
+{
+    EXPECT_EQ(getPre(0, 99), 2);
+    EXPECT_EQ(getPre(0, 100), 3);
+    EXPECT_EQ(getPre(-250, 10), 3);
+    EXPECT_EQ(getPre(1000, -1000), 4);
+    EXPECT_EQ(getPre(0.5, 0), 1);
+    EXPECT_EQ(getPre(0, 0), 1);
+    EXPECT_EQ(getPre(9.9, 5), 1);
+}
+
+} // namespace

@@ -1,0 +1,382 @@
+// The font layer as its callers see it: measured strings, resolved families, and the pixels
+// that text leaves in a real GL context.
+#include "GlyphKit.h"
+
+#include "GlContext.h"
+
+#include <GL/gl.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstdio>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+using k2dtest::Frame;
+using k2dtest::GlTest;
+using k2dtest::kSurfaceHeight;
+using k2dtest::kSurfaceWidth;
+using k2dtest::Rgb;
+
+const char kSansFile[] = "/usr/share/fonts/truetype/liberation2/LiberationSans-Regular.ttf";
+const Rgb kRed{255, 0, 0};
+
+// Frees its font however the test ends.
+class Font {
+public:
+    Font(const char* family, int style, int size) : handle_(gkFontCreate(family, style, size)) {}
+    ~Font() { gkFontFree(handle_); }
+    Font(const Font&) = delete;
+    Font& operator=(const Font&) = delete;
+    GK_FONT handle() const { return handle_; }
+    std::array<int, 2> metric(const char* text) const
+    {
+        std::array<int, 2> m{-1, -1};
+        EXPECT_EQ(0, gkFontStringMetric(handle_, text, m.data()));
+        return m;
+    }
+
+private:
+    GK_FONT handle_;
+};
+
+// Pixels brighter than the black background, and their bounding box.
+struct Ink {
+    int lit = 0;
+    int x0 = INT_MAX, y0 = INT_MAX, x1 = INT_MIN, y1 = INT_MIN;  // inclusive
+    int width() const { return lit ? x1 - x0 + 1 : 0; }
+    int height() const { return lit ? y1 - y0 + 1 : 0; }
+};
+
+Ink inkIn(const Frame& frame, int x0 = 0, int y0 = 0, int x1 = kSurfaceWidth, int y1 = kSurfaceHeight)
+{
+    Ink ink;
+    for (int y = y0; y < y1; ++y)
+        for (int x = x0; x < x1; ++x) {
+            const Rgb c = frame.at(x, y);
+            if (std::max({c.r, c.g, c.b}) > 24) {
+                ++ink.lit;
+                ink.x0 = std::min(ink.x0, x);
+                ink.y0 = std::min(ink.y0, y);
+                ink.x1 = std::max(ink.x1, x);
+                ink.y1 = std::max(ink.y1, y);
+            }
+        }
+    return ink;
+}
+
+void pixelProjection()
+{
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(0, kSurfaceWidth, 0, kSurfaceHeight, -1, 1);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+}
+
+// Draws `text` in red with the origin at (x, y), optionally scaled, and grabs the result.
+Frame drawAt(const Font& font, const char* text, float x, float y, float scale = 1)
+{
+    glClear(GL_COLOR_BUFFER_BIT);
+    pixelProjection();
+    glTranslatef(x, y, 0);
+    glScalef(scale, scale, 1);
+    glColor3f(1, 0, 0);
+    EXPECT_EQ(0, gkFontRender(font.handle(), text));
+    return Frame::grab();
+}
+
+TEST(GlyphMetrics, StringsMeasureInPixelsAtTheFontSize)
+{
+    Font sans("Liberation Sans", GK_PLAIN, 30);
+    Font mono("Liberation Mono", GK_PLAIN, 30);
+    const auto s = sans.metric("Hello 123");
+    EXPECT_NEAR(s[0], 129, 3);
+    EXPECT_NEAR(s[1], 35, 1);
+    const auto m = mono.metric("Hello 123");
+    EXPECT_NEAR(m[0], 162, 3);
+    EXPECT_GT(m[0], s[0]);
+
+    // The width adds up glyph by glyph; the height belongs to the font, not the text.
+    EXPECT_EQ(s[0], sans.metric("Hello")[0] + sans.metric(" 123")[0]);
+    EXPECT_EQ((std::array<int, 2>{0, s[1]}), sans.metric(""));
+    EXPECT_EQ((std::array<int, 2>{0, s[1]}), sans.metric(nullptr));
+
+    Font small("Liberation Sans", GK_PLAIN, 15);
+    EXPECT_NEAR(small.metric("Hello 123")[0], s[0] / 2, 4);
+    EXPECT_NEAR(small.metric("Hello 123")[1], s[1] / 2, 1);
+}
+
+TEST(GlyphMetrics, CommonFamilyNamesResolveToMatchingFaces)
+{
+    const char* text = "Hello World 0123456789";
+    auto width = [&](const char* family) { return Font(family, GK_PLAIN, 24).metric(text)[0]; };
+    const int sans = width("Liberation Sans"), mono = width("Liberation Mono"), serif = width("Liberation Serif");
+    EXPECT_EQ(3u, (std::set<int>{sans, mono, serif}.size()));
+    EXPECT_EQ(sans, width("Arial"));
+    EXPECT_EQ(sans, width("Helvetica"));
+    EXPECT_EQ(mono, width("Courier"));
+    EXPECT_EQ(mono, width("Courier New"));
+    EXPECT_EQ(serif, width("Times"));
+    EXPECT_EQ(serif, width("Times New Roman"));
+
+    // Bitmap families measure like the outline family of the same name.
+    EXPECT_NEAR(width("Courier [fixed]"), mono, 4);
+
+    Font unknown("No Such Family At All", GK_PLAIN, 24);
+    const auto u = unknown.metric(text);
+    EXPECT_GT(u[0], 0);
+    EXPECT_GT(u[1], 0);
+}
+
+TEST(GlyphMetrics, BoldIsWiderThanPlain)
+{
+    const char* text = "Hello World 0123456789";
+    const int plain = Font("Arial", GK_PLAIN, 24).metric(text)[0];
+    EXPECT_GT(Font("Arial", GK_BOLD, 24).metric(text)[0], plain);
+    EXPECT_GT(Font("Arial", GK_BOLD_ITALIC, 24).metric(text)[0], plain);
+}
+
+TEST(GlyphMetrics, Latin1BytesHaveGlyphsAndControlBytesDoNot)
+{
+    Font sans("Arial", GK_PLAIN, 20);
+    EXPECT_GT(sans.metric("\xc4\xd6\xdc\xe9\xff")[0], 40);  // umlauts, e acute, y diaeresis
+    EXPECT_EQ(0, sans.metric("\x01\x02\x1f")[0]);
+    EXPECT_EQ(sans.metric("AB")[0], sans.metric("A\x01" "B")[0]);
+}
+
+TEST(GlyphFamilies, StylesAndSizes)
+{
+    const int all = GK_PLAIN | GK_BOLD | GK_ITALIC | GK_BOLD_ITALIC;
+    EXPECT_EQ(all, gkFamilyGetStyles("Arial"));
+    EXPECT_EQ(all, gkFamilyGetStyles("Courier [fixed]"));
+    EXPECT_NE(0, gkFamilyGetStyles("No Such Family At All") & GK_PLAIN);
+
+    int count = -1;
+    EXPECT_EQ(nullptr, gkFamilyGetSizes("Arial", GK_PLAIN, &count));
+    EXPECT_EQ(0, count);
+
+    int* sizes = gkFamilyGetSizes("Helvetica [fixed]", GK_BOLD, &count);
+    ASSERT_NE(nullptr, sizes);
+    ASSERT_GT(count, 0);
+    EXPECT_TRUE(std::is_sorted(sizes, sizes + count));
+    EXPECT_NE(sizes + count, std::find(sizes, sizes + count, 12));
+    gkFree(sizes);
+}
+
+TEST(GlyphFamilies, ScalableOnlyForOutlineFonts)
+{
+    Font outline("Helvetica", GK_PLAIN, 12);
+    Font fixed("Helvetica [fixed]", GK_PLAIN, 12);
+    EXPECT_NE(0, gkFontScalable(outline.handle()));
+    EXPECT_EQ(0, gkFontScalable(fixed.handle()));
+    EXPECT_EQ(0, gkFontScalable(0));
+}
+
+TEST(GlyphRobustness, NullAndBogusArgumentsAreHarmless)
+{
+    gkFontFree(0);
+    gkFontFree(0xdeadbeef);
+    int metric[2] = {7, 7};
+    EXPECT_EQ(-1, gkFontStringMetric(0, "x", metric));
+    EXPECT_EQ(0, metric[0]);
+    EXPECT_EQ(-1, gkFontStringMetric(0xdeadbeef, "x", metric));
+    EXPECT_EQ(-1, gkFontRender(0, "x"));
+    EXPECT_EQ(0, gkFamilyGetSizes("Courier [fixed]", GK_PLAIN, nullptr));
+    EXPECT_EQ(0, gkLibraryAddPath(nullptr));
+    EXPECT_NE(0, gkFamilyGetStyles(nullptr));
+    gkFree(nullptr);
+
+    // Garbage requests still give fonts that measure.
+    for (GK_FONT f : {gkFontCreate(nullptr, 0, 12), gkFontCreate("", -3, -5), gkFontCreate("Arial", 0x7fff, 1 << 30),
+                      gkFontCreate(" [fixed]", GK_BOLD, 0)}) {
+        EXPECT_EQ(0, gkFontStringMetric(f, "Hi", metric));
+        EXPECT_GT(metric[1], 0);
+        EXPECT_EQ(-1, gkFontStringMetric(f, "Hi", nullptr));
+        gkFontFree(f);
+        gkFontFree(f);  // a second free is ignored
+        EXPECT_EQ(-1, gkFontStringMetric(f, "Hi", metric));
+    }
+}
+
+// Fonts in the search directories are preferred to the system's; a repeated set-up replaces,
+// rather than adds to, what an earlier one found.
+TEST(GlyphSearchPath, DirectoryFontsWinOverFontconfig)
+{
+    namespace fs = std::filesystem;
+    ASSERT_TRUE(fs::exists(kSansFile)) << "fonts-liberation2 is not installed";
+    const fs::path dir = fs::temp_directory_path() / ("glyphkit-" + std::to_string(::getpid()));
+    fs::create_directories(dir);
+    fs::copy_file(kSansFile, dir / "OnlyRegular.TTF", fs::copy_options::overwrite_existing);
+    std::FILE* junk = std::fopen((dir / "broken.ttf").c_str(), "w");
+    ASSERT_NE(nullptr, junk);
+    std::fputs("not a font", junk);
+    std::fclose(junk);
+
+    const char* text = "Hello World 0123456789";
+    const int systemBold = Font("Liberation Sans", GK_BOLD, 24).metric(text)[0];
+    EXPECT_EQ(15, gkFamilyGetStyles("Liberation Sans"));
+
+    for (int load = 0; load < 3; ++load) {
+        ASSERT_EQ(1, gkLibraryInit());
+        EXPECT_EQ(1, gkLibraryAddPath(dir.c_str()));
+        EXPECT_EQ(1, gkLibraryAddPath(dir.c_str()));
+        EXPECT_EQ(1, gkLibraryAddPath("/no/such/directory"));
+        EXPECT_EQ(1, gkLibraryParseFonts());
+    }
+    // The directory holds only the regular face, so bold is synthesized from it.
+    EXPECT_EQ(GK_PLAIN, gkFamilyGetStyles("liberation sans"));
+    const int synthetic = Font("Liberation Sans", GK_BOLD, 24).metric(text)[0];
+    EXPECT_NE(systemBold, synthetic);
+    EXPECT_GT(synthetic, Font("Liberation Sans", GK_PLAIN, 24).metric(text)[0]);
+
+    ASSERT_EQ(1, gkLibraryInit());
+    EXPECT_EQ(0, gkLibraryParseFonts());
+    EXPECT_EQ(systemBold, Font("Liberation Sans", GK_BOLD, 24).metric(text)[0]);
+    fs::remove_all(dir);
+}
+
+class GlyphRender : public GlTest {};
+
+TEST_F(GlyphRender, OutlineTextStaysInsideItsMetricBox)
+{
+    Font sans("Arial", GK_PLAIN, 30);
+    const auto m = sans.metric("Hello 123");
+    const Frame frame = drawAt(sans, "Hello 123", 50, 100);
+    const Ink inside = inkIn(frame, 50, 100, 50 + m[0], 100 + m[1]);
+    EXPECT_GT(frame.count(50, 100, 50 + m[0], 100 + m[1], kRed), 300);
+    EXPECT_EQ(inside.lit, inkIn(frame).lit) << "ink outside the metric box";
+    // The ink spans nearly the whole advance; "H" starts at the baseline, which is `descent` up.
+    EXPECT_GT(inside.width(), m[0] - 8);
+    EXPECT_NEAR(inside.y0, 100 + 7, 1);
+}
+
+TEST_F(GlyphRender, FixedTextIsMonochromeAndInsideItsMetricBox)
+{
+    Font fixed("Helvetica [fixed]", GK_PLAIN, 14);
+    const auto m = fixed.metric("Fixed 0123");
+    const Frame frame = drawAt(fixed, "Fixed 0123", 20, 200);
+    const Ink inside = inkIn(frame, 20, 200, 20 + m[0], 200 + m[1]);
+    EXPECT_GT(inside.lit, 80);
+    EXPECT_EQ(inside.lit, inkIn(frame).lit) << "ink outside the metric box";
+    EXPECT_EQ(inside.lit, frame.count(0, 0, kSurfaceWidth, kSurfaceHeight, kRed, 0)) << "partly covered pixels";
+}
+
+TEST_F(GlyphRender, OutlineTextFollowsTheModelviewScale)
+{
+    Font sans("Arial", GK_PLAIN, 20);
+    const Ink plain = inkIn(drawAt(sans, "Hello 123", 10, 20));
+    const Ink doubled = inkIn(drawAt(sans, "Hello 123", 10, 20, 2));
+    ASSERT_GT(plain.lit, 0);
+    EXPECT_NEAR(doubled.width(), 2 * plain.width(), 4);
+    EXPECT_NEAR(doubled.height(), 2 * plain.height(), 4);
+    EXPECT_NEAR(doubled.x0 - 10, 2 * (plain.x0 - 10), 3);
+
+    // Above the size where glyphs are rasterized once and stretched, the proportions hold.
+    Font huge("Arial", GK_PLAIN, 200);
+    const auto m = huge.metric("Hi");
+    const Ink big = inkIn(drawAt(huge, "Hi", 10, 10));
+    EXPECT_EQ(big.lit, inkIn(drawAt(huge, "Hi", 10, 10), 10, 10, 10 + m[0], 10 + m[1]).lit);
+    EXPECT_GT(big.width(), m[0] * 3 / 4);
+    EXPECT_NEAR(big.height(), 143, 6);  // cap height of Liberation Sans is 0.716 em
+}
+
+TEST_F(GlyphRender, FixedTextIgnoresTheModelviewScale)
+{
+    Font fixed("Courier [fixed]", GK_PLAIN, 16);
+    const Ink plain = inkIn(drawAt(fixed, "Hello 123", 10, 20));
+    const Ink scaled = inkIn(drawAt(fixed, "Hello 123", 10, 20, 3));
+    ASSERT_GT(plain.lit, 0);
+    EXPECT_EQ(plain.lit, scaled.lit);
+    EXPECT_EQ(plain.x0, scaled.x0);
+    EXPECT_EQ(plain.y0, scaled.y0);
+    EXPECT_EQ(plain.width(), scaled.width());
+}
+
+TEST_F(GlyphRender, FixedTextStartingLeftOfTheViewportShowsItsVisiblePart)
+{
+    Font fixed("Helvetica [fixed]", GK_PLAIN, 18);
+    const Frame whole = drawAt(fixed, "Hello 123", 40, 100);
+    const Frame cut = drawAt(fixed, "Hello 123", -20, 100);
+    int compared = 0;
+    for (int y = 95; y < 125; ++y)
+        for (int x = 0; x + 60 < kSurfaceWidth; ++x) {
+            const Rgb a = cut.at(x, y), b = whole.at(x + 60, y);
+            ASSERT_TRUE(a.r == b.r && a.g == b.g && a.b == b.b) << "at " << x << ", " << y;
+            compared += a.r > 0;
+        }
+    EXPECT_GT(compared, 30);
+}
+
+TEST_F(GlyphRender, LeavesTheCallersGlStateAlone)
+{
+    GLuint hostTexture = 0;
+    glGenTextures(1, &hostTexture);
+    glBindTexture(GL_TEXTURE_2D, hostTexture);
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
+    glBlendFunc(GL_ONE, GL_ZERO);
+    Font outline("Arial", GK_BOLD, 18);
+    Font fixed("Courier [fixed]", GK_ITALIC, 12);
+    for (const Font* font : {&outline, &fixed}) {
+        drawAt(*font, "State", 30, 30);
+        glColor3f(0, 1, 0);
+        GLint value = 0;
+        EXPECT_EQ(0, gkFontRender(font->handle(), "State"));
+        EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
+        EXPECT_FALSE(glIsEnabled(GL_BLEND));
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &value);
+        EXPECT_EQ(GLint(hostTexture), value);
+        glGetTexEnviv(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, &value);
+        EXPECT_EQ(GL_REPLACE, value);
+        glGetIntegerv(GL_UNPACK_ALIGNMENT, &value);
+        EXPECT_EQ(8, value);
+        glGetIntegerv(GL_BLEND_SRC, &value);
+        EXPECT_EQ(GL_ONE, value);
+        glGetIntegerv(GL_MATRIX_MODE, &value);
+        EXPECT_EQ(GL_MODELVIEW, value);
+        GLfloat colour[4];
+        glGetFloatv(GL_CURRENT_COLOR, colour);
+        EXPECT_EQ(1.0f, colour[1]);
+        EXPECT_EQ(GL_NO_ERROR, glGetError());
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glDeleteTextures(1, &hostTexture);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glBlendFunc(GL_ONE, GL_ZERO);
+}
+
+TEST_F(GlyphRender, FontsMadeWithoutAContextRenderLater)
+{
+    k2dtest::releaseGlContext();
+    Font sans("Arial", GK_PLAIN, 24);
+    const auto m = sans.metric("Later");
+    EXPECT_GT(m[0], 0);
+    EXPECT_EQ(-1, gkFontRender(sans.handle(), "Later"));
+    ASSERT_TRUE(k2dtest::ensureGlContext(nullptr));
+
+    const Frame frame = drawAt(sans, "Later", 100, 100);
+    EXPECT_GT(frame.count(100, 100, 100 + m[0], 100 + m[1], kRed), 100);
+
+    // A font that owns a texture may be freed after the context is gone.
+    GK_FONT drawn = gkFontCreate("Times", GK_ITALIC, 20);
+    EXPECT_EQ(0, gkFontRender(drawn, "gone"));
+    k2dtest::releaseGlContext();
+    gkFontFree(drawn);
+    ASSERT_TRUE(k2dtest::ensureGlContext(nullptr));
+}
+
+TEST_F(GlyphRender, AccentedLettersDrawAndControlBytesDoNot)
+{
+    Font sans("Arial", GK_PLAIN, 24);
+    EXPECT_GT(inkIn(drawAt(sans, "\xc4\xd6\xdc", 20, 20)).lit, 100);
+    EXPECT_EQ(0, inkIn(drawAt(sans, "\x01\x7f\x81", 20, 20)).lit);
+    EXPECT_EQ(0, inkIn(drawAt(sans, "", 20, 20)).lit);
+}
+
+} // namespace

@@ -1,0 +1,252 @@
+#include "drawing.h"
+
+#include <cmath>
+#include <vector>
+
+using k2dtest::Frame;
+using k2dtest::PixelIs;
+using k2dtest::Rgb;
+
+namespace {
+
+const Rgb kWhite{255, 255, 255};
+
+class ColourFactor : public k2dtest::GraphicsTest {};
+class AliasBlend : public k2dtest::GraphicsTest {};
+class LineStipple : public k2dtest::GraphicsTest {};
+class LineWidth : public k2dtest::GraphicsTest {};
+class GlWrappers : public k2dtest::GraphicsTest {};
+
+TEST_F(ColourFactor, ScalesEveryDrawnColour)
+{
+    kvSetColorFactor(1, 0.5f, 1, 1);
+    kvColor4f(1, 1, 1, 1);
+    quad(100, 100, 150, 150);
+    kvColor4f(0.5f, 1, 0, 1);
+    quad(200, 100, 250, 150);
+    Frame frame = Frame::grab();
+    EXPECT_TRUE(PixelIs(frame, 125, 125, Rgb{255, 128, 255}, 2));
+    EXPECT_TRUE(PixelIs(frame, 225, 125, Rgb{128, 128, 0}, 2));
+}
+
+TEST_F(ColourFactor, ComponentsAreClampedToUnitRange)
+{
+    kvSetColorFactor(2, -1, 0.5f, 1);
+    EXPECT_FALSE(glIsEnabled(GL_BLEND)) << "an opaque factor leaves blending alone";
+    kvColor4f(1, 1, 1, 1);
+    quad(100, 100, 150, 150);
+    // Grey shows the clamp: an unclamped red factor of 2 would double it to 204.
+    kvColor4f(0.4f, 0.4f, 0.4f, 1);
+    quad(200, 100, 250, 150);
+    Frame frame = Frame::grab();
+    EXPECT_TRUE(PixelIs(frame, 125, 125, Rgb{255, 0, 128}, 2));
+    EXPECT_TRUE(PixelIs(frame, 225, 125, Rgb{102, 0, 51}, 2));
+
+    // Switching to an opaque factor never turns blending off: that is left to each element.
+    glEnable(GL_BLEND);
+    kvSetColorFactor(1, 1, 1, 5);
+    EXPECT_TRUE(glIsEnabled(GL_BLEND));
+}
+
+TEST_F(ColourFactor, TranslucentFactorBlendsOpaqueElements)
+{
+    tkClearColor(0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    kvSetColorFactor(1, 1, 1, 0.5f);
+    EXPECT_TRUE(glIsEnabled(GL_BLEND));
+    tkAliasBlend(0, 1);
+    kvColor4f(1, 0, 0, 1);
+    quad(100, 100, 150, 150);
+
+    kvSetColorFactor(1, 1, 1, 1);
+    tkAliasBlend(0, 1);
+    kvColor4f(1, 0, 0, 1);
+    quad(200, 100, 250, 150);
+
+    Frame frame = Frame::grab();
+    EXPECT_TRUE(PixelIs(frame, 125, 125, Rgb{128, 0, 128}, 3));
+    EXPECT_TRUE(PixelIs(frame, 225, 125, Rgb{255, 0, 0}, 2));
+    EXPECT_TRUE(PixelIs(frame, 300, 125, Rgb{0, 0, 255}, 2));
+}
+
+TEST_F(AliasBlend, AntialiasTurnsOnSmoothingAndBlending)
+{
+    tkAliasBlend(1, 1);
+    EXPECT_TRUE(glIsEnabled(GL_LINE_SMOOTH));
+    EXPECT_TRUE(glIsEnabled(GL_BLEND));
+    tkAliasBlend(0, 1);
+    EXPECT_FALSE(glIsEnabled(GL_LINE_SMOOTH));
+    EXPECT_FALSE(glIsEnabled(GL_BLEND));
+}
+
+TEST_F(AliasBlend, AlphaBelowThresholdBlends)
+{
+    tkAliasBlend(0, 0.98f);
+    EXPECT_FALSE(glIsEnabled(GL_BLEND)) << "0.98 itself counts as opaque";
+    tkAliasBlend(0, std::nextafter(0.98f, 0.0f));
+    EXPECT_TRUE(glIsEnabled(GL_BLEND));
+    EXPECT_FALSE(glIsEnabled(GL_LINE_SMOOTH));
+
+    tkClearColor(0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    tkAliasBlend(0, 0.5f);
+    kvColor4f(1, 0, 0, 0.5f);
+    quad(100, 100, 150, 150);
+    EXPECT_TRUE(PixelIs(Frame::grab(), 125, 125, Rgb{128, 0, 128}, 3));
+}
+
+// A one-pixel line along row 150 from x = 10 to 330: 320 fragments, the stipple counter
+// starting at the first one and reading the pattern from its lowest bit.
+struct RowLine {
+    Frame frame;
+    int litCount() const { return frame.count(0, 150, k2dtest::kSurfaceWidth, 151, kWhite, 100); }
+};
+
+RowLine drawRowLine()
+{
+    kvColor4f(1, 1, 1, 1);
+    tkBegin(GL_LINES);
+    glVertex2f(10, 150.5f);
+    glVertex2f(330, 150.5f);
+    tkEnd();
+    return RowLine{Frame::grab()};
+}
+
+TEST_F(LineStipple, FullPatternAtFactorOneDrawsSolid)
+{
+    tkLineStipple(1, 0xF0F0);
+    tkLineStipple(1, 0xFFFF);
+    EXPECT_FALSE(glIsEnabled(GL_LINE_STIPPLE));
+    EXPECT_EQ(drawRowLine().litCount(), 320);
+}
+
+TEST_F(LineStipple, PatternBreaksLineIntoDashes)
+{
+    tkLineStipple(1, 0xF0F0);
+    EXPECT_TRUE(glIsEnabled(GL_LINE_STIPPLE));
+    RowLine row = drawRowLine();
+    EXPECT_EQ(row.litCount(), 160);
+    // Low nibble 0: four pixels off, then four on.
+    EXPECT_FALSE(lit(row.frame, 10, 150));
+    EXPECT_FALSE(lit(row.frame, 13, 150));
+    EXPECT_TRUE(lit(row.frame, 14, 150));
+    EXPECT_TRUE(lit(row.frame, 17, 150));
+    EXPECT_FALSE(lit(row.frame, 18, 150));
+}
+
+TEST_F(LineStipple, FactorAboveOneStretchesEvenAFullPattern)
+{
+    tkLineStipple(2, 0xFFFF);
+    EXPECT_TRUE(glIsEnabled(GL_LINE_STIPPLE));
+    EXPECT_EQ(drawRowLine().litCount(), 320);
+
+    glClear(GL_COLOR_BUFFER_BIT);
+    tkLineStipple(2, 0xF0F0);
+    RowLine row = drawRowLine();
+    EXPECT_EQ(row.litCount(), 160);
+    EXPECT_FALSE(lit(row.frame, 17, 150));
+    EXPECT_TRUE(lit(row.frame, 18, 150));
+    EXPECT_TRUE(lit(row.frame, 25, 150));
+    EXPECT_FALSE(lit(row.frame, 26, 150));
+}
+
+TEST_F(LineStipple, StoredStyleReachesThePixels)
+{
+    int32_t factor = 0;
+    uint16_t pattern = 0;
+    getLineStipple(9, &factor, &pattern);
+    tkLineStipple(factor, pattern);
+    RowLine row = drawRowLine();
+    // Style 9 read from bit 0 up: on x4, off x6, on x2, off x4.
+    const bool expected[16] = {1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0};
+    for (int i = 0; i < 32; ++i)
+        EXPECT_EQ(lit(row.frame, 10 + i, 150), expected[i % 16]) << "pixel " << i << " of the line";
+    EXPECT_EQ(row.litCount(), 120);
+}
+
+// Rows lit by a horizontal line at y = 150 in column 200.
+int thickness()
+{
+    return Frame::grab().count(200, 130, 201, 170, kWhite, 100);
+}
+
+TEST_F(LineWidth, LineScaleMultipliesWidth)
+{
+    kvColor4f(1, 1, 1, 1);
+    tkLineWidth(2);
+    line(10, 150, 390, 150);
+    EXPECT_EQ(thickness(), 2);
+
+    glClear(GL_COLOR_BUFFER_BIT);
+    kvSetLineScale(2);
+    tkLineWidth(2);
+    line(10, 150, 390, 150);
+    EXPECT_EQ(thickness(), 4);
+
+    glClear(GL_COLOR_BUFFER_BIT);
+    kvSetLineScale(3);
+    tkLineWidth(3);
+    line(10, 150, 390, 150);
+    EXPECT_EQ(thickness(), 9);
+}
+
+TEST_F(LineWidth, ZeroWidthIsRefusedAndKeepsTheLastOne)
+{
+    tkLineWidth(3);
+    tkLineWidth(0);
+    EXPECT_EQ(glGetError(), GLenum(GL_INVALID_VALUE));
+    GLfloat width = 0;
+    glGetFloatv(GL_LINE_WIDTH, &width);
+    EXPECT_FLOAT_EQ(width, 3);
+}
+
+TEST_F(GlWrappers, PopMatrixUndoesATransform)
+{
+    kvColor4f(1, 1, 1, 1);
+    tkPushMatrix();
+    glTranslatef(100, 0, 0);
+    quad(10, 10, 20, 20);
+    tkPopMatrix();
+    quad(10, 50, 20, 60);
+    Frame frame = Frame::grab();
+    EXPECT_TRUE(lit(frame, 115, 15));
+    EXPECT_FALSE(lit(frame, 15, 15));
+    EXPECT_TRUE(lit(frame, 15, 55));
+    EXPECT_FALSE(lit(frame, 115, 55));
+}
+
+TEST_F(GlWrappers, ClearColourHasZeroAlpha)
+{
+    tkClearColor(0, 1, 0.5f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    EXPECT_TRUE(PixelIs(Frame::grab(), 10, 10, Rgb{0, 255, 128}, 2));
+    GLfloat clear[4] = {1, 1, 1, 1};
+    glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);
+    EXPECT_EQ(clear[3], 0.0f);
+}
+
+// One test owns the lookup table, so that it can also see the table of zeros before a host sets one.
+TEST(FastColour, IndexesTheHostTableByTruncatedSteps)
+{
+    EXPECT_EQ(getFastRGBcolor(0.5f, 0.5f, 0.5f), 0u) << "no table set yet: zeros";
+    EXPECT_EQ(getFastRGBcolor(1, 1, 1), 0u);
+
+    // Static: the layer keeps the pointer after the test.
+    static std::vector<uint32_t> table(21 * 21 * 21);
+    for (size_t i = 0; i < table.size(); ++i)
+        table[i] = uint32_t(100000 + i);
+    setRgbColorIndex(table.data());
+
+    EXPECT_EQ(getFastRGBcolor(0, 0, 0), 100000u);
+    EXPECT_EQ(getFastRGBcolor(1, 1, 1), 100000u + 9260);
+    // 10 * 441 + 5 * 21 + 2
+    EXPECT_EQ(getFastRGBcolor(0.5f, 0.25f, 0.1f), 100000u + 4517);
+    // 0.999 * 20 = 19.98, truncated to 19: 19 * 441
+    EXPECT_EQ(getFastRGBcolor(0.999f, 0, 0), 100000u + 8379);
+    // 0.35f * 20 is 6.99999988 in exact arithmetic but 7.0 once rounded to float, as a host's f32 maths gives.
+    EXPECT_EQ(getFastRGBcolor(0, 0, 0.35f), 100000u + 7);
+    table[441 * 20] = 42;
+    EXPECT_EQ(getFastRGBcolor(1, 0, 0), 42u) << "the table is read, not copied";
+}
+
+} // namespace
