@@ -437,7 +437,7 @@ void drawFixed(const Font& font, const unsigned char* text)
     glDisable(GL_LIGHTING);  // the raster colour must be the current colour
     glDisable(GL_TEXTURE_1D);
     glDisable(GL_TEXTURE_2D);
-    if (placeRaster(font.descent)) {
+    if (placeRaster(0)) {
         for (; *text; ++text) {
             const Glyph& g = font.glyphs[*text];
             glBitmap(g.width, g.height, GLfloat(-g.left), GLfloat(g.height - g.top), GLfloat(g.advance), 0,

@@ -259,12 +259,30 @@ TEST_F(GlyphRender, OutlineTextStaysInsideItsMetricBox)
 TEST_F(GlyphRender, FixedTextIsMonochromeAndInsideItsMetricBox)
 {
     Font fixed("Helvetica [fixed]", GK_PLAIN, 14);
-    const auto m = fixed.metric("Fixed 0123");
-    const Frame frame = drawAt(fixed, "Fixed 0123", 20, 200);
+    const auto m = fixed.metric("Fixy 0123");
+    const Frame frame = drawAt(fixed, "Fixy 0123", 20, 200);
     const Ink inside = inkIn(frame, 20, 200, 20 + m[0], 200 + m[1]);
     EXPECT_GT(inside.lit, 80);
     EXPECT_EQ(inside.lit, inkIn(frame).lit) << "ink outside the metric box";
     EXPECT_EQ(inside.lit, frame.count(0, 0, kSurfaceWidth, kSurfaceHeight, kRed, 0)) << "partly covered pixels";
+}
+
+// The bitmap face is the outline face in whole pixels: the two drawings nearly coincide.
+TEST_F(GlyphRender, FixedAndOutlineFontsDrawTheSameLetters)
+{
+    Font outline("Helvetica", GK_PLAIN, 30);
+    Font fixed("Helvetica [fixed]", GK_PLAIN, 30);
+    const Frame a = drawAt(outline, "FL7", 20, 100);
+    const Frame b = drawAt(fixed, "FL7", 20, 100);
+    int both = 0, either = 0;
+    for (int y = 90; y < 150; ++y)
+        for (int x = 0; x < 200; ++x) {
+            const bool inA = a.at(x, y).r > 128, inB = b.at(x, y).r > 128;
+            both += inA && inB;
+            either += inA || inB;
+        }
+    ASSERT_GT(either, 150);
+    EXPECT_GT(double(both) / either, 0.8) << both << " of " << either;
 }
 
 TEST_F(GlyphRender, OutlineTextFollowsTheModelviewScale)
