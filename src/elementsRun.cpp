@@ -2,6 +2,7 @@
 // blink and visibility decide what shows, groups clip their children, kinds draw.
 #include "Korel2D.h"
 #include "core/truncate.h"
+#include "graphics/glState.h"
 
 #include <GL/gl.h>
 #include <GL/glu.h>
@@ -93,7 +94,7 @@ void drawStencilBox(const ELEMENT_STRUCT* group)
     glColor3f(1, 1, 1);
     tkBegin(GL_QUADS);
     for (int i = 0; i < 4; ++i)
-        glVertex2f(group->scissorCornerX[i], group->scissorCornerY[i]);
+        tkVertex2f(group->scissorCornerX[i], group->scissorCornerY[i]);
     tkEnd();
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
 }
@@ -138,9 +139,11 @@ void walkGroupScissorBox(ELEMENT_STRUCT* group, int run, int halt, int clip, DRA
         glGetDoublev(GL_MODELVIEW_MATRIX, model);
         glGetDoublev(GL_PROJECTION_MATRIX, projection);
         GLdouble wx[3], wy[3], wz;
+        float offsetX, offsetY;
+        tkGetOffset(&offsetX, &offsetY);
         for (int i = 0; i < 3; ++i)
-            gluProject(group->scissorCornerX[i], group->scissorCornerY[i], 0, model, projection, viewport, &wx[i],
-                       &wy[i], &wz);
+            gluProject(group->scissorCornerX[i] + offsetX, group->scissorCornerY[i] + offsetY, 0, model, projection,
+                       viewport, &wx[i], &wy[i], &wz);
         glScissor(truncToInt(wx[0]), truncToInt(wy[0]), truncToInt(wx[1] - wx[0]), truncToInt(wy[2] - wy[0]));
         glEnable(GL_SCISSOR_TEST);
         boxSet = true;
@@ -150,6 +153,19 @@ void walkGroupScissorBox(ELEMENT_STRUCT* group, int run, int halt, int clip, DRA
     drawUserElements(group->child, &group->attr, run, halt, clip, settings, depth + 1);
     if (boxSet)
         glDisable(GL_SCISSOR_TEST);
+}
+
+// Kinds whose drawing is plain vertices through tkVertex2f, placed by the walk's offset.
+bool drawsAtOffset(const ELEMENT_STRUCT* e)
+{
+    switch (e->type) {
+    case KR_RECT:
+    case KR_GROUP:
+    case KR_SCISSOR:
+        return !e->actions;
+    default:
+        return false;
+    }
 }
 
 void drawElement(ELEMENT_STRUCT* e, int run, int halt, int clip, DRAW_SETTINGS* settings, int depth)
@@ -197,8 +213,17 @@ int drawUserElements(ELEMENT_STRUCT* list, ELEMENT_ATTR* parentAttr, int run, in
         if (parentAttr)
             inherit(&e->attr, parentAttr);
         int blink = blinkState(e->attr);
-        tkPushMatrix();
-        glTranslatef(e->x, e->y, 0);
+        // The element's translation: added to its vertices where it can be, else a matrix.
+        float offsetX, offsetY;
+        tkGetOffset(&offsetX, &offsetY);
+        bool pushed = !drawsAtOffset(e);
+        if (pushed) {
+            tkPushMatrix();
+            glTranslatef(offsetX + e->x, offsetY + e->y, 0);
+            tkSetOffset(0, 0);
+        } else {
+            tkSetOffset(offsetX + e->x, offsetY + e->y);
+        }
         if (!run) {
             e->attr.live = 0;
             drawElement(e, run, halt, clip, settings, depth);
@@ -207,7 +232,9 @@ int drawUserElements(ELEMENT_STRUCT* list, ELEMENT_ATTR* parentAttr, int run, in
             if (e->attr.visible && blink)
                 drawElement(e, run, halt, clip, settings, depth);
         }
-        tkPopMatrix();
+        if (pushed)
+            tkPopMatrix();
+        tkSetOffset(offsetX, offsetY);
     }
 
     if (settings->useDepthBuffer)

@@ -1,6 +1,7 @@
 // Group: holds children whose x, y are kept relative to the group's centre, so that
 // moving the group moves them. It has no look of its own but the editing outline.
 #include "elements/kindCommon.h"
+#include "graphics/glState.h"
 
 #include <GL/gl.h>
 
@@ -57,14 +58,12 @@ int drawGroup(ELEMENT_STRUCT* element, ELEMENT_ATTR* attr)
     tkLineWidth(2);
     tkAliasBlend(0, 1.0f);
     kvColor4f(1, 0, 0, 1);
-    tkPushMatrix();
-    glTranslatef(-element->width * 0.5f, -element->height * 0.5f, 0);
+    const float halfW = element->width * 0.5f, halfH = element->height * 0.5f;
     tkBegin(GL_LINE_LOOP);
-    glVertex2f(0, 0);
-    glVertex2f(0, element->height);
-    glVertex2f(element->width, element->height);
-    glVertex2f(element->width, 0);
+    tkVertex2f(-halfW, -halfH);
+    tkVertex2f(-halfW, halfH);
+    tkVertex2f(halfW, halfH);
+    tkVertex2f(halfW, -halfH);
     tkEnd();
-    tkPopMatrix();
     return 0;
 }

@@ -1,4 +1,5 @@
 #include "elements/kindCommon.h"
+#include "graphics/glState.h"
 
 #include <GL/gl.h>
 
@@ -54,7 +55,7 @@ void drawCorners(unsigned int mode, const float localX[4], const float localY[4]
 {
     tkBegin(mode);
     for (int i = 0; i < 4; ++i)
-        glVertex2f(localX[i], localY[i]);
+        tkVertex2f(localX[i], localY[i]);
     tkEnd();
 }
 

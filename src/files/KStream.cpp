@@ -32,7 +32,8 @@ void KGetFString(char* field, size_t fieldSize, KStream* s, int32_t n)
         return;
     size_t stored = size_t(n) < s->left() ? size_t(n) : s->left();
     size_t kept = stored < fieldSize ? stored : fieldSize;
-    memcpy(field, s->data + s->pos, kept);
+    if (kept > 0)
+        memcpy(field, s->data + s->pos, kept);
     // The last byte of what was stored is forced to zero, and so is the end of the field.
     if (kept < fieldSize)
         memset(field + kept, 0, fieldSize - kept);

@@ -34,7 +34,6 @@ constexpr int kFixedMin = 8, kFixedMax = 24;  // sizes offered for bitmap famili
 const char kFixedSuffix[] = " [fixed]";
 
 struct Glyph {
-    bool present = false;
     int advance = 0;         // pixels at the font's size
     int left = 0, top = 0;   // bitmap offset from the pen on the baseline, in raster pixels
     int width = 0, height = 0;
@@ -289,7 +288,6 @@ void rasterize(Font& font, FT_Face face, const Request& r, int size)
             FT_Outline_Transform(&slot->outline, &shrink);
         if (FT_Render_Glyph(slot, font.scalable ? FT_RENDER_MODE_NORMAL : FT_RENDER_MODE_MONO))
             continue;
-        g.present = true;
         g.left = slot->bitmap_left;
         g.top = slot->bitmap_top;
         g.width = int(slot->bitmap.width);
@@ -437,7 +435,7 @@ void drawFixed(const Font& font, const unsigned char* text)
     glDisable(GL_LIGHTING);  // the raster colour must be the current colour
     glDisable(GL_TEXTURE_1D);
     glDisable(GL_TEXTURE_2D);
-    if (placeRaster(0)) {
+    if (placeRaster(font.descent)) {
         for (; *text; ++text) {
             const Glyph& g = font.glyphs[*text];
             glBitmap(g.width, g.height, GLfloat(-g.left), GLfloat(g.height - g.top), GLfloat(g.advance), 0,
@@ -467,14 +465,12 @@ void gkSetDebugLevel(int level)
     state().debug = level;
 }
 
-// Forgets the search paths of an earlier load; the next parse replaces the list of files.
 int gkLibraryInit(void)
 {
     state().paths.clear();
     return 1;
 }
 
-// 1 when the directory is (already) in the search list, 0 for no name.
 int gkLibraryAddPath(const char* directory)
 {
     if (!directory || !*directory)
@@ -485,7 +481,6 @@ int gkLibraryAddPath(const char* directory)
     return 1;
 }
 
-// Returns the number of faces found in the search paths.
 int gkLibraryParseFonts(void)
 {
     State& s = state();
@@ -552,7 +547,6 @@ int gkFontScalable(GK_FONT handle)
     return font && font->scalable ? 1 : 0;
 }
 
-// 0 on success, -1 for an unknown font or no metric array.
 int gkFontStringMetric(GK_FONT handle, const char* text, int metric[2])
 {
     const Font* font = findFont(handle);
@@ -567,7 +561,6 @@ int gkFontStringMetric(GK_FONT handle, const char* text, int metric[2])
     return 0;
 }
 
-// 0 on success, -1 for an unknown font or no current context.
 int gkFontRender(GK_FONT handle, const char* text)
 {
     Font* font = findFont(handle);

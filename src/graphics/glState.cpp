@@ -2,6 +2,7 @@
 // and one line scale reach all element kinds. OpenGL state is only ever written, never read
 // back: a read would stall the pipeline once per element.
 #include "Korel2D.h"
+#include "graphics/glState.h"
 
 #include <GL/gl.h>
 
@@ -10,6 +11,7 @@ namespace {
 // Process-wide and unlocked: a draw entry sets them before its walk, on the drawing thread.
 float fr = 1, fg = 1, fb = 1, fa = 1;
 float lineScale = 1;
+float offsetX = 0, offsetY = 0;
 
 // Until a host supplies its table, every lookup answers 0.
 constexpr int kRgbSteps = 21;
@@ -44,6 +46,23 @@ void tkPushMatrix(void)
 void tkPopMatrix(void)
 {
     glPopMatrix();
+}
+
+void tkSetOffset(float x, float y)
+{
+    offsetX = x;
+    offsetY = y;
+}
+
+void tkGetOffset(float* x, float* y)
+{
+    *x = offsetX;
+    *y = offsetY;
+}
+
+void tkVertex2f(float x, float y)
+{
+    glVertex2f(x + offsetX, y + offsetY);
 }
 
 // Each draw function closes its own primitive, so a walk leaves nothing open to finish.

@@ -71,11 +71,7 @@ TEST(Platform, ReadsEveryEntryThenStopsWithoutTouchingTheBuffer)
     EXPECT_EQ(buffer[255], '#');
     EXPECT_EQ(apiReadDir(handle, nullptr), 0);
     EXPECT_EQ(apiCloseDir(handle), 1);
-}
 
-TEST(Platform, DirectoryNullAndMissingPaths)
-{
-    char buffer[256];
     EXPECT_EQ(apiOpenDir("/nonexistent/korel2d"), nullptr);
     EXPECT_EQ(apiOpenDir(nullptr), nullptr);
     EXPECT_EQ(apiReadDir(nullptr, buffer), 0);

@@ -97,7 +97,7 @@ TEST(GlyphMetrics, StringsMeasureInPixelsAtTheFontSize)
     Font mono("Liberation Mono", GK_PLAIN, 30);
     const auto s = sans.metric("Hello 123");
     EXPECT_NEAR(s[0], 129, 3);
-    EXPECT_NEAR(s[1], 35, 1);
+    EXPECT_EQ(s[1], 35);  // ascent 28 + descent 7
     const auto m = mono.metric("Hello 123");
     EXPECT_NEAR(m[0], 162, 3);
     EXPECT_GT(m[0], s[0]);
@@ -112,7 +112,7 @@ TEST(GlyphMetrics, StringsMeasureInPixelsAtTheFontSize)
     EXPECT_NEAR(small.metric("Hello 123")[1], s[1] / 2, 1);
 }
 
-TEST(GlyphMetrics, CommonFamilyNamesResolveToMatchingFaces)
+TEST(GlyphMetrics, FamilyNamesAndStylesResolveToMatchingFaces)
 {
     const char* text = "Hello World 0123456789";
     auto width = [&](const char* family) { return Font(family, GK_PLAIN, 24).metric(text)[0]; };
@@ -129,28 +129,14 @@ TEST(GlyphMetrics, CommonFamilyNamesResolveToMatchingFaces)
     EXPECT_NEAR(width("Courier [fixed]"), mono, 4);
 
     Font unknown("No Such Family At All", GK_PLAIN, 24);
-    const auto u = unknown.metric(text);
-    EXPECT_GT(u[0], 0);
-    EXPECT_GT(u[1], 0);
+    EXPECT_GT(unknown.metric(text)[0], 0);
+    EXPECT_GT(unknown.metric(text)[1], 0);
+
+    EXPECT_GT(Font("Arial", GK_BOLD, 24).metric(text)[0], sans);
+    EXPECT_GT(Font("Arial", GK_BOLD_ITALIC, 24).metric(text)[0], sans);
 }
 
-TEST(GlyphMetrics, BoldIsWiderThanPlain)
-{
-    const char* text = "Hello World 0123456789";
-    const int plain = Font("Arial", GK_PLAIN, 24).metric(text)[0];
-    EXPECT_GT(Font("Arial", GK_BOLD, 24).metric(text)[0], plain);
-    EXPECT_GT(Font("Arial", GK_BOLD_ITALIC, 24).metric(text)[0], plain);
-}
-
-TEST(GlyphMetrics, Latin1BytesHaveGlyphsAndControlBytesDoNot)
-{
-    Font sans("Arial", GK_PLAIN, 20);
-    EXPECT_GT(sans.metric("\xc4\xd6\xdc\xe9\xff")[0], 40);  // umlauts, e acute, y diaeresis
-    EXPECT_EQ(0, sans.metric("\x01\x02\x1f")[0]);
-    EXPECT_EQ(sans.metric("AB")[0], sans.metric("A\x01" "B")[0]);
-}
-
-TEST(GlyphFamilies, StylesAndSizes)
+TEST(GlyphFamilies, StylesSizesAndScalability)
 {
     const int all = GK_PLAIN | GK_BOLD | GK_ITALIC | GK_BOLD_ITALIC;
     EXPECT_EQ(all, gkFamilyGetStyles("Arial"));
@@ -167,10 +153,7 @@ TEST(GlyphFamilies, StylesAndSizes)
     EXPECT_TRUE(std::is_sorted(sizes, sizes + count));
     EXPECT_NE(sizes + count, std::find(sizes, sizes + count, 12));
     gkFree(sizes);
-}
 
-TEST(GlyphFamilies, ScalableOnlyForOutlineFonts)
-{
     Font outline("Helvetica", GK_PLAIN, 12);
     Font fixed("Helvetica [fixed]", GK_PLAIN, 12);
     EXPECT_NE(0, gkFontScalable(outline.handle()));
@@ -285,7 +268,7 @@ TEST_F(GlyphRender, FixedAndOutlineFontsDrawTheSameLetters)
     EXPECT_GT(double(both) / either, 0.8) << both << " of " << either;
 }
 
-TEST_F(GlyphRender, OutlineTextFollowsTheModelviewScale)
+TEST_F(GlyphRender, OnlyOutlineTextFollowsTheModelviewScale)
 {
     Font sans("Arial", GK_PLAIN, 20);
     const Ink plain = inkIn(drawAt(sans, "Hello 123", 10, 20));
@@ -302,18 +285,16 @@ TEST_F(GlyphRender, OutlineTextFollowsTheModelviewScale)
     EXPECT_EQ(big.lit, inkIn(drawAt(huge, "Hi", 10, 10), 10, 10, 10 + m[0], 10 + m[1]).lit);
     EXPECT_GT(big.width(), m[0] * 3 / 4);
     EXPECT_NEAR(big.height(), 143, 6);  // cap height of Liberation Sans is 0.716 em
-}
 
-TEST_F(GlyphRender, FixedTextIgnoresTheModelviewScale)
-{
+    // Bitmap text keeps its pixel size.
     Font fixed("Courier [fixed]", GK_PLAIN, 16);
-    const Ink plain = inkIn(drawAt(fixed, "Hello 123", 10, 20));
-    const Ink scaled = inkIn(drawAt(fixed, "Hello 123", 10, 20, 3));
-    ASSERT_GT(plain.lit, 0);
-    EXPECT_EQ(plain.lit, scaled.lit);
-    EXPECT_EQ(plain.x0, scaled.x0);
-    EXPECT_EQ(plain.y0, scaled.y0);
-    EXPECT_EQ(plain.width(), scaled.width());
+    const Ink fixedPlain = inkIn(drawAt(fixed, "Hello 123", 10, 20));
+    const Ink fixedScaled = inkIn(drawAt(fixed, "Hello 123", 10, 20, 3));
+    ASSERT_GT(fixedPlain.lit, 0);
+    EXPECT_EQ(fixedPlain.lit, fixedScaled.lit);
+    EXPECT_EQ(fixedPlain.x0, fixedScaled.x0);
+    EXPECT_EQ(fixedPlain.y0, fixedScaled.y0);
+    EXPECT_EQ(fixedPlain.width(), fixedScaled.width());
 }
 
 TEST_F(GlyphRender, FixedTextStartingLeftOfTheViewportShowsItsVisiblePart)
@@ -331,23 +312,37 @@ TEST_F(GlyphRender, FixedTextStartingLeftOfTheViewportShowsItsVisiblePart)
     EXPECT_GT(compared, 30);
 }
 
+// The host textures and blends its own drawing; text still comes out in the current colour,
+// and every setting the host made is there afterwards.
 TEST_F(GlyphRender, LeavesTheCallersGlStateAlone)
 {
+    const Rgb kGreen{0, 255, 0}, kBlue{0, 0, 255};
     GLuint hostTexture = 0;
+    const uint8_t blue[3] = {0, 0, 255};
     glGenTextures(1, &hostTexture);
     glBindTexture(GL_TEXTURE_2D, hostTexture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 1, 1, 0, GL_RGB, GL_UNSIGNED_BYTE, blue);
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
+    glEnable(GL_TEXTURE_2D);
+    glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ZERO);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
     Font outline("Arial", GK_BOLD, 18);
     Font fixed("Courier [fixed]", GK_ITALIC, 12);
     for (const Font* font : {&outline, &fixed}) {
-        drawAt(*font, "State", 30, 30);
+        glClear(GL_COLOR_BUFFER_BIT);
+        pixelProjection();
+        glTranslatef(30, 30, 0);
         glColor3f(0, 1, 0);
-        GLint value = 0;
         EXPECT_EQ(0, gkFontRender(font->handle(), "State"));
-        EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
-        EXPECT_FALSE(glIsEnabled(GL_BLEND));
+        const Frame frame = Frame::grab();
+        EXPECT_GT(frame.count(30, 30, 130, 60, kGreen), 20);
+        EXPECT_EQ(0, frame.count(0, 0, kSurfaceWidth, kSurfaceHeight, kBlue, 100));
+
+        GLint value = 0;
+        EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
+        EXPECT_TRUE(glIsEnabled(GL_BLEND));
         glGetIntegerv(GL_TEXTURE_BINDING_2D, &value);
         EXPECT_EQ(GLint(hostTexture), value);
         glGetTexEnviv(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, &value);
@@ -356,6 +351,8 @@ TEST_F(GlyphRender, LeavesTheCallersGlStateAlone)
         EXPECT_EQ(8, value);
         glGetIntegerv(GL_BLEND_SRC, &value);
         EXPECT_EQ(GL_ONE, value);
+        glGetIntegerv(GL_BLEND_DST, &value);
+        EXPECT_EQ(GL_ZERO, value);
         glGetIntegerv(GL_MATRIX_MODE, &value);
         EXPECT_EQ(GL_MODELVIEW, value);
         GLfloat colour[4];
@@ -363,10 +360,11 @@ TEST_F(GlyphRender, LeavesTheCallersGlStateAlone)
         EXPECT_EQ(1.0f, colour[1]);
         EXPECT_EQ(GL_NO_ERROR, glGetError());
     }
+    glDisable(GL_TEXTURE_2D);
+    glDisable(GL_BLEND);
     glBindTexture(GL_TEXTURE_2D, 0);
     glDeleteTextures(1, &hostTexture);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
-    glBlendFunc(GL_ONE, GL_ZERO);
 }
 
 TEST_F(GlyphRender, FontsMadeWithoutAContextRenderLater)
@@ -389,9 +387,13 @@ TEST_F(GlyphRender, FontsMadeWithoutAContextRenderLater)
     ASSERT_TRUE(k2dtest::ensureGlContext(nullptr));
 }
 
+// Text is 8-bit: bytes are Latin-1 code points, and control bytes have no glyph.
 TEST_F(GlyphRender, AccentedLettersDrawAndControlBytesDoNot)
 {
     Font sans("Arial", GK_PLAIN, 24);
+    EXPECT_GT(sans.metric("\xc4\xd6\xdc\xe9\xff")[0], 50);
+    EXPECT_EQ(0, sans.metric("\x01\x02\x1f")[0]);
+    EXPECT_EQ(sans.metric("AB")[0], sans.metric("A\x01" "B")[0]);
     EXPECT_GT(inkIn(drawAt(sans, "\xc4\xd6\xdc", 20, 20)).lit, 100);
     EXPECT_EQ(0, inkIn(drawAt(sans, "\x01\x7f\x81", 20, 20)).lit);
     EXPECT_EQ(0, inkIn(drawAt(sans, "", 20, 20)).lit);

@@ -7,6 +7,9 @@
 
 namespace k2dtest {
 
+using korelgen::RectSpec;
+using korelgen::ViewBuilder;
+
 class ViewTest : public GlTest {
 protected:
     void SetUp() override;

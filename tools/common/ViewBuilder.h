@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace k2dtest {
+namespace korelgen {
 
 struct RectSpec {
     float x0 = 0, y0 = 0, x1 = 10, y1 = 10; // lower left and upper right corner
@@ -50,4 +50,4 @@ private:
     std::vector<uint8_t> bytes_;
 };
 
-} // namespace k2dtest
+} // namespace korelgen

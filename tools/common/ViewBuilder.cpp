@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace k2dtest {
+namespace korelgen {
 
 ViewBuilder::ViewBuilder(int major, int minor, const char* magic)
 {
@@ -97,4 +97,4 @@ ViewBuilder& ViewBuilder::counted(const std::string& text)
     return fixed(text, text.size() + 1);
 }
 
-} // namespace k2dtest
+} // namespace korelgen

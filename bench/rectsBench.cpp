@@ -1,0 +1,292 @@
+// A large panel of plain rectangles: what loading it costs against reading its bytes, and what
+// drawing it costs against the same rectangles drawn by hand. Each benchmark names its reference
+// in its label; after the run the summary prints the ratios.
+#include "Korel2D.h"
+#include "OffscreenGl.h"
+#include "ViewBuilder.h"
+
+#include <GL/gl.h>
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <map>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using korelgen::RectSpec;
+
+constexpr int kWidth = 1024, kHeight = 768;
+constexpr int kPanels = 10, kBlocksPerPanel = 10, kRectsPerBlock = 100;
+constexpr float kPage[3] = {0.1f, 0.1f, 0.15f};
+
+// A fixed generator of our own, so that every run and every standard library makes the same panel.
+class Lcg {
+public:
+    int below(int n) { return int(next() % uint32_t(n)); }
+    float unit() { return float(next() & 0xFFFF) / 65535.0f; }
+
+private:
+    uint32_t next()
+    {
+        state_ = state_ * 1664525u + 1013904223u;
+        return state_ >> 8;
+    }
+    uint32_t state_ = 20240601u;
+};
+
+// File order is drawing order. Integer corners make the library's pixels and the reference's
+// agree exactly, so the comparison below can be strict.
+std::vector<RectSpec> panelRects()
+{
+    Lcg random;
+    std::vector<RectSpec> rects(kPanels * kBlocksPerPanel * kRectsPerBlock);
+    for (RectSpec& r : rects) {
+        int w = 10 + random.below(31), h = 10 + random.below(31);
+        r.x0 = float(random.below(kWidth - w));
+        r.y0 = float(random.below(kHeight - h));
+        r.x1 = r.x0 + float(w);
+        r.y1 = r.y0 + float(h);
+        r.strokeOn = 1;
+        r.strokeWidth = 1;
+        for (int i = 0; i < 3; ++i) {
+            r.fill[i] = random.unit();
+            r.stroke[i] = random.unit();
+        }
+        r.antialias = 0; // measure the library's overhead, not line smoothing
+    }
+    return rects;
+}
+
+// Ten panels of ten blocks of a hundred rectangles each, as a large control panel nests them.
+std::vector<uint8_t> panelView(const std::vector<RectSpec>& rects)
+{
+    korelgen::ViewBuilder b;
+    b.page(0, 0, kWidth, kHeight, kPage[0], kPage[1], kPage[2]);
+    auto next = rects.begin();
+    for (int p = 0; p < kPanels; ++p) {
+        b.beginGroup(kBlocksPerPanel, "panel");
+        for (int k = 0; k < kBlocksPerPanel; ++k) {
+            b.beginGroup(kRectsPerBlock, "block");
+            for (int i = 0; i < kRectsPerBlock; ++i)
+                b.rect(*next++);
+            b.endGroup();
+        }
+        b.endGroup();
+    }
+    return b.dataSection().bytes();
+}
+
+// The panel as a host finds it: a view file on disk, removed at the end.
+struct Panel {
+    std::vector<RectSpec> rects = panelRects();
+    std::vector<uint8_t> bytes = panelView(rects);
+    std::string path;
+
+    Panel()
+    {
+        char name[] = "/tmp/korel2d-benchXXXXXX.k";
+        int fd = mkstemps(name, 2);
+        if (fd >= 0 && write(fd, bytes.data(), bytes.size()) == ssize_t(bytes.size()))
+            path = name;
+        if (fd >= 0)
+            close(fd);
+    }
+    ~Panel() { unlink(path.c_str()); }
+};
+
+// Reference for BM_LoadView: reading the file's bytes, the floor under any load.
+void BM_ReadFileReference(benchmark::State& state, const Panel* panel)
+{
+    std::vector<uint8_t> buffer(panel->bytes.size());
+    for (auto _ : state) {
+        FILE* file = fopen(panel->path.c_str(), "rb");
+        size_t got = file ? fread(buffer.data(), 1, buffer.size(), file) : 0;
+        if (file)
+            fclose(file);
+        if (got != buffer.size()) {
+            state.SkipWithError("cannot read the view file");
+            break;
+        }
+        benchmark::DoNotOptimize(buffer.data());
+    }
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(buffer.size()));
+}
+
+void BM_LoadView(benchmark::State& state, const Panel* panel)
+{
+    for (auto _ : state) {
+        VIEW_STRUCT* view = krViewLoad(panel->path.c_str());
+        if (!view) {
+            state.SkipWithError("krViewLoad failed");
+            break;
+        }
+        krViewFree(view);
+    }
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(panel->bytes.size()));
+    state.counters["file_bytes"] = double(panel->bytes.size());
+    state.SetLabel("reference BM_ReadFileReference");
+}
+
+void BM_DrawFrame(benchmark::State& state, const Panel* panel)
+{
+    VIEW_STRUCT* view = krViewLoad(panel->path.c_str());
+    WINDOW_STRUCT* window = krWindowCreate();
+    if (!view || krWindowInit(window, kWidth, kHeight) != 0) {
+        state.SkipWithError("cannot load the view or set up the window");
+    } else {
+        for (auto _ : state) {
+            krWindowClear(window, view);
+            if (krViewDraw(window, view, 0, 0, 1) != 0) {
+                state.SkipWithError("krViewDraw failed");
+                break;
+            }
+            glFinish(); // llvmpipe renders on its own threads; count its work too
+        }
+    }
+    krWindowFree(window);
+    krViewFree(view);
+    state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(panel->rects.size()));
+    state.SetLabel("reference BM_ImmediateReference");
+}
+
+// The projection and state the library's window set-up leaves: window pixels as units, the
+// viewport one pixel short in both directions, opaque colours without blending.
+void setUpByHand()
+{
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(0, kWidth, 0, kHeight, -1, 1);
+    glViewport(0, 0, kWidth - 1, kHeight - 1);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glDisable(GL_BLEND);
+    glDisable(GL_LINE_SMOOTH);
+    glDisable(GL_LINE_STIPPLE);
+    glDisable(GL_POLYGON_STIPPLE);
+    glLineWidth(1);
+    glClearColor(kPage[0], kPage[1], kPage[2], 0);
+}
+
+void drawByHand(const std::vector<RectSpec>& rects)
+{
+    glClear(GL_COLOR_BUFFER_BIT);
+    for (const RectSpec& r : rects) {
+        glColor4fv(r.fill);
+        glBegin(GL_QUADS);
+        glVertex2f(r.x0, r.y0);
+        glVertex2f(r.x0, r.y1);
+        glVertex2f(r.x1, r.y1);
+        glVertex2f(r.x1, r.y0);
+        glEnd();
+        glColor4fv(r.stroke);
+        glBegin(GL_LINE_LOOP);
+        glVertex2f(r.x0, r.y0);
+        glVertex2f(r.x0, r.y1);
+        glVertex2f(r.x1, r.y1);
+        glVertex2f(r.x1, r.y0);
+        glEnd();
+    }
+}
+
+// Reference for BM_DrawFrame: the same rectangles, colours and projection in immediate mode,
+// one glBegin/glEnd per fill and per outline, with none of the library's walk or state handling.
+void BM_ImmediateReference(benchmark::State& state, const Panel* panel)
+{
+    setUpByHand();
+    for (auto _ : state) {
+        drawByHand(panel->rects);
+        glFinish();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(panel->rects.size()));
+}
+
+std::vector<uint8_t> readFrame()
+{
+    std::vector<uint8_t> pixels(size_t(kWidth) * kHeight * 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, kWidth, kHeight, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    return pixels;
+}
+
+// A ratio means something only if both sides draw the same picture: the pixels that differ.
+long differingPixels(const Panel& panel)
+{
+    VIEW_STRUCT* view = krViewLoad(panel.path.c_str());
+    WINDOW_STRUCT* window = krWindowCreate();
+    krWindowInit(window, kWidth, kHeight);
+    krWindowClear(window, view);
+    krViewDraw(window, view, 0, 0, 1);
+    std::vector<uint8_t> library = readFrame();
+    krWindowFree(window);
+    krViewFree(view);
+
+    setUpByHand();
+    drawByHand(panel.rects);
+    std::vector<uint8_t> reference = readFrame();
+    long differing = 0;
+    for (size_t i = 0; i < library.size(); i += 4)
+        differing += library[i] != reference[i] || library[i + 1] != reference[i + 1] ||
+                     library[i + 2] != reference[i + 2];
+    return differing;
+}
+
+// Keeps each benchmark's real seconds per iteration, the median where runs are repeated.
+class SummaryReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs)
+            if (!run.error_occurred && (run.run_type == Run::RT_Iteration || run.aggregate_name == "median"))
+                seconds[run.run_name.function_name] =
+                    run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
+        ConsoleReporter::ReportRuns(runs);
+    }
+    std::map<std::string, double> seconds;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    Panel panel;
+    korelgen::OffscreenGl gl;
+    std::string why;
+    if (panel.path.empty() || !gl.open(kWidth, kHeight, &why)) {
+        std::fprintf(stderr, "korel2d_bench_rects: %s\n", panel.path.empty() ? "cannot write the view file" : why.c_str());
+        return 1;
+    }
+    std::printf("%zu rectangles, %zu bytes; %s on %s\n", panel.rects.size(), panel.bytes.size(), gl.kind(),
+                reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+    if (long differing = differingPixels(panel)) {
+        std::fprintf(stderr, "korel2d_bench_rects: library and reference differ in %ld pixels\n", differing);
+        return 1;
+    }
+
+    // Real time throughout: it is what a host waits, and llvmpipe draws on threads of its own
+    // while this one waits in glFinish.
+    benchmark::RegisterBenchmark("BM_ReadFileReference", BM_ReadFileReference, &panel)
+        ->Unit(benchmark::kMicrosecond)
+        ->UseRealTime();
+    benchmark::RegisterBenchmark("BM_LoadView", BM_LoadView, &panel)->Unit(benchmark::kMillisecond)->UseRealTime();
+    benchmark::RegisterBenchmark("BM_DrawFrame", BM_DrawFrame, &panel)->Unit(benchmark::kMillisecond)->UseRealTime();
+    benchmark::RegisterBenchmark("BM_ImmediateReference", BM_ImmediateReference, &panel)
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+    SummaryReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+
+    auto& s = reporter.seconds;
+    if (s.count("BM_DrawFrame") && s.count("BM_ImmediateReference"))
+        std::printf("draw/reference ratio: %.2f\n", s["BM_DrawFrame"] / s["BM_ImmediateReference"]);
+    if (s.count("BM_LoadView"))
+        std::printf("load: %.1f MB/s\n", double(panel.bytes.size()) / s["BM_LoadView"] / 1e6);
+    return 0;
+}

@@ -1,0 +1,54 @@
+#!/bin/sh
+# Builds the benchmarks (Release, build-bench/), runs them and prints the Markdown table of the
+# README's performance section: medians of five repetitions, each beside its reference.
+# Arguments go to the benchmark, e.g. --benchmark_filter=Draw. Without DISPLAY the run goes
+# under Xvfb (GLX, the reference setup); KOREL2D_BENCH_EGL=1 takes Mesa's surfaceless EGL instead.
+set -e
+root=$(cd "$(dirname "$0")/.." && pwd)
+build="$root/build-bench"
+json="$build/rects.json"
+
+cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DKOREL2D_TESTS=OFF -DKOREL2D_TOOLS=OFF >/dev/null
+cmake --build "$build" --target korel2d_bench_rects -j"$(nproc)" >/dev/null
+
+set -- "$build/bench/korel2d_bench_rects" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
+  --benchmark_out="$json" --benchmark_out_format=json "$@"
+if [ -z "$DISPLAY" ] && [ -z "$KOREL2D_BENCH_EGL" ]; then
+  xvfb-run -a -s "-screen 0 1280x1024x24" "$@"
+else
+  "$@"
+fi
+
+# One row per benchmark: its median (or its only run), its rate, and its time over that of the
+# benchmark its label names as reference.
+awk '
+function value(line) { sub(/^[^:]*: */, "", line); sub(/,$/, "", line); gsub(/"/, "", line); return line }
+function keep() {
+  if (run == "" || (type != "iteration" && agg != "median") || (median[run] && agg != "median")) return
+  if (!(run in ms)) order[++n] = run
+  ms[run] = real * scale[unit]; median[run] = (agg == "median")
+  rate[run] = bps + 0 >= 1e9 ? sprintf("%.1f GB/s", bps / 1e9) : bps != "" ? sprintf("%.1f MB/s", bps / 1e6) : \
+    ips != "" ? sprintf("%.0fk rectangles/s", ips / 1e3) : ""
+  ref[run] = label ~ /^reference / ? substr(label, 11) : ""
+}
+BEGIN { scale["ns"] = 1e-6; scale["us"] = 1e-3; scale["ms"] = 1; scale["s"] = 1e3 }
+/^ *"name":/ { keep(); run = type = agg = label = bps = ips = "" }
+/^ *"run_name":/ { run = value($0); sub(/\/real_time$/, "", run) }
+/^ *"run_type":/ { type = value($0) }
+/^ *"aggregate_name":/ { agg = value($0) }
+/^ *"real_time":/ { real = value($0) }
+/^ *"time_unit":/ { unit = value($0) }
+/^ *"label":/ { label = value($0) }
+/^ *"bytes_per_second":/ { bps = value($0) }
+/^ *"items_per_second":/ { ips = value($0) }
+END {
+  keep()
+  print "| Benchmark | Time per iteration | Throughput | Reference | Ratio |"
+  print "|---|---|---|---|---|"
+  for (i = 1; i <= n; ++i) {
+    r = order[i]; t = ms[r]
+    time = t >= 1 ? sprintf("%.1f ms", t) : sprintf("%.0f us", t * 1e3)
+    ratio = ref[r] in ms ? sprintf("%.2f", t / ms[ref[r]]) : "-"
+    printf "| `%s` | %s | %s | %s | %s |\n", r, time, rate[r], ref[r] != "" ? "`" ref[r] "`" : "-", ratio
+  }
+}' "$json"

@@ -1,0 +1,184 @@
+// Checks that a PNG file shows the shipped sample panel (examples/panel.k2d) drawn at a zoom.
+// Usage: korel2d-view-check PICTURE.png [ZOOM]; exit status 0 when every check holds.
+// Positions below are view units (y upwards), as the sample's generator lays them out.
+#include <png.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Colour {
+    float r, g, b;
+};
+
+constexpr Colour kPage{0.70f, 0.74f, 0.78f};
+constexpr Colour kPanel{0.14f, 0.16f, 0.19f};
+constexpr Colour kFrame{0.86f, 0.88f, 0.90f};
+constexpr Colour kHeader{0.20f, 0.36f, 0.58f};
+constexpr Colour kDark{0.06f, 0.07f, 0.08f};
+constexpr Colour kGreen{0.10f, 0.85f, 0.25f};
+constexpr Colour kAmber{1.00f, 0.70f, 0.05f};
+constexpr Colour kRed{0.90f, 0.12f, 0.10f};
+constexpr Colour kLampOff{0.25f, 0.27f, 0.30f};
+constexpr Colour kCyan{0.15f, 0.70f, 0.90f};
+constexpr Colour kTeal{0.05f, 0.30f, 0.35f};
+constexpr Colour kYellow{0.95f, 0.80f, 0.10f};
+
+struct Box {
+    float x0, y0, x1, y1;
+};
+
+class Picture {
+public:
+    bool load(const char* path, float zoom)
+    {
+        png_image image;
+        std::memset(&image, 0, sizeof image);
+        image.version = PNG_IMAGE_VERSION;
+        if (!png_image_begin_read_from_file(&image, path)) {
+            std::fprintf(stderr, "%s: %s\n", path, image.message);
+            return false;
+        }
+        image.format = PNG_FORMAT_RGB;
+        rgb_.resize(PNG_IMAGE_SIZE(image));
+        if (!png_image_finish_read(&image, nullptr, rgb_.data(), 0, nullptr)) {
+            std::fprintf(stderr, "%s: %s\n", path, image.message);
+            return false;
+        }
+        width_ = int(image.width);
+        height_ = int(image.height);
+        zoom_ = zoom;
+        return true;
+    }
+
+    int width() const { return width_; }
+    int height() const { return height_; }
+
+    // Whether the pixel under the view point (x, y) has the colour, within the rounding of
+    // GL's conversion to 8 bits.
+    bool is(float x, float y, Colour c) const { return matches(pixel(column(x), row(y)), c); }
+
+    // Share of the pixels inside the box that have the colour.
+    double share(const Box& box, Colour c) const
+    {
+        int all = 0, hits = 0;
+        for (int r = row(box.y1); r <= row(box.y0); ++r)
+            for (int col = column(box.x0); col <= column(box.x1); ++col) {
+                ++all;
+                hits += matches(pixel(col, r), c);
+            }
+        return all ? double(hits) / all : 0.0;
+    }
+
+    // Share of the columns of the box that have the colour in at least one of its rows.
+    double columnShare(const Box& box, Colour c) const
+    {
+        int all = 0, hits = 0;
+        for (int col = column(box.x0); col <= column(box.x1); ++col) {
+            bool hit = false;
+            for (int r = row(box.y1); r <= row(box.y0); ++r)
+                hit = hit || matches(pixel(col, r), c);
+            ++all;
+            hits += hit;
+        }
+        return all ? double(hits) / all : 0.0;
+    }
+
+private:
+    int column(float x) const { return int(std::floor(x * zoom_)); }
+    int row(float y) const { return height_ - 1 - int(std::floor(y * zoom_)); }
+
+    const uint8_t* pixel(int col, int r) const
+    {
+        static const uint8_t outside[3] = {0, 0, 0};
+        if (col < 0 || r < 0 || col >= width_ || r >= height_)
+            return outside;
+        return &rgb_[(size_t(r) * size_t(width_) + size_t(col)) * 3];
+    }
+
+    static bool matches(const uint8_t* p, Colour c)
+    {
+        const float want[3] = {c.r, c.g, c.b};
+        for (int i = 0; i < 3; ++i)
+            if (std::abs(int(p[i]) - int(std::lround(want[i] * 255))) > 2)
+                return false;
+        return true;
+    }
+
+    std::vector<uint8_t> rgb_;
+    int width_ = 0, height_ = 0;
+    float zoom_ = 1;
+};
+
+int failures = 0;
+
+void check(bool holds, const std::string& what)
+{
+    if (!holds) {
+        std::fprintf(stderr, "FAILED: %s\n", what.c_str());
+        ++failures;
+    }
+}
+
+void checkPanel(const Picture& p)
+{
+    for (float x : {4.0f, 636.0f})
+        for (float y : {4.0f, 476.0f})
+            check(p.is(x, y, kPage), "page colour at the corner " + std::to_string(int(x)) + ", " + std::to_string(int(y)));
+    check(p.is(370, 240, kPanel), "dark panel between the gauges and the screen");
+    check(p.is(300, 442, kHeader), "header bar");
+
+    const Colour lamps[] = {kGreen, kGreen, kAmber, kRed, kLampOff};
+    for (int i = 0; i < 5; ++i)
+        check(p.is(73.0f + 62 * i, 365, lamps[i]), "colour of lamp " + std::to_string(i + 1));
+
+    const Colour bars[] = {kCyan, kCyan, kAmber, kCyan};
+    for (int i = 0; i < 4; ++i)
+        check(p.is(78.0f + 75 * i, 150, bars[i]), "bar of gauge " + std::to_string(i + 1));
+    check(p.is(78, 250, kDark), "empty trough above the low bar of gauge 1");
+
+    // The chequered screen shows in its window only.
+    const Box window{416, 126, 584, 374};
+    double amber = p.share(window, kAmber), teal = p.share(window, kTeal);
+    check(amber > 0.35 && teal > 0.35 && amber + teal > 0.95,
+          "chequer of amber and teal in the window (" + std::to_string(amber) + ", " + std::to_string(teal) + ")");
+    const Box around[] = {{384, 44, 398, 406}, {412, 392, 588, 406}, {412, 44, 588, 106}, {602, 44, 616, 406}};
+    for (const Box& b : around)
+        check(p.share(b, kPanel) == 1.0, "only the panel around the window, at x " + std::to_string(int(b.x0)) +
+                                             ", y " + std::to_string(int(b.y0)));
+
+    double dashes = p.columnShare({420, 383, 580, 389}, kFrame);
+    check(dashes > 0.3 && dashes < 0.7, "dashed frame above the window (" + std::to_string(dashes) + ")");
+
+    const Box strip{44, 44, 356, 76};
+    double yellow = p.share(strip, kYellow), dark = p.share(strip, kDark);
+    check(yellow > 0.25 && yellow < 0.5 && yellow + dark > 0.95,
+          "yellow hatching over black in the strip (" + std::to_string(yellow) + ")");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 2 || argc > 3) {
+        std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM]\n");
+        return 2;
+    }
+    float zoom = argc == 3 ? std::strtof(argv[2], nullptr) : 1.0f;
+    Picture picture;
+    if (!picture.load(argv[1], zoom))
+        return 1;
+    int width = int(std::lround(640 * zoom)), height = int(std::lround(480 * zoom));
+    if (picture.width() != width || picture.height() != height) {
+        std::fprintf(stderr, "FAILED: picture of %dx%d, expected %dx%d\n", picture.width(), picture.height(), width,
+                     height);
+        return 1;
+    }
+    checkPanel(picture);
+    return failures == 0 ? 0 : 1;
+}

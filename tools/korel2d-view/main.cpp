@@ -1,0 +1,372 @@
+// korel2d-view: shows a view file in a GLX window, or renders it off-screen into a PNG file
+// when asked to or when no X display answers.
+#include "Korel2D.h"
+#include "OffscreenGl.h"
+#include "pngWrite.h"
+
+#include <GL/gl.h>
+#include <GL/glx.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+const char* const kUsage = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z]\n"
+                           "  --png OUT    render off-screen into the PNG file OUT instead of a window\n"
+                           "  --frames N   draw N frames, then quit (default: until the window is closed;\n"
+                           "               one frame off-screen)\n"
+                           "  --size WxH   picture size in pixels (default: the page size times the zoom)\n"
+                           "  --zoom Z     pixels per view unit (default 1)\n"
+                           "Without a display the picture goes to korel2d-view.png.\n";
+
+constexpr int kMinSide = 64;
+constexpr int kMaxSide = 4096;
+
+struct Options {
+    std::string file;
+    std::string png; // empty: a window where a display answers
+    int frames = 0;  // 0: until closed in a window, one frame off-screen
+    int width = 0;   // 0: from the page
+    int height = 0;
+    float zoom = 1;
+    bool help = false;
+};
+
+// ---------------------------------------------------------------- arguments
+
+bool parseInt(const char* text, int lo, int hi, int* value)
+{
+    char* end = nullptr;
+    long v = std::strtol(text, &end, 10);
+    if (end == text || *end != '\0' || v < lo || v > hi)
+        return false;
+    *value = int(v);
+    return true;
+}
+
+bool parseSize(const char* text, int* width, int* height)
+{
+    const char* x = std::strchr(text, 'x');
+    if (!x)
+        return false;
+    std::string w(text, x);
+    return parseInt(w.c_str(), 1, kMaxSide, width) && parseInt(x + 1, 1, kMaxSide, height);
+}
+
+bool parseZoom(const char* text, float* zoom)
+{
+    char* end = nullptr;
+    float z = std::strtof(text, &end);
+    if (end == text || *end != '\0' || !(z > 0.0f && z <= 100.0f))
+        return false;
+    *zoom = z;
+    return true;
+}
+
+// False on anything it does not understand; the caller prints the usage.
+bool parseArguments(int argc, char** argv, Options* o)
+{
+    for (int i = 1; i < argc; ++i) {
+        std::string arg = argv[i];
+        if (arg == "-h" || arg == "--help") {
+            o->help = true;
+            return true;
+        }
+        if (arg.size() > 1 && arg[0] == '-') {
+            if (i + 1 >= argc)
+                return false;
+            const char* value = argv[++i];
+            bool ok = false;
+            if (arg == "--png") {
+                o->png = value;
+                ok = !o->png.empty();
+            } else if (arg == "--frames") {
+                ok = parseInt(value, 1, 1000000000, &o->frames);
+            } else if (arg == "--size") {
+                ok = parseSize(value, &o->width, &o->height);
+            } else if (arg == "--zoom") {
+                ok = parseZoom(value, &o->zoom);
+            }
+            if (!ok)
+                return false;
+        } else if (o->file.empty()) {
+            o->file = arg;
+        } else {
+            return false;
+        }
+    }
+    return !o->file.empty();
+}
+
+// ---------------------------------------------------------------- the view
+
+using ViewPtr = std::unique_ptr<VIEW_STRUCT, int (*)(VIEW_STRUCT*)>;
+using WindowPtr = std::unique_ptr<WINDOW_STRUCT, int (*)(WINDOW_STRUCT*)>;
+
+void reportLoadFailure(const std::string& file, const char* reason)
+{
+    std::fprintf(stderr, "korel2d-view: cannot load %s%s%s\n", file.c_str(), reason ? ": " : "", reason ? reason : "");
+    char log[4096];
+    getLogMsg(log, sizeof log);
+    if (log[0])
+        std::fprintf(stderr, "library log:\n%s", log);
+}
+
+// The picture size follows the page unless --size gave one. The page is read on its own, before
+// any GL context exists: the full load must wait for the context, since image records make
+// their textures while loading.
+bool pictureSize(const Options& o, int* width, int* height)
+{
+    if (o.width > 0) {
+        *width = o.width;
+        *height = o.height;
+        return true;
+    }
+    VIEW_STRUCT page = {};
+    int result = loadConfigFile(o.file.c_str(), &page);
+    if (result != 0) {
+        reportLoadFailure(o.file, result < -1 ? std::strerror(-result) : "not a view file");
+        return false;
+    }
+    auto side = [&](float units) { return std::clamp(int(units * o.zoom), kMinSide, kMaxSide); };
+    *width = side(page.width);
+    *height = side(page.height);
+    return true;
+}
+
+ViewPtr loadView(const std::string& file)
+{
+    ViewPtr view(krViewLoad(file.c_str()), krViewFree);
+    if (!view)
+        reportLoadFailure(file, nullptr);
+    return view;
+}
+
+void drawFrame(WINDOW_STRUCT* window, VIEW_STRUCT* view, float zoom)
+{
+    krWindowClear(window, view);
+    krViewDraw(window, view, 0, 0, zoom);
+}
+
+// ---------------------------------------------------------------- live window
+
+bool xErrorSeen = false;
+
+// Xlib's default handler exits the process; a failed request must end the program cleanly.
+int onXError(Display* display, XErrorEvent* event)
+{
+    char text[256];
+    XGetErrorText(display, event->error_code, text, sizeof text);
+    std::fprintf(stderr, "korel2d-view: X error: %s (request %d)\n", text, event->request_code);
+    xErrorSeen = true;
+    return 0;
+}
+
+// A mapped, double-buffered RGBA window with a stencil buffer for the groups' clip areas,
+// and its GL context made current.
+class GlxWindow {
+public:
+    explicit GlxWindow(Display* display) : display_(display) {}
+    ~GlxWindow()
+    {
+        if (context_) {
+            glXMakeCurrent(display_, None, nullptr);
+            glXDestroyContext(display_, context_);
+        }
+        if (window_)
+            XDestroyWindow(display_, window_);
+        if (colormap_)
+            XFreeColormap(display_, colormap_);
+        XCloseDisplay(display_);
+    }
+    GlxWindow(const GlxWindow&) = delete;
+    GlxWindow& operator=(const GlxWindow&) = delete;
+
+    bool open(int width, int height, const std::string& title, std::string* why)
+    {
+        const int attributes[] = {GLX_X_RENDERABLE, True, GLX_DRAWABLE_TYPE, GLX_WINDOW_BIT, GLX_RENDER_TYPE,
+                                  GLX_RGBA_BIT, GLX_DOUBLEBUFFER, True, GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8,
+                                  GLX_BLUE_SIZE, 8, GLX_ALPHA_SIZE, 8, GLX_STENCIL_SIZE, 8, None};
+        int count = 0;
+        GLXFBConfig* configs = glXChooseFBConfig(display_, DefaultScreen(display_), attributes, &count);
+        if (!configs || count == 0) {
+            *why = "no double-buffered GLX configuration with stencil";
+            return false;
+        }
+        GLXFBConfig config = configs[0];
+        XFree(configs);
+        XVisualInfo* visual = glXGetVisualFromFBConfig(display_, config);
+        if (!visual) {
+            *why = "the GLX configuration has no X visual";
+            return false;
+        }
+        Window root = RootWindow(display_, visual->screen);
+        colormap_ = XCreateColormap(display_, root, visual->visual, AllocNone);
+        XSetWindowAttributes wa = {};
+        wa.colormap = colormap_;
+        wa.event_mask = ExposureMask | StructureNotifyMask | KeyPressMask;
+        window_ = XCreateWindow(display_, root, 0, 0, unsigned(width), unsigned(height), 0, visual->depth,
+                                InputOutput, visual->visual, CWColormap | CWEventMask, &wa);
+        XFree(visual);
+        XStoreName(display_, window_, title.c_str());
+        deleteAtom_ = XInternAtom(display_, "WM_DELETE_WINDOW", False);
+        XSetWMProtocols(display_, window_, &deleteAtom_, 1);
+        context_ = glXCreateNewContext(display_, config, GLX_RGBA_TYPE, nullptr, True);
+        if (!context_ || !glXMakeCurrent(display_, window_, context_)) {
+            *why = "cannot create or bind a GLX context";
+            return false;
+        }
+        XMapWindow(display_, window_);
+        XSync(display_, False);
+        if (xErrorSeen) {
+            *why = "the X server refused the window";
+            return false;
+        }
+        return true;
+    }
+
+    Display* display() const { return display_; }
+    Window window() const { return window_; }
+    Atom deleteAtom() const { return deleteAtom_; }
+
+private:
+    Display* display_;
+    Colormap colormap_ = 0;
+    Window window_ = 0;
+    Atom deleteAtom_ = 0;
+    GLXContext context_ = nullptr;
+};
+
+int showInWindow(Display* display, const Options& o, int width, int height)
+{
+    GlxWindow x(display);
+    std::string why;
+    if (!x.open(width, height, "korel2d-view: " + o.file, &why)) {
+        std::fprintf(stderr, "korel2d-view: no window: %s\n", why.c_str());
+        return 1;
+    }
+    ViewPtr view = loadView(o.file);
+    if (!view)
+        return 1;
+    WindowPtr window(krWindowCreate(), krWindowFree);
+
+    // Nothing here waits for the display's refresh, so frames are paced at about 60 per second
+    // rather than spinning the processor.
+    using Clock = std::chrono::steady_clock;
+    const auto period = std::chrono::microseconds(16667);
+    auto next = Clock::now();
+    bool sized = false;
+    bool open = true;
+    int drawn = 0;
+    while (open && (o.frames == 0 || drawn < o.frames)) {
+        while (open && XPending(display)) {
+            XEvent event;
+            XNextEvent(display, &event);
+            switch (event.type) {
+            case ConfigureNotify:
+                sized = sized && event.xconfigure.width == width && event.xconfigure.height == height;
+                width = event.xconfigure.width;
+                height = event.xconfigure.height;
+                break;
+            case Expose:
+                sized = false;
+                break;
+            case KeyPress: {
+                KeySym key = XLookupKeysym(&event.xkey, 0);
+                open = key != XK_Escape && key != XK_q;
+                break;
+            }
+            case ClientMessage:
+                open = Atom(event.xclient.data.l[0]) != x.deleteAtom();
+                break;
+            default:
+                break;
+            }
+        }
+        if (!open)
+            break;
+        if (!sized) {
+            krWindowInit(window.get(), width, height);
+            sized = true;
+        }
+        drawFrame(window.get(), view.get(), o.zoom);
+        glXSwapBuffers(display, x.window());
+        ++drawn;
+        next = std::max(next + period, Clock::now());
+        std::this_thread::sleep_until(next);
+    }
+    std::printf("korel2d-view: drew %d frame%s in a %dx%d window\n", drawn, drawn == 1 ? "" : "s", width, height);
+    return 0;
+}
+
+// ---------------------------------------------------------------- off-screen picture
+
+int renderToPng(const Options& o, int width, int height)
+{
+    korelgen::OffscreenGl gl;
+    std::string why;
+    if (!gl.open(width, height, &why)) {
+        std::fprintf(stderr, "korel2d-view: no off-screen GL context: %s\n", why.c_str());
+        return 1;
+    }
+    ViewPtr view = loadView(o.file);
+    if (!view)
+        return 1;
+    WindowPtr window(krWindowCreate(), krWindowFree);
+    krWindowInit(window.get(), width, height);
+    for (int i = 0; i < std::max(o.frames, 1); ++i)
+        drawFrame(window.get(), view.get(), o.zoom);
+
+    const size_t stride = size_t(width) * 3;
+    std::vector<uint8_t> pixels(stride * size_t(height));
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
+    // GL's first row is the bottom one, a PNG's the top one.
+    std::vector<uint8_t> flipped(pixels.size());
+    for (int y = 0; y < height; ++y)
+        std::memcpy(&flipped[size_t(y) * stride], &pixels[size_t(height - 1 - y) * stride], stride);
+
+    const std::string out = o.png.empty() ? "korel2d-view.png" : o.png;
+    if (!writeRgbPng(out, width, height, flipped.data(), &why)) {
+        std::fprintf(stderr, "korel2d-view: cannot write %s: %s\n", out.c_str(), why.c_str());
+        return 1;
+    }
+    std::printf("korel2d-view: wrote a %dx%d picture to %s (off-screen, %s)\n", width, height, out.c_str(), gl.kind());
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Options o;
+    if (!parseArguments(argc, argv, &o)) {
+        std::fputs(kUsage, stderr);
+        return 2;
+    }
+    if (o.help) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    int width = 0, height = 0;
+    if (!pictureSize(o, &width, &height))
+        return 1;
+    if (o.png.empty()) {
+        XSetErrorHandler(onXError);
+        if (Display* display = XOpenDisplay(nullptr))
+            return showInWindow(display, o, width, height);
+    }
+    return renderToPng(o, width, height);
+}
