@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <sys/stat.h>
+
 int32_t KGetFInt(KStream* s)
 {
     if (s->left() < 4) {
@@ -54,7 +56,13 @@ bool readWholeFile(const char* path, std::vector<uint8_t>* bytes)
     FILE* f = fopen(path, "rb");
     if (!f)
         return false;
+    // One buffer of the file's size where it can be known; pipes and the like grow as they come.
+    struct stat info;
     bytes->clear();
+    if (fstat(fileno(f), &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0) {
+        bytes->resize(size_t(info.st_size));
+        bytes->resize(fread(bytes->data(), 1, bytes->size(), f));
+    }
     uint8_t chunk[65536];
     size_t got;
     while ((got = fread(chunk, 1, sizeof chunk, f)) > 0)
