@@ -55,44 +55,39 @@ int appendTh(TH_STRUCT** head, TH_STRUCT* th)
     return 0;
 }
 
-// A null position stands for the head of the list.
-int thInsertBefore(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head)
+// Puts `th` into the list beside `position` (null: the head); into an empty list as its only entry.
+static void insertTh(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head, bool before)
 {
     if (!th || !head)
-        return 0;
+        return;
     if (!position)
         position = *head;
     if (!position) {
         th->next = th->prev = nullptr;
         *head = th;
-        return 0;
+        return;
     }
-    th->next = position;
-    th->prev = position->prev;
-    if (position->prev)
-        position->prev->next = th;
+    TH_STRUCT* prev = before ? position->prev : position;
+    TH_STRUCT* next = before ? position : position->next;
+    th->prev = prev;
+    th->next = next;
+    if (prev)
+        prev->next = th;
     else
         *head = th;
-    position->prev = th;
+    if (next)
+        next->prev = th;
+}
+
+int thInsertBefore(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head)
+{
+    insertTh(th, position, head, true);
     return 0;
 }
 
 int thInsertAfter(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head)
 {
-    if (!th || !head)
-        return 0;
-    if (!position)
-        position = *head;
-    if (!position) {
-        th->next = th->prev = nullptr;
-        *head = th;
-        return 0;
-    }
-    th->prev = position;
-    th->next = position->next;
-    if (position->next)
-        position->next->prev = th;
-    position->next = th;
+    insertTh(th, position, head, false);
     return 0;
 }
 

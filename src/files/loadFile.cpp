@@ -48,23 +48,45 @@ const char* const kDashes = "-------------------------------------\n";
 
 } // namespace
 
+namespace {
+
+enum class Opened { ok, unreadable, wrongFormat };
+
+// Reads the file and its header, and says so in the log.
+Opened openViewFile(const char* path, const char* readingText, const char* versionFormat, std::vector<uint8_t>* bytes,
+                    KStream* stream, Header* header)
+{
+    if (!path || !readWholeFile(path, bytes))
+        return Opened::unreadable;
+    *stream = KStream{bytes->data(), bytes->size(), 0};
+    *header = readHeader(stream);
+    if (!header->valid()) {
+        logMsg(1, "wrong file format\n");
+        return Opened::wrongFormat;
+    }
+    logMsg(3, "%s", kDashes);
+    logMsg(3, readingText, path);
+    logMsg(3, versionFormat, header->major, header->minor);
+    logMsg(3, "%s", kDashes);
+    return Opened::ok;
+}
+
+} // namespace
+
 int loadFile(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes, VIEW_STRUCT* view)
 {
     std::vector<uint8_t> bytes;
-    if (!path || !readWholeFile(path, &bytes)) {
+    KStream stream;
+    Header header;
+    switch (openViewFile(path, "reading view file from %s\n", "Version = %d.%d\n", &bytes, &stream, &header)) {
+    case Opened::unreadable:
         logMsg(1, "cannot open file %s\n", path ? path : "(null)");
         return -1;
-    }
-    KStream stream{bytes.data(), bytes.size(), 0};
-    Header header = readHeader(&stream);
-    if (!header.valid()) {
-        logMsg(1, "wrong file format\n");
+    case Opened::wrongFormat:
         return -1;
+    case Opened::ok:
+        break;
     }
-    logMsg(3, "%s", kDashes);
-    logMsg(3, "reading view file from %s\n", path);
-    logMsg(3, "Version = %d.%d\n", header.major, header.minor);
-    logMsg(3, "%s", kDashes);
     const Generation* generation = generationOf(header.revision());
     if (!generation) {
         logMsg(1, "loadFile: rev %d not supported\n", header.revision());
@@ -79,22 +101,20 @@ int loadFile(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** 
 int loadConfigFile(const char* path, VIEW_STRUCT* view)
 {
     std::vector<uint8_t> bytes;
-    if (!path || !readWholeFile(path, &bytes)) {
-        int error = path ? errno : EINVAL;
+    KStream stream;
+    Header header;
+    switch (openViewFile(path, "reading config from %s\n", "Version = %d.%02d\n", &bytes, &stream, &header)) {
+    case Opened::unreadable: {
+        int error = path && errno ? errno : EINVAL;
         errno = error;
         perror("file open");
         return -error;
     }
-    KStream stream{bytes.data(), bytes.size(), 0};
-    Header header = readHeader(&stream);
-    if (!header.valid()) {
-        logMsg(1, "wrong file format\n");
+    case Opened::wrongFormat:
         return -1;
+    case Opened::ok:
+        break;
     }
-    logMsg(3, "%s", kDashes);
-    logMsg(3, "reading config from %s\n", path);
-    logMsg(3, "Version = %d.%02d\n", header.major, header.minor);
-    logMsg(3, "%s", kDashes);
     const Generation* generation = generationOf(header.revision());
     if (!generation) {
         logMsg(1, "loadConfigFile: rev %d not supported\n", header.revision());
