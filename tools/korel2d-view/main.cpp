@@ -140,7 +140,11 @@ bool pictureSize(const Options& o, int* width, int* height)
         reportLoadFailure(o.file, result < -1 ? std::strerror(-result) : "not a view file");
         return false;
     }
-    auto side = [&](float units) { return std::clamp(int(units * o.zoom), kMinSide, kMaxSide); };
+    auto side = [&](float units) {
+        float pixels = units * o.zoom;
+        // Compared before the conversion, which also turns a NaN from a damaged page into the minimum.
+        return pixels >= kMaxSide ? kMaxSide : pixels >= kMinSide ? int(pixels) : kMinSide;
+    };
     *width = side(page.width);
     *height = side(page.height);
     return true;
