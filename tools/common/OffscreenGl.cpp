@@ -6,6 +6,9 @@
 #include <X11/Xlib.h>
 
 #include <cstdio>
+#include <cstdlib>
+
+#include <unistd.h>
 
 namespace korelgen {
 namespace {
@@ -52,7 +55,14 @@ void OffscreenGl::close()
 bool OffscreenGl::openGlx(int width, int height, std::string* why)
 {
     XSetErrorHandler(reportXError);
-    Display* d = XOpenDisplay(nullptr);
+    // A virtual server that many test processes reach at once may refuse a connection now
+    // and then; a few tries tell a busy server from a missing one.
+    Display* d = nullptr;
+    for (int attempt = 0; attempt < 5 && !d; ++attempt) {
+        d = XOpenDisplay(nullptr);
+        if (!d && getenv("DISPLAY"))
+            usleep(200000);
+    }
     if (!d) {
         *why = "no X display (DISPLAY unset or unreachable)";
         return false;
