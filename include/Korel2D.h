@@ -47,7 +47,8 @@ enum {
 typedef struct ELEMENT_STRUCT ELEMENT_STRUCT;
 typedef struct ACTION_STRUCT ACTION_STRUCT;
 typedef struct STICKY_STRUCT STICKY_STRUCT;
-typedef struct DD_DATA_TYPE_STRUCT DD_DATA_TYPE_STRUCT;
+typedef struct DD_DATA_TYPE_STRUCT DD_DATA_TYPE_STRUCT; /* KorelDataSource.h */
+typedef struct VARIABLE_STRUCT VARIABLE_STRUCT;         /* KorelDataSource.h */
 typedef struct mpiHash mpiHash;
 
 /* Font handle of the font layer; 0 means no font. */
@@ -140,6 +141,70 @@ typedef struct TH_STRUCT {
     struct TH_STRUCT* prev;
     struct TH_STRUCT* next;
 } TH_STRUCT;
+
+/* Ties one property of an element to a variable. One record for all types: `type` (0..25)
+ * selects which fields mean anything. The mapping is mapped = offset + slope * raw, the line through
+ * (a0, b0) and (a1, b1), worked out when variables are bound. */
+struct ACTION_STRUCT {
+    int32_t type;
+    char var[64];
+    float a0, a1; /* input range: raw values */
+    float b0, b1; /* what a0 and a1 map to */
+    int32_t limit; /* non-zero: clamp the mapped value to b0..b1 */
+    char var2[64]; /* second variable of a graph trace */
+    float var2A0, var2A1, var2B0, var2B1;
+    char format[64]; /* printf format of a text action */
+    int32_t cg;      /* position word 1..9 of the centre of scale and rotate */
+    int32_t filter;  /* 0 none, 1 time, 2 first-order lag */
+    float filterTime;
+    ACTION_STRUCT* next;
+    ACTION_STRUCT* prev;
+    double filterElapsed;
+    float filterValue;
+    int32_t mouseButton; /* 0 left, 1 centre, 2 right */
+    int32_t mouseAction; /* 0 press, 1 release, 2/3 move in x/y, 4/5 absolute in x/y, 6 rotate, 7 move */
+    int32_t mouseMode;   /* 0 set, 1 increment, 2 decrement */
+    int32_t mouseClamp;  /* 0: the value wraps at the ends of its range */
+    float mouseInc;
+    float mouseMin, mouseMax;
+    char translatePoly[64]; /* name of the polyline to move along */
+    int32_t mouseHiddenActive;
+    int32_t id;
+    int32_t disabled; /* a graph trace that isn't drawn */
+    void* value;      /* the variable's value buffers, owned by the library's binding */
+    void* value2;
+    void* heldValue; /* this action's own copies, the ones a frame reads */
+    void* heldValue2;
+    VARIABLE_STRUCT* variable;
+    int32_t varType;
+    float offset, slope;
+    float offset2, slope2;
+    float pressX, pressY;
+    float lastX, lastY;
+    double pressValue;
+    int32_t visibleMode; /* 0: visibility by thresholds, 1: compare with visibleValue */
+    int32_t visibleValue;
+    int32_t inTail, inHead, inSize, inCount; /* input ring of a graph trace */
+    float inStart, inNextTime;
+    float* inY;
+    float* inX;
+    int32_t outTail, outHead, outSize, outCount; /* display ring of a graph trace */
+    float outStart, outNextTime;
+    float* outY;
+    float* outX;
+    /* Threshold blocks; the ranges are for the editing tool only. */
+    float colorMin, colorMax;
+    TH_STRUCT* colorThresholds; /* TH_STRUCT.color */
+    float widthMin, widthMax;
+    TH_STRUCT* widthThresholds; /* value: line width */
+    float styleMin, styleMax;
+    TH_STRUCT* styleThresholds; /* value: line style, with its stipple */
+    float visibleMin, visibleMax;
+    TH_STRUCT* visibleThresholds; /* value: visibility */
+    float blinkMin, blinkMax;
+    TH_STRUCT* blinkThresholds; /* value: blink clock, 0 for none */
+    ELEMENT_STRUCT* movePoly;   /* the polyline of translatePoly, found at start */
+};
 
 /* Corner order of corner-based kinds: lower left, upper left, upper right, lower right. */
 typedef struct RECT_STRUCT {
@@ -451,6 +516,22 @@ int thInsertBefore(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head);
 int thInsertAfter(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head);
 int delTh(TH_STRUCT** head, TH_STRUCT* th);
 
+/* A new action with its defaults, in no list; null when out of memory. */
+ACTION_STRUCT* createAction(void);
+int appendAction(ACTION_STRUCT** head, ACTION_STRUCT* action);
+/* Beside `position`, or beside the head for a null position; into an empty list as its only entry. */
+int actionInsertBefore(ACTION_STRUCT* action, ACTION_STRUCT* position, ACTION_STRUCT** head);
+int actionInsertAfter(ACTION_STRUCT* action, ACTION_STRUCT* position, ACTION_STRUCT** head);
+/* Takes the action out of the list; its own links stay as they were. */
+int actionCut(ACTION_STRUCT* action, ACTION_STRUCT** head);
+/* One place towards the head or the tail; nothing at the end of the list. */
+int actionUp(ACTION_STRUCT* action, ACTION_STRUCT** head);
+int actionDown(ACTION_STRUCT* action, ACTION_STRUCT** head);
+/* Unlinks and destroys the action with its thresholds and run-time buffers. */
+int delAction(ACTION_STRUCT** head, ACTION_STRUCT* action);
+/* A new action with the stored content of `source` and copies of its thresholds; run-time state fresh. */
+ACTION_STRUCT* actionCopy(const ACTION_STRUCT* source);
+
 /* ---------------------------------------------------------------- element kinds */
 
 /* Each creator copies `source`, or takes the defaults for null. */
@@ -478,6 +559,33 @@ int drawGroup(ELEMENT_STRUCT* element, ELEMENT_ATTR* attr);
 
 int scissorSetPickSticky(ELEMENT_STRUCT* element);
 int drawScissor(SCISSOR_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+
+/* Geometry pass of each kind: bounds, centre, size, local fields and pick shape from the
+ * record, then the run-time look seeded from it (...SetAttr). Circle and arc share one. */
+int graphSetAttr(ELEMENT_STRUCT* element);
+int graphSetPickSticky(ELEMENT_STRUCT* element);
+int polySetAttr(ELEMENT_STRUCT* element);
+int polySetPickSticky(ELEMENT_STRUCT* element);
+int circleSetAttr(ELEMENT_STRUCT* element);
+int circleSetPickSticky(ELEMENT_STRUCT* element);
+int textSetAttr(ELEMENT_STRUCT* element);
+int textSetPickSticky(ELEMENT_STRUCT* element);
+int lineSetAttr(ELEMENT_STRUCT* element);
+int lineSetPickSticky(ELEMENT_STRUCT* element);
+int imageSetAttr(ELEMENT_STRUCT* element);
+int imageSetPickSticky(ELEMENT_STRUCT* element);
+int buttonSetAttr(ELEMENT_STRUCT* element);
+int buttonSetPickSticky(ELEMENT_STRUCT* element);
+int sliderSetAttr(ELEMENT_STRUCT* element);
+int sliderSetPickSticky(ELEMENT_STRUCT* element);
+
+/* Process-wide picture store of image elements. txCreate copies width x height RGBA pixels
+ * and returns a new id (ids are never reused), or -1 for no pixels, a size not above 0 or
+ * exhausted memory. txDelete frees the picture: 0, or -1 for an unknown id. txData gives the
+ * stored pixels, or null. */
+int txCreate(int width, int height, const void* pixels);
+int txDelete(int id);
+const uint8_t* txData(int id);
 
 /* Rebuild the printf formats of the graph's labels for a range lo..hi. */
 int KGraphSetXLabel(GRAPH_STRUCT* record, float lo, float hi);

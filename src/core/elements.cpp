@@ -47,6 +47,8 @@ int elementDelete(ELEMENT_STRUCT* element, ELEMENT_STRUCT** head)
     unlinkNode(head, element);
     while (element->child)
         elementDelete(element->child, &element->child);
+    while (element->actions)
+        delAction(&element->actions, element->actions);
     const KindInfo* kind = kindInfo(element->type);
     if (kind && kind->freeData && element->data)
         kind->freeData(element->data);

@@ -20,20 +20,20 @@ void* createImageDefault()
 
 // Indexed by kind code 0..14; entries with a null prefix are codes without a kind.
 const KindInfo kinds[15] = {
-    /* 0 */ {"GRAPH", createDefault<GRAPH_STRUCT, createGraph>, graphFreeData, nullptr, nullptr, nullptr},
+    /* 0 */ {"GRAPH", createDefault<GRAPH_STRUCT, createGraph>, graphFreeData, graphSetPickSticky, nullptr, nullptr},
     /* 1 */ {"RECTANGLE", createDefault<RECT_STRUCT, createRect>, nullptr, rectSetPickSticky, nullptr, nullptr},
-    /* 2 */ {"POLYGON", createDefault<POLY_STRUCT, createPoly>, polyFreeData, nullptr, nullptr, nullptr},
-    /* 3 */ {"CIRCLE", createDefault<CIRCLE_STRUCT, createCircle>, nullptr, nullptr, nullptr, nullptr},
-    /* 4 */ {"TEXT", createTextDefault, textFreeData, nullptr, nullptr, nullptr},
-    /* 5 */ {"LINE", createDefault<LINE_STRUCT, createLine>, nullptr, nullptr, nullptr, nullptr},
-    /* 6 */ {"ARC", createDefault<CIRCLE_STRUCT, createArc>, nullptr, nullptr, nullptr, nullptr},
-    /* 7 */ {"TEXTURE", createImageDefault, nullptr, nullptr, nullptr, nullptr},
+    /* 2 */ {"POLYGON", createDefault<POLY_STRUCT, createPoly>, polyFreeData, polySetPickSticky, nullptr, nullptr},
+    /* 3 */ {"CIRCLE", createDefault<CIRCLE_STRUCT, createCircle>, nullptr, circleSetPickSticky, nullptr, nullptr},
+    /* 4 */ {"TEXT", createTextDefault, textFreeData, textSetPickSticky, nullptr, nullptr},
+    /* 5 */ {"LINE", createDefault<LINE_STRUCT, createLine>, nullptr, lineSetPickSticky, nullptr, nullptr},
+    /* 6 */ {"ARC", createDefault<CIRCLE_STRUCT, createArc>, nullptr, circleSetPickSticky, nullptr, nullptr},
+    /* 7 */ {"TEXTURE", createImageDefault, imageFreeData, imageSetPickSticky, nullptr, nullptr},
     /* 8 */ {"GROUP", nullptr, nullptr, groupSetPickSticky, nullptr, nullptr},
     /* 9 */ {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     /* 10 */ {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    /* 11 */ {"BUTTON", createDefault<BUTTON_STRUCT, createButton>, nullptr, nullptr, nullptr, nullptr},
-    /* 12 */ {"SLIDER", createDefault<SLIDER_STRUCT, createSlider>, nullptr, nullptr, nullptr, nullptr},
-    /* 13 */ {"POLYGON", createDefault<POLY_STRUCT, createCPoly>, polyFreeData, nullptr, nullptr, nullptr},
+    /* 11 */ {"BUTTON", createDefault<BUTTON_STRUCT, createButton>, nullptr, buttonSetPickSticky, nullptr, nullptr},
+    /* 12 */ {"SLIDER", createDefault<SLIDER_STRUCT, createSlider>, nullptr, sliderSetPickSticky, nullptr, nullptr},
+    /* 13 */ {"POLYGON", createDefault<POLY_STRUCT, createCPoly>, polyFreeData, polySetPickSticky, nullptr, nullptr},
     /* 14 */ {"SCISSOR", createDefault<SCISSOR_STRUCT, createScissor>, nullptr, scissorSetPickSticky, nullptr, nullptr},
 };
 

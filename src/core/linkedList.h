@@ -18,8 +18,9 @@ template <class Node> void appendNode(Node** head, Node* item)
     item->prev = last;
 }
 
-// Takes `item` out of the list, moving the head on if it was the head.
-template <class Node> void unlinkNode(Node** head, Node* item)
+// Takes `item` out of the list, moving the head on if it was the head. Its own links stay,
+// so that an editing tool can still see where it was.
+template <class Node> void cutNode(Node** head, Node* item)
 {
     if (item->prev)
         item->prev->next = item->next;
@@ -27,7 +28,36 @@ template <class Node> void unlinkNode(Node** head, Node* item)
         item->next->prev = item->prev;
     if (*head == item)
         *head = item->next;
+}
+
+// Takes `item` out of the list and clears its links.
+template <class Node> void unlinkNode(Node** head, Node* item)
+{
+    cutNode(head, item);
     item->next = item->prev = nullptr;
+}
+
+// Puts `item` beside `position`, or beside the head for a null position; into an empty list
+// as its only entry.
+template <class Node> void insertNode(Node* item, Node* position, Node** head, bool before)
+{
+    if (!position)
+        position = *head;
+    if (!position) {
+        item->next = item->prev = nullptr;
+        *head = item;
+        return;
+    }
+    Node* prev = before ? position->prev : position;
+    Node* next = before ? position : position->next;
+    item->prev = prev;
+    item->next = next;
+    if (prev)
+        prev->next = item;
+    else
+        *head = item;
+    if (next)
+        next->prev = item;
 }
 
 // Appends in O(1) by remembering the tail: readers build long lists in file order.

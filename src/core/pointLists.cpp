@@ -55,39 +55,17 @@ int appendTh(TH_STRUCT** head, TH_STRUCT* th)
     return 0;
 }
 
-// Puts `th` into the list beside `position` (null: the head); into an empty list as its only entry.
-static void insertTh(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head, bool before)
-{
-    if (!th || !head)
-        return;
-    if (!position)
-        position = *head;
-    if (!position) {
-        th->next = th->prev = nullptr;
-        *head = th;
-        return;
-    }
-    TH_STRUCT* prev = before ? position->prev : position;
-    TH_STRUCT* next = before ? position : position->next;
-    th->prev = prev;
-    th->next = next;
-    if (prev)
-        prev->next = th;
-    else
-        *head = th;
-    if (next)
-        next->prev = th;
-}
-
 int thInsertBefore(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head)
 {
-    insertTh(th, position, head, true);
+    if (th && head)
+        insertNode(th, position, head, true);
     return 0;
 }
 
 int thInsertAfter(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head)
 {
-    insertTh(th, position, head, false);
+    if (th && head)
+        insertNode(th, position, head, false);
     return 0;
 }
 

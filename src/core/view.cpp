@@ -1,4 +1,5 @@
 // Loading, freeing and configuring a view handle.
+#include "KorelDataSource.h"
 #include "core/handles.h"
 #include "core/truncate.h"
 #include "glyph/GlyphKit.h"
@@ -30,6 +31,8 @@ static void setUpFonts()
 static void releaseView(VIEW_STRUCT* view)
 {
     elementDeleteAll(&view->elements);
+    while (view->dataTypes)
+        delDataType(&view->dataTypes, view->dataTypes, 0);
     mpiHashRemove(view->varHash);
     pthread_mutex_destroy(&view->mutex);
     view->magic = 0;

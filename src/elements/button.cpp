@@ -15,3 +15,19 @@ BUTTON_STRUCT* createButton(const BUTTON_STRUCT* source)
 {
     return createRecordOf(source, buttonDefaults(), "createButton");
 }
+
+int buttonSetAttr(ELEMENT_STRUCT* element)
+{
+    const BUTTON_STRUCT* b = static_cast<BUTTON_STRUCT*>(element->data);
+    attrSeedCommon(&element->attr);
+    attrSeedFace(&element->attr, b->color0);
+    element->attr.text[0] = 0;
+    return 0;
+}
+
+int buttonSetPickSticky(ELEMENT_STRUCT* element)
+{
+    BUTTON_STRUCT* b = static_cast<BUTTON_STRUCT*>(element->data);
+    cornerGeometry(element, b->cornerX, b->cornerY, b->localX, b->localY);
+    return buttonSetAttr(element);
+}

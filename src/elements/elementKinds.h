@@ -19,3 +19,4 @@ const KindInfo* kindInfo(uint32_t type);
 void polyFreeData(void* data);
 void textFreeData(void* data);
 void graphFreeData(void* data);
+void imageFreeData(void* data);

@@ -67,6 +67,32 @@ void graphFreeData(void* data)
     g->font = 0;
 }
 
+int graphSetAttr(ELEMENT_STRUCT* element)
+{
+    const GRAPH_STRUCT* g = static_cast<GRAPH_STRUCT*>(element->data);
+    ELEMENT_ATTR* attr = &element->attr;
+    attrSeedCommon(attr);
+    // Colour actions act on outline and grid: they reach the frame through these two.
+    attr->lineStyle = 0;
+    std::copy(g->outlineColor, g->outlineColor + 4, attr->strokeColor);
+    std::copy(g->gridColor, g->gridColor + 4, attr->fillColor);
+    return 0;
+}
+
+// The record holds the lower left corner; the element is centred like every other kind.
+int graphSetPickSticky(ELEMENT_STRUCT* element)
+{
+    const GRAPH_STRUCT* g = static_cast<GRAPH_STRUCT*>(element->data);
+    const float x[2] = {g->x, g->x + g->width}, y[2] = {g->y, g->y + g->height};
+    float box[4];
+    pointsBox(x, y, 2, box);
+    boxGeometry(element, box[0], box[1], box[2], box[3]);
+    placeCentre(element, float(g->x + g->width * 0.5), float(g->y + g->height * 0.5));
+    element->width = g->width;
+    element->height = g->height;
+    return graphSetAttr(element);
+}
+
 // Truncation that stays defined for NaN and infinities from degenerate ranges.
 static int truncInRange(double value, int lo, int hi)
 {

@@ -22,21 +22,12 @@ int groupSetPickSticky(ELEMENT_STRUCT* element)
     if (const ELEMENT_STRUCT* first = element->child) {
         std::copy(first->bounds, first->bounds + 4, box);
         for (const ELEMENT_STRUCT* c = first->next; c; c = c->next) {
-            box[0] = std::min(box[0], c->bounds[0]);
-            box[1] = std::min(box[1], c->bounds[1]);
-            box[2] = std::max(box[2], c->bounds[2]);
-            box[3] = std::max(box[3], c->bounds[3]);
+            boxInclude(box, c->bounds[0], c->bounds[1]);
+            boxInclude(box, c->bounds[2], c->bounds[3]);
         }
     }
-    element->width = box[2] - box[0];
-    element->height = box[3] - box[1];
-    element->x = float(box[0] + double(element->width) * 0.5);
-    element->y = float(box[1] + double(element->height) * 0.5);
-    element->refX = element->x;
-    element->refY = element->y;
-    std::copy(box, box + 4, element->bounds);
+    boxGeometry(element, box[0], box[1], box[2], box[3]);
     // A group thinner than a pixel can't be hit by its box: pick it as the line it is.
-    element->pickShape = 0;
     if (element->width < 1 || element->height < 1) {
         element->pickShape = 1;
         std::copy(box, box + 4, element->pickLine);

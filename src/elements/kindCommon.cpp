@@ -30,21 +30,57 @@ void attrSeedStroke(ELEMENT_ATTR* attr, int style, int32_t stippleFactor, uint16
     std::copy(strokeColor, strokeColor + 4, attr->strokeColor);
 }
 
+void attrSeedFace(ELEMENT_ATTR* attr, const float faceColor[4])
+{
+    attr->lineStyle = 0;
+    attr->lineWidth = 0;
+    std::fill(attr->strokeColor, attr->strokeColor + 3, 0.0f);
+    std::copy(faceColor, faceColor + 4, attr->fillColor);
+}
+
+void boxGeometry(ELEMENT_STRUCT* element, float xmin, float ymin, float xmax, float ymax)
+{
+    float* b = element->bounds;
+    b[0] = xmin;
+    b[1] = ymin;
+    b[2] = xmax;
+    b[3] = ymax;
+    element->width = xmax - xmin;
+    element->height = ymax - ymin;
+    placeCentre(element, float(xmin + double(element->width) * 0.5), float(ymin + double(element->height) * 0.5));
+    element->pickShape = 0;
+}
+
+void placeCentre(ELEMENT_STRUCT* element, float x, float y)
+{
+    element->x = x;
+    element->y = y;
+    element->refX = x;
+    element->refY = y;
+}
+
+void pointsBox(const float* x, const float* y, int n, float box[4])
+{
+    box[0] = box[2] = x[0];
+    box[1] = box[3] = y[0];
+    for (int i = 1; i < n; ++i)
+        boxInclude(box, x[i], y[i]);
+}
+
+void boxInclude(float box[4], float x, float y)
+{
+    box[0] = std::min(box[0], x);
+    box[1] = std::min(box[1], y);
+    box[2] = std::max(box[2], x);
+    box[3] = std::max(box[3], y);
+}
+
 void cornerGeometry(ELEMENT_STRUCT* element, const float cornerX[4], const float cornerY[4], float localX[4],
                     float localY[4])
 {
-    float* b = element->bounds;
-    b[0] = *std::min_element(cornerX, cornerX + 4);
-    b[1] = *std::min_element(cornerY, cornerY + 4);
-    b[2] = *std::max_element(cornerX, cornerX + 4);
-    b[3] = *std::max_element(cornerY, cornerY + 4);
-    element->width = b[2] - b[0];
-    element->height = b[3] - b[1];
-    element->x = float(b[0] + element->width * 0.5);
-    element->y = float(b[1] + element->height * 0.5);
-    element->refX = element->x;
-    element->refY = element->y;
-    element->pickShape = 0;
+    float box[4];
+    pointsBox(cornerX, cornerY, 4, box);
+    boxGeometry(element, box[0], box[1], box[2], box[3]);
     for (int i = 0; i < 4; ++i) {
         localX[i] = cornerX[i] - element->x;
         localY[i] = cornerY[i] - element->y;

@@ -11,6 +11,18 @@ void attrSeedCommon(ELEMENT_ATTR* attr);
 // Line look of a stroked kind: style, stipple, width (truncated) and colour from its record.
 void attrSeedStroke(ELEMENT_ATTR* attr, int style, int32_t stippleFactor, uint16_t stipplePattern, float width,
                     const float strokeColor[4]);
+// The look of the bevelled and textured kinds: no line style or width, the stroke colour
+// cleared but for its alpha, and the face colour as fill.
+void attrSeedFace(ELEMENT_ATTR* attr, const float faceColor[4]);
+// Bounds, size, centre and reference point of a shape picked by its box. The centre is
+// the lower edge plus half the span, in double.
+void boxGeometry(ELEMENT_STRUCT* element, float xmin, float ymin, float xmax, float ymax);
+// For kinds whose record names the centre rather than the middle of the box.
+void placeCentre(ELEMENT_STRUCT* element, float x, float y);
+// Extremes of n points, as xmin, ymin, xmax, ymax.
+void pointsBox(const float* x, const float* y, int n, float box[4]);
+// Widens box (xmin, ymin, xmax, ymax) so that it holds the point.
+void boxInclude(float box[4], float x, float y);
 // Box, centre, size, reference point and local corners of a four-cornered shape.
 void cornerGeometry(ELEMENT_STRUCT* element, const float cornerX[4], const float cornerY[4], float localX[4],
                     float localY[4]);

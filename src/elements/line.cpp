@@ -15,3 +15,34 @@ LINE_STRUCT* createLine(const LINE_STRUCT* source)
 {
     return createRecordOf(source, lineDefaults(), "createLine");
 }
+
+int lineSetAttr(ELEMENT_STRUCT* element)
+{
+    const LINE_STRUCT* l = static_cast<LINE_STRUCT*>(element->data);
+    ELEMENT_ATTR* attr = &element->attr;
+    attrSeedCommon(attr);
+    attrSeedStroke(attr, l->strokeStyle, l->stippleFactor, l->stipplePattern, l->strokeWidth, l->strokeColor);
+    setColor(attr->fillColor, 0, 0, 0, 0);
+    attr->text[0] = 0;
+    return 0;
+}
+
+// A line is picked as the segment it is, not by its box, which may be flat.
+int lineSetPickSticky(ELEMENT_STRUCT* element)
+{
+    LINE_STRUCT* l = static_cast<LINE_STRUCT*>(element->data);
+    const float x[2] = {l->x1, l->x2}, y[2] = {l->y1, l->y2};
+    float box[4];
+    pointsBox(x, y, 2, box);
+    boxGeometry(element, box[0], box[1], box[2], box[3]);
+    l->localX1 = l->x1 - element->x;
+    l->localY1 = l->y1 - element->y;
+    l->localX2 = l->x2 - element->x;
+    l->localY2 = l->y2 - element->y;
+    element->pickShape = 1;
+    element->pickLine[0] = l->x1;
+    element->pickLine[1] = l->y1;
+    element->pickLine[2] = l->x2;
+    element->pickLine[3] = l->y2;
+    return lineSetAttr(element);
+}

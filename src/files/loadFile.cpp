@@ -180,6 +180,10 @@ int definitionLoad(ELEMENT_STRUCT* element)
     default:
         break;
     }
+    // Line-style thresholds store only the style number.
+    for (ACTION_STRUCT* action = element->actions; action; action = action->next)
+        for (TH_STRUCT* th = action->styleThresholds; th; th = th->next)
+            getLineStipple(th->value, &th->stippleFactor, &th->stipplePattern);
     if (element->setPickSticky)
         element->setPickSticky(element);
     return 0;

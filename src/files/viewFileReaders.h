@@ -13,3 +13,7 @@ int loadFile_303(KStream* stream, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT
                  int revision);
 int loadConfigFile_303(KStream* stream, VIEW_STRUCT* view);
 ELEMENT_STRUCT* elementLoad_303(uint32_t kind, KStream* stream, ELEMENT_STRUCT** list);
+// One action list into the list at `head`, in file order.
+int actionLoad_303(KStream* stream, ACTION_STRUCT** head);
+// The data-source section behind marker 20: sources, their parameters and variables.
+int dataLoad_303(KStream* stream, DD_DATA_TYPE_STRUCT** head, int revision);

@@ -9,6 +9,7 @@
 #include <dirent.h>
 
 #include <chrono>
+#include <iterator>
 #include <cstring>
 #include <set>
 #include <thread>
@@ -346,11 +347,21 @@ TEST(ViewFromMemory, LeavesNoTemporaryFile)
     const uint8_t junk[] = {1, 2, 3};
     EXPECT_EQ(krViewLoadData(junk, sizeof junk), nullptr);
     EXPECT_EQ(krViewLoadData(nullptr, 0), nullptr);
-    // Other test processes load from memory at the same time; their files live for
-    // milliseconds, so only a file that stays is one left behind.
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    // Other test processes load from memory at the same time; each of their files goes when
+    // that load ends, which under a sanitizer may take a while. A new file that outlives a
+    // few seconds is one left behind.
+    std::set<std::string> pending;
     for (const std::string& name : temporaryFiles())
-        EXPECT_TRUE(before.count(name)) << "left behind: /tmp/" << name;
+        if (!before.count(name))
+            pending.insert(name);
+    for (int wait = 0; wait < 50 && !pending.empty(); ++wait) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        const std::set<std::string> now = temporaryFiles();
+        for (auto it = pending.begin(); it != pending.end();)
+            it = now.count(*it) ? std::next(it) : pending.erase(it);
+    }
+    for (const std::string& name : pending)
+        ADD_FAILURE() << "left behind: /tmp/" << name;
 }
 
 TEST(ViewHandles, NullAndWrongMagic)

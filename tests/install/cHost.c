@@ -1,10 +1,20 @@
 /* A host written in C: it includes the public header as C and finds the flat interface by
  * plain names through dlopen, as hosts in other languages do. */
 #include <Korel2D.h>
+#include <KorelDataSource.h>
 
 #include <dlfcn.h>
 #include <stdio.h>
 #include <string.h>
+
+/* A plug-in compiled as C sees the data-source records laid out as the library sees them. */
+#define LAYOUT(name, condition) typedef char name[(condition) ? 1 : -1]
+LAYOUT(paraLayout, sizeof(PARA_STRUCT) == 24 && offsetof(PARA_STRUCT, size) == 16);
+LAYOUT(optionLayout, sizeof(OPTION_STRUCT) == 56 && offsetof(OPTION_STRUCT, items) == 48);
+LAYOUT(variableLayout, sizeof(VARIABLE_STRUCT) == 216 && offsetof(VARIABLE_STRUCT, lastValue) == 120 &&
+                           offsetof(VARIABLE_STRUCT, written) == 208);
+LAYOUT(sourceLayout, sizeof(DD_DATA_TYPE_STRUCT) == 1104 && offsetof(DD_DATA_TYPE_STRUCT, libPath) == 184 &&
+                         offsetof(DD_DATA_TYPE_STRUCT, info) == 984 && offsetof(DD_DATA_TYPE_STRUCT, next) == 1096);
 
 typedef VIEW_STRUCT* (*LoadFn)(const char*);
 typedef int (*ViewFn)(VIEW_STRUCT*);

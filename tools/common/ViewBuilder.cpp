@@ -40,7 +40,7 @@ ViewBuilder& ViewBuilder::rect(const RectSpec& s, const char* name, const char* 
     for (float c : s.fill)
         real(c);
     integer(s.antialias).integer(s.fillStyle);
-    return integer(0).integer(0).integer(0).integer(0); // reserved tail, empty action list
+    return integer(0).integer(0).integer(0).actionList(); // reserved tail
 }
 
 ViewBuilder& ViewBuilder::beginGroup(int children, const char* name, const char* id)
@@ -50,23 +50,187 @@ ViewBuilder& ViewBuilder::beginGroup(int children, const char* name, const char*
 
 ViewBuilder& ViewBuilder::endGroup()
 {
-    return integer(0);
+    return actionList();
 }
 
 ViewBuilder& ViewBuilder::scissor(float x0, float y0, float x1, float y1, const char* name)
 {
     head(14, name, "clip-ID").corners(x0, y0, x1, y1);
-    return integer(0).integer(0).integer(0).integer(0).integer(0);
+    return integer(0).integer(0).integer(0).integer(0).actionList();
+}
+
+ViewBuilder& ViewBuilder::color(const float rgba[4])
+{
+    return real(rgba[0]).real(rgba[1]).real(rgba[2]).real(rgba[3]);
+}
+
+// The y pair of autoscale comes before the x pair, and the fixed label ranges after the font.
+ViewBuilder& ViewBuilder::graph(const GraphSpec& s, const char* name, const char* id)
+{
+    head(0, name, id).integer(s.type);
+    real(s.x).real(s.y).real(s.width).real(s.height);
+    real(s.ymin).real(s.ymax).real(s.xmin).real(s.xmax).real(s.rate);
+    integer(s.autoscale).real(s.minspready).integer(s.autoscalex).real(s.minspreadx);
+    integer(s.samples).integer(s.bars).color(s.outline).color(s.background).real(s.outlineWidth);
+    integer(s.gridx).integer(s.gridy).integer(s.gridxAuto).integer(s.gridyAuto);
+    real(s.gridxSpace).real(s.gridySpace).real(s.gridxRef).real(s.gridyRef);
+    integer(s.gridStyle).color(s.grid);
+    integer(s.labelx).integer(s.labely).integer(s.labelyr);
+    integer(s.tickx).integer(s.ticky).integer(s.tickyr).integer(s.tickxAuto).integer(s.tickyAuto);
+    real(s.tickxSpace).real(s.tickySpace).real(s.tickxRef).real(s.tickyRef);
+    integer(s.tickxSub).integer(s.tickySub).real(s.tickWidth);
+    integer(7).fixed(s.fontFamily, 64).integer(s.fontStyle).integer(s.fontSize);
+    integer(s.labelFixx).integer(s.labelFixy);
+    real(s.labelXmin).real(s.labelXmax).real(s.labelYmin).real(s.labelYmax);
+    return integer(0).integer(0).integer(0).integer(0).actionList();
+}
+
+ViewBuilder& ViewBuilder::polyBody(int kind, const PolySpec& s, const char* name, const char* id)
+{
+    head(kind, name, id).integer(s.closed).integer(s.strokeOn).real(s.strokeWidth).integer(s.strokeStyle);
+    color(s.stroke).integer(s.fillOn).color(s.fill).integer(s.antialias).integer(s.fillStyle);
+    integer(0).integer(0).integer(0);
+    integer(s.storedCount < 0 ? int32_t(s.points.size()) : s.storedCount);
+    for (const PointSpec& p : s.points)
+        integer(p.id).real(p.x).real(p.y);
+    return actionList();
+}
+
+ViewBuilder& ViewBuilder::polyline(const PolySpec& s, const char* name, const char* id)
+{
+    return polyBody(2, s, name, id);
+}
+
+ViewBuilder& ViewBuilder::cpoly(const PolySpec& s, const char* name, const char* id)
+{
+    return polyBody(13, s, name, id);
+}
+
+ViewBuilder& ViewBuilder::circleBody(int kind, const CircleSpec& s, const char* name, const char* id)
+{
+    head(kind, name, id).real(s.x).real(s.y);
+    real(s.matrix[0]).real(s.matrix[1]).real(s.matrix[2]).real(s.matrix[3]).real(s.start).real(s.end);
+    integer(s.strokeOn).real(s.strokeWidth).integer(s.strokeStyle).color(s.stroke);
+    integer(s.fillOn).color(s.fill).integer(s.antialias).integer(s.fillStyle);
+    return integer(0).integer(0).integer(0).actionList();
+}
+
+ViewBuilder& ViewBuilder::circle(const CircleSpec& s, const char* name, const char* id)
+{
+    return circleBody(3, s, name, id);
+}
+
+ViewBuilder& ViewBuilder::arc(const CircleSpec& s, const char* name, const char* id)
+{
+    return circleBody(6, s, name, id);
+}
+
+// The stored length leaves out the terminator that follows the text.
+ViewBuilder& ViewBuilder::text(const TextSpec& s, const char* name, const char* id)
+{
+    head(s.kind, name, id).real(s.x).real(s.y).color(s.color).integer(s.align);
+    real(s.matrix[0]).real(s.matrix[1]).real(s.matrix[2]).real(s.matrix[3]);
+    fixed(s.fontFamily, 64).integer(s.fontStyle).integer(s.underline).integer(s.fontSize).integer(s.textSize);
+    integer(s.fillStyle);
+    for (int i = 0; i < 5; ++i)
+        integer(0);
+    integer(int32_t(s.text.size())).fixed(s.text, s.text.size() + 1);
+    return actionList();
+}
+
+ViewBuilder& ViewBuilder::line(const LineSpec& s, const char* name, const char* id)
+{
+    head(5, name, id).real(s.x1).real(s.y1).real(s.x2).real(s.y2);
+    real(s.strokeWidth).integer(s.strokeStyle).color(s.stroke).integer(s.antialias);
+    return integer(0).integer(0).integer(0).integer(0).actionList();
+}
+
+ViewBuilder& ViewBuilder::image(const ImageSpec& s, const char* name, const char* id)
+{
+    head(7, name, id).corners(s.x0, s.y0, s.x1, s.y1).color(s.tint);
+    integer(0).fixed("", 128).integer(0);
+    integer(s.width).integer(s.height).integer(s.fillStyle).integer(0).integer(0).integer(0);
+    bytes_.insert(bytes_.end(), s.pixels.begin(), s.pixels.end());
+    return actionList();
+}
+
+ViewBuilder& ViewBuilder::button(const ButtonSpec& s, const char* name, const char* id)
+{
+    head(11, name, id).corners(s.x0, s.y0, s.x1, s.y1).color(s.face).color(s.light).color(s.dark);
+    real(s.bevelWidth).integer(s.state);
+    return integer(0).integer(0).integer(0).integer(0).actionList();
+}
+
+ViewBuilder& ViewBuilder::slider(const SliderSpec& s, const char* name, const char* id)
+{
+    head(12, name, id).real(s.x).real(s.y).real(s.width).real(s.height);
+    color(s.face).color(s.dark).color(s.light).real(s.bevelWidth).real(s.knobHalfSize);
+    integer(s.reserved1).real(s.reserved2);
+    return integer(0).integer(0).integer(0).integer(0).actionList();
 }
 
 ViewBuilder& ViewBuilder::bodiless(int kind, const char* name)
 {
-    return head(kind, name, "none-ID").integer(0);
+    return head(kind, name, "none-ID").actionList();
 }
 
-ViewBuilder& ViewBuilder::dataSection()
+ViewBuilder& ViewBuilder::actions(const std::vector<ActionSpec>& list)
 {
-    return integer(20).integer(0);
+    pendingActions_ = list;
+    return *this;
+}
+
+ViewBuilder& ViewBuilder::actionList()
+{
+    integer(int32_t(pendingActions_.size()));
+    for (const ActionSpec& a : pendingActions_)
+        action(a);
+    pendingActions_.clear();
+    return *this;
+}
+
+ViewBuilder& ViewBuilder::action(const ActionSpec& a)
+{
+    integer(a.id).integer(a.type).fixed(a.var, 64).fixed(a.var2, 64);
+    real(a.a0).real(a.a1).real(a.b0).real(a.b1).integer(a.limit);
+    real(a.var2A0).real(a.var2A1).real(a.var2B0).real(a.var2B1);
+    real(a.offset).real(a.slope).real(a.offset2).real(a.slope2);
+    integer(a.cg).fixed(a.format, 64).integer(a.filter).real(a.filterTime);
+    integer(a.mouseButton).integer(a.mouseAction).integer(a.mouseMode).integer(a.mouseClamp);
+    real(a.mouseInc).real(a.mouseMin).real(a.mouseMax).integer(a.mouseHiddenActive);
+    fixed(a.translatePoly, 64).integer(a.visibleMode).integer(a.visibleValue);
+    for (int i = 0; i < 8; ++i)
+        integer(0);
+    for (const ThresholdBlockSpec& block : a.blocks) {
+        real(block.min).real(block.max).integer(int32_t(block.entries.size()));
+        for (const ThresholdSpec& t : block.entries)
+            real(t.lower).real(t.upper).integer(t.value).real(t.color[0]).real(t.color[1]).real(t.color[2]);
+    }
+    return *this;
+}
+
+ViewBuilder& ViewBuilder::dataSection(const std::vector<SourceSpec>& sources)
+{
+    integer(20).integer(int32_t(sources.size()));
+    for (const SourceSpec& s : sources)
+        source(s);
+    return *this;
+}
+
+ViewBuilder& ViewBuilder::source(const SourceSpec& s)
+{
+    integer(s.id).integer(int32_t(s.dataParams.size())).integer(s.varParamCount);
+    for (const ParaSpec& p : s.dataParams)
+        integer(p.ival).fixed(p.text, 64);
+    integer(int32_t(s.variables.size()));
+    for (const VariableSpec& v : s.variables) {
+        integer(v.type).fixed(v.name, 64).fixed(v.defaultValue, 64);
+        for (int i = 0; i < s.varParamCount; ++i) {
+            ParaSpec p = size_t(i) < v.params.size() ? v.params[size_t(i)] : ParaSpec();
+            integer(p.ival).integer(v.capacity).fixed(p.text, size_t(v.capacity));
+        }
+    }
+    return *this;
 }
 
 ViewBuilder& ViewBuilder::integer(int32_t value)

@@ -1,0 +1,134 @@
+/*
+ * libKorel2D data sources: the records a data-source plug-in compiles against.
+ *
+ * The field order and widths of DD_DATA_TYPE_STRUCT, VARIABLE_STRUCT, PARA_STRUCT and
+ * OPTION_STRUCT are a binary contract with plug-ins built separately, fixed by the interface
+ * version KRD_INTERFACE_VERSION that a plug-in's krdVersion() returns. Compiles as C and as C++.
+ */
+#ifndef KOREL_DATA_SOURCE_H
+#define KOREL_DATA_SOURCE_H
+
+#include "Korel2D.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define KRD_INTERFACE_VERSION 324
+
+/* One parameter slot, of a source or of a variable. */
+typedef struct PARA_STRUCT {
+    int32_t ival; /* the item number of a list, free otherwise */
+    char* sval;   /* text value, owned by the slot */
+    uint32_t size; /* capacity of sval in bytes, 64 when created */
+} PARA_STRUCT;
+
+/* Description of one parameter, for an editing host to show a form. */
+typedef struct OPTION_STRUCT {
+    int32_t kind; /* 0 text field, 1 list, 2 button, 3 formula field */
+    char title[32];
+    uint32_t flags;
+    int32_t count; /* number of items */
+    char* items;   /* count texts of 32 bytes, one after the other: list choices or a button caption */
+} OPTION_STRUCT;
+
+/* A named typed value of a source. Type codes: 0 float, 1 double, 2/3 signed/unsigned 8 bits,
+ * 4/5 16 bits, 6/7 32 bits, 8/9 long, 10 text of up to 255 characters. */
+struct VARIABLE_STRUCT {
+    int32_t type;
+    char name[64];
+    PARA_STRUCT* para;
+    void* value; /* value buffer, owned by the library; null until the view first starts */
+    uint8_t changed; /* set before Set: the value differs from lastValue */
+    void* user;      /* free for the source */
+    int32_t readWrite; /* the view can write it: it gets Set calls */
+    int32_t nrPara;
+    void* global; /* the plug-in's global of this name, for sources with global variables */
+    uint64_t lastValue;
+    VARIABLE_STRUCT* prev;
+    VARIABLE_STRUCT* next;
+    char defaultValue[64]; /* text written at start; empty for none */
+    uint8_t written;       /* an input action wrote the value */
+};
+
+/* Services the library puts into every source record. */
+typedef int (*KRD_INIT)(DD_DATA_TYPE_STRUCT* source, const char* name, int id, int mode);
+/* scope 0: data parameter, else variable parameter. Kind 1 takes item texts ending with a null
+ * pointer, kind 2 its caption. */
+typedef int (*KRD_OPTION)(DD_DATA_TYPE_STRUCT* source, int scope, int kind, unsigned flags, const char* title, ...);
+/* The parameter values follow in the order of varOptions. */
+typedef int (*KRD_ADD_VARIABLE)(DD_DATA_TYPE_STRUCT* source, const char* name, int type, ...);
+typedef int (*KRD_DELETE_ALL_VARIABLES)(DD_DATA_TYPE_STRUCT* source);
+typedef char** (*KRD_GET_ALL_VARIABLES)(DD_DATA_TYPE_STRUCT* source);
+typedef VARIABLE_STRUCT** (*KRD_GET_ALL_VARIABLES_S)(DD_DATA_TYPE_STRUCT* source);
+typedef int (*KRD_LOG)(const char* format, ...);
+
+/* Entry points of a source; any of them may be null. */
+typedef int (*KRD_VERSION)(void);
+typedef int (*KRD_SOURCE_FN)(DD_DATA_TYPE_STRUCT* source);
+typedef int (*KRD_VARIABLE_FN)(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* source);
+typedef int (*KRD_START_VIEW_ALL)(DD_DATA_TYPE_STRUCT* list, DD_DATA_TYPE_STRUCT* source);
+typedef int (*KRD_NEW_VARIABLE)(VARIABLE_STRUCT* variable);
+typedef int (*KRD_CALLBACK_DATA)(int index, int value, void* argument, DD_DATA_TYPE_STRUCT* source);
+typedef int (*KRD_CALLBACK_VAR)(int index, int value, void* argument, VARIABLE_STRUCT* variable);
+
+/* One data source: its type number, parameters, variables and entry points. */
+struct DD_DATA_TYPE_STRUCT {
+    char name[64];
+    int32_t id; /* type number, unique in a list */
+    PARA_STRUCT* para; /* data parameter slots */
+    void* data;        /* private state of the source, from Open to Close */
+    KRD_INIT init;
+    KRD_OPTION option;
+    KRD_ADD_VARIABLE addVariable;
+    KRD_DELETE_ALL_VARIABLES deleteAllVariables;
+    KRD_GET_ALL_VARIABLES getAllVariables;
+    KRD_GET_ALL_VARIABLES_S getAllVariablesS;
+    KRD_LOG log;
+    VARIABLE_STRUCT* variables;
+    int32_t globalVariables; /* 1: the library copies variables to and from the plug-in's globals */
+    int32_t nrData;          /* number of data parameters */
+    int32_t nrVar;           /* number of parameters per variable */
+    OPTION_STRUCT* dataOptions;
+    OPTION_STRUCT* varOptions;
+    char libPath[512];
+    char libName[256]; /* what stands between "libKrd" and ".so"; empty for a built-in source */
+    int32_t found;
+    int32_t isStatic; /* built into the library */
+    void* handle;     /* of the open plug-in */
+    int32_t version;
+    KRD_VERSION versionFn;
+    KRD_SOURCE_FN info;
+    KRD_SOURCE_FN open;
+    KRD_SOURCE_FN close;
+    KRD_SOURCE_FN run;
+    KRD_SOURCE_FN postRun;
+    KRD_VARIABLE_FN get;
+    KRD_VARIABLE_FN set;
+    KRD_SOURCE_FN startView;
+    KRD_START_VIEW_ALL startViewAll;
+    KRD_SOURCE_FN newData;
+    KRD_NEW_VARIABLE newVariable;
+    KRD_CALLBACK_DATA callbackData;
+    KRD_CALLBACK_VAR callbackVar;
+    DD_DATA_TYPE_STRUCT* prev;
+    DD_DATA_TYPE_STRUCT* next;
+};
+
+/* A zeroed source with found = 1 and `slots` empty 64-byte parameter slots; null when out of memory. */
+DD_DATA_TYPE_STRUCT* createDataType(int slots);
+int appendDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source);
+/* Unlinks and destroys the source with its variables and parameter slots. withOptions non-zero:
+ * the item lists of its parameter descriptions go too. */
+int delDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source, int withOptions);
+
+/* A zeroed variable with `slots` empty 64-byte parameter slots and nrPara = slots. */
+VARIABLE_STRUCT* createVariable(int slots);
+int appendVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable);
+int delVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* KOREL_DATA_SOURCE_H */

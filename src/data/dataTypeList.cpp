@@ -1,0 +1,150 @@
+// Data-source and variable records and their lists.
+#include "KorelDataSource.h"
+#include "core/linkedList.h"
+
+#include <cstddef>
+#include <cstdlib>
+
+// Plug-ins are compiled separately against these records: their layout must not drift.
+static_assert(sizeof(PARA_STRUCT) == 24 && offsetof(PARA_STRUCT, sval) == 8 && offsetof(PARA_STRUCT, size) == 16,
+              "PARA_STRUCT layout");
+static_assert(sizeof(OPTION_STRUCT) == 56 && offsetof(OPTION_STRUCT, flags) == 36 && offsetof(OPTION_STRUCT, items) == 48,
+              "OPTION_STRUCT layout");
+static_assert(sizeof(VARIABLE_STRUCT) == 216 && offsetof(VARIABLE_STRUCT, para) == 72 &&
+                  offsetof(VARIABLE_STRUCT, changed) == 88 && offsetof(VARIABLE_STRUCT, user) == 96 &&
+                  offsetof(VARIABLE_STRUCT, readWrite) == 104 && offsetof(VARIABLE_STRUCT, lastValue) == 120 &&
+                  offsetof(VARIABLE_STRUCT, next) == 136 && offsetof(VARIABLE_STRUCT, defaultValue) == 144 &&
+                  offsetof(VARIABLE_STRUCT, written) == 208,
+              "VARIABLE_STRUCT layout");
+static_assert(sizeof(DD_DATA_TYPE_STRUCT) == 1104 && offsetof(DD_DATA_TYPE_STRUCT, id) == 64 &&
+                  offsetof(DD_DATA_TYPE_STRUCT, para) == 72 && offsetof(DD_DATA_TYPE_STRUCT, init) == 88 &&
+                  offsetof(DD_DATA_TYPE_STRUCT, log) == 136 && offsetof(DD_DATA_TYPE_STRUCT, variables) == 144 &&
+                  offsetof(DD_DATA_TYPE_STRUCT, nrVar) == 160 && offsetof(DD_DATA_TYPE_STRUCT, dataOptions) == 168 &&
+                  offsetof(DD_DATA_TYPE_STRUCT, libPath) == 184 && offsetof(DD_DATA_TYPE_STRUCT, libName) == 696 &&
+                  offsetof(DD_DATA_TYPE_STRUCT, found) == 952 && offsetof(DD_DATA_TYPE_STRUCT, handle) == 960 &&
+                  offsetof(DD_DATA_TYPE_STRUCT, versionFn) == 976 && offsetof(DD_DATA_TYPE_STRUCT, info) == 984 &&
+                  offsetof(DD_DATA_TYPE_STRUCT, callbackVar) == 1080 && offsetof(DD_DATA_TYPE_STRUCT, prev) == 1088,
+              "DD_DATA_TYPE_STRUCT layout");
+
+namespace {
+
+constexpr uint32_t kParaTextSize = 64;
+
+// `slots` slots with empty texts, and behind them one slot without a text. The counts in a
+// record (nrData, nrPara) say how many parameters a source uses, which can be fewer or more
+// than the slots it has; the end mark lets the slots be freed without a count.
+PARA_STRUCT* createParaSlots(int slots)
+{
+    PARA_STRUCT* para = static_cast<PARA_STRUCT*>(calloc(size_t(slots) + 1, sizeof(PARA_STRUCT)));
+    if (!para)
+        return nullptr;
+    for (int i = 0; i < slots; ++i) {
+        para[i].sval = static_cast<char*>(calloc(1, kParaTextSize));
+        if (!para[i].sval) {
+            para[i].size = 0;
+            for (int j = 0; j < i; ++j)
+                free(para[j].sval);
+            free(para);
+            return nullptr;
+        }
+        para[i].size = kParaTextSize;
+    }
+    return para;
+}
+
+void freeParaSlots(PARA_STRUCT* para)
+{
+    if (!para)
+        return;
+    for (PARA_STRUCT* slot = para; slot->sval; ++slot)
+        free(slot->sval);
+    free(para);
+}
+
+void freeOptions(OPTION_STRUCT* options, int32_t count, bool withItems)
+{
+    if (options && withItems)
+        for (int32_t i = 0; i < count; ++i)
+            free(options[i].items);
+    free(options);
+}
+
+} // namespace
+
+DD_DATA_TYPE_STRUCT* createDataType(int slots)
+{
+    DD_DATA_TYPE_STRUCT* source = static_cast<DD_DATA_TYPE_STRUCT*>(calloc(1, sizeof(DD_DATA_TYPE_STRUCT)));
+    if (source && slots > 0) {
+        source->para = createParaSlots(slots);
+        if (!source->para) {
+            free(source);
+            source = nullptr;
+        }
+    }
+    if (!source) {
+        logMsg(1, "createDataType: out of memory\n");
+        return nullptr;
+    }
+    source->found = 1;
+    return source;
+}
+
+int appendDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source)
+{
+    if (head && source)
+        appendNode(head, source);
+    return 0;
+}
+
+int delDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source, int withOptions)
+{
+    if (!source)
+        return 0;
+    if (head && *head)
+        unlinkNode(head, source);
+    while (source->variables)
+        delVariable(&source->variables, source->variables);
+    freeParaSlots(source->para);
+    // The description arrays are the record's own in any case; their item lists may be
+    // shared with another record, which is why they go only when asked for.
+    freeOptions(source->dataOptions, source->nrData, withOptions != 0);
+    freeOptions(source->varOptions, source->nrVar, withOptions != 0);
+    free(source);
+    return 0;
+}
+
+VARIABLE_STRUCT* createVariable(int slots)
+{
+    VARIABLE_STRUCT* variable = static_cast<VARIABLE_STRUCT*>(calloc(1, sizeof(VARIABLE_STRUCT)));
+    if (variable && slots > 0) {
+        variable->para = createParaSlots(slots);
+        if (!variable->para) {
+            free(variable);
+            variable = nullptr;
+        }
+    }
+    if (!variable) {
+        logMsg(1, "createVariable: out of memory\n");
+        return nullptr;
+    }
+    variable->nrPara = slots;
+    return variable;
+}
+
+int appendVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable)
+{
+    if (head && variable)
+        appendNode(head, variable);
+    return 0;
+}
+
+int delVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable)
+{
+    if (!variable)
+        return 0;
+    if (head && *head)
+        unlinkNode(head, variable);
+    freeParaSlots(variable->para);
+    free(variable);
+    return 0;
+}

@@ -1,0 +1,127 @@
+// Data-source sections of revisions 303 and 304: sources with their parameters and variables.
+#include "KorelDataSource.h"
+#include "core/linkedList.h"
+#include "files/Reader.h"
+#include "files/viewFileReaders.h"
+
+#include <cstdlib>
+
+namespace {
+
+// The source found at run time may have more parameters than the file stored, so every
+// record gets at least this many slots.
+constexpr int32_t kMinimumSlots = 10;
+// Data parameter texts are always stored with their whole 64 bytes.
+constexpr int32_t kDataTextBytes = 64;
+constexpr size_t kDataParameterBytes = 4 + kDataTextBytes;
+// Type number, the two parameter counts and the variable count.
+constexpr size_t kSourceHeadBytes = 4 * 4;
+// Type, name and default value.
+constexpr size_t kVariableHeadBytes = 4 + 64 + 64;
+// A variable parameter with an empty text: its value and the text's size.
+constexpr size_t kVariableParameterBytes = 4 + 4;
+// Head room given to a text buffer that has to grow.
+constexpr uint32_t kTextSlack = 12;
+
+int32_t slotsFor(int32_t count)
+{
+    return count > kMinimumSlots ? count : kMinimumSlots;
+}
+
+size_t atLeastZero(int32_t count)
+{
+    return count > 0 ? size_t(count) : 0;
+}
+
+// A counted text into a parameter slot, whose buffer grows when the text doesn't fit.
+// False when the file is short.
+bool readParameterText(Reader& in, PARA_STRUCT* slot)
+{
+    int32_t n = in.integer();
+    if (n <= 0)
+        return true; // nothing stored: the text stays as it is
+    if (!in.roomFor(size_t(n)))
+        return false;
+    if (uint32_t(n) >= slot->size) {
+        uint32_t capacity = uint32_t(n) + kTextSlack;
+        char* grown = static_cast<char*>(realloc(slot->sval, capacity));
+        if (!grown) {
+            logMsg(1, "dataLoad_303: out of memory\n");
+            in.stream->abandon();
+            return false;
+        }
+        slot->sval = grown;
+        slot->size = capacity;
+    }
+    KGetFString(slot->sval, slot->size, in.stream, n);
+    return true;
+}
+
+// Null when the file ends before the variable's fixed part and its parameters can be there.
+VARIABLE_STRUCT* readVariable(Reader& in, int32_t parameterCount)
+{
+    if (!in.roomFor(kVariableHeadBytes + atLeastZero(parameterCount) * kVariableParameterBytes))
+        return nullptr;
+    VARIABLE_STRUCT* variable = createVariable(slotsFor(parameterCount));
+    if (!variable) {
+        in.stream->abandon();
+        return nullptr;
+    }
+    variable->nrPara = parameterCount;
+    variable->type = in.integer();
+    in.fixed(variable->name);
+    in.fixed(variable->defaultValue);
+    for (int32_t i = 0; i < parameterCount; ++i) {
+        variable->para[i].ival = in.integer();
+        if (!readParameterText(in, &variable->para[i]))
+            break;
+    }
+    return variable;
+}
+
+// The counts stay as stored, whatever number of slots the record got.
+DD_DATA_TYPE_STRUCT* readSource(Reader& in)
+{
+    int32_t id = in.integer();
+    int32_t dataCount = in.integer();
+    int32_t variableParameterCount = in.integer();
+    if (!in.roomFor(atLeastZero(dataCount) * kDataParameterBytes))
+        return nullptr;
+    DD_DATA_TYPE_STRUCT* source = createDataType(slotsFor(dataCount));
+    if (!source) {
+        in.stream->abandon();
+        return nullptr;
+    }
+    source->id = id;
+    source->nrData = dataCount;
+    source->nrVar = variableParameterCount;
+    for (int32_t i = 0; i < dataCount; ++i) {
+        source->para[i].ival = in.integer();
+        KGetFString(source->para[i].sval, source->para[i].size, in.stream, kDataTextBytes);
+    }
+    int32_t variableCount = in.integer();
+    TailAppender<VARIABLE_STRUCT> variables(&source->variables);
+    for (int32_t i = 0; i < variableCount; ++i) {
+        VARIABLE_STRUCT* variable = readVariable(in, variableParameterCount);
+        if (!variable)
+            break;
+        variables.add(variable);
+    }
+    return source;
+}
+
+} // namespace
+
+int dataLoad_303(KStream* stream, DD_DATA_TYPE_STRUCT** head, int /*revision: same layout in 303 and 304*/)
+{
+    Reader in{stream};
+    int32_t count = in.integer();
+    TailAppender<DD_DATA_TYPE_STRUCT> sources(head);
+    for (int32_t i = 0; i < count && in.roomFor(kSourceHeadBytes); ++i) {
+        DD_DATA_TYPE_STRUCT* source = readSource(in);
+        if (!source)
+            break;
+        sources.add(source);
+    }
+    return 0;
+}

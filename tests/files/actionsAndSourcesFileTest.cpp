@@ -1,0 +1,443 @@
+// The records that follow the element bodies in a view file: action lists with their
+// threshold blocks, and data-source sections with variables and parameters.
+#include "GlContext.h"
+#include "Korel2D.h"
+#include "KorelDataSource.h"
+#include "ViewBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+using namespace k2dtest;
+using namespace korelgen;
+
+namespace {
+
+struct LoadedView {
+    VIEW_STRUCT* view;
+    explicit LoadedView(const std::vector<uint8_t>& bytes) : view(krViewLoadData(bytes.data(), bytes.size())) {}
+    explicit LoadedView(const ViewBuilder& b) : LoadedView(b.bytes()) {}
+    ~LoadedView() { krViewFree(view); }
+};
+
+ViewBuilder page()
+{
+    ViewBuilder b;
+    b.page(0, 0, 400, 300, 0, 0, 0);
+    return b;
+}
+
+template <class Record> int countList(const Record* head)
+{
+    int n = 0;
+    for (; head; head = head->next)
+        ++n;
+    return n;
+}
+
+// Every stored field differs from its default and from the same field of the other actions.
+ActionSpec numberedAction(int k)
+{
+    const float f = float(k);
+    ActionSpec a;
+    a.id = 1000 + k;
+    a.type = k;
+    a.var = "var" + std::to_string(k);
+    a.var2 = "second" + std::to_string(k);
+    a.a0 = f + 0.5f;
+    a.a1 = f + 1.5f;
+    a.b0 = f + 2.5f;
+    a.b1 = f + 3.5f;
+    a.limit = k % 2;
+    a.var2A0 = f + 4.5f;
+    a.var2A1 = f + 5.5f;
+    a.var2B0 = f + 6.5f;
+    a.var2B1 = f + 7.5f;
+    a.offset = f + 8.5f;
+    a.slope = f + 9.5f;
+    a.offset2 = f + 10.5f;
+    a.slope2 = f + 11.5f;
+    a.cg = 1 + k % 9;
+    a.format = "%" + std::to_string(k) + ".2f";
+    a.filter = k % 3;
+    a.filterTime = f + 0.25f;
+    a.mouseButton = k % 3;
+    a.mouseAction = k % 8;
+    a.mouseMode = (k + 1) % 3;
+    a.mouseClamp = k + 1;
+    a.mouseInc = f + 0.75f;
+    a.mouseMin = -f;
+    a.mouseMax = f + 100;
+    a.mouseHiddenActive = k % 2 == 0 ? 0 : 7;
+    a.translatePoly = "poly" + std::to_string(k);
+    a.visibleMode = k % 2;
+    a.visibleValue = k + 5;
+    for (int block = 0; block < 5; ++block) {
+        a.blocks[block].min = f - float(block);
+        a.blocks[block].max = f + 50 + float(block);
+        for (int i = 0; i <= (k + block) % 3; ++i) {
+            ThresholdSpec t;
+            t.lower = float(10 * block + i);
+            t.upper = float(10 * block + i + 1);
+            t.value = block + i;
+            t.color[0] = 0.1f * float(i);
+            t.color[1] = 0.2f * float(block);
+            t.color[2] = f / 32;
+            a.blocks[block].entries.push_back(t);
+        }
+    }
+    return a;
+}
+
+void expectBlock(const ThresholdBlockSpec& spec, float min, float max, const TH_STRUCT* head, bool lineStyles)
+{
+    EXPECT_FLOAT_EQ(min, spec.min);
+    EXPECT_FLOAT_EQ(max, spec.max);
+    ASSERT_EQ(countList(head), int(spec.entries.size()));
+    for (const ThresholdSpec& t : spec.entries) {
+        EXPECT_FLOAT_EQ(head->lower, t.lower);
+        EXPECT_FLOAT_EQ(head->upper, t.upper);
+        EXPECT_EQ(head->value, t.value);
+        for (int c = 0; c < 3; ++c)
+            EXPECT_FLOAT_EQ(head->color[c], t.color[c]);
+        if (lineStyles) {
+            int32_t factor;
+            uint16_t pattern;
+            getLineStipple(t.value, &factor, &pattern);
+            EXPECT_EQ(head->stippleFactor, factor);
+            EXPECT_EQ(head->stipplePattern, pattern);
+        }
+        head = head->next;
+    }
+}
+
+void expectAction(const ActionSpec& s, const ACTION_STRUCT* a)
+{
+    SCOPED_TRACE("action type " + std::to_string(s.type));
+    EXPECT_EQ(a->id, s.id);
+    EXPECT_EQ(a->type, s.type);
+    EXPECT_EQ(a->var, s.var);
+    EXPECT_EQ(a->var2, s.var2);
+    EXPECT_FLOAT_EQ(a->a0, s.a0);
+    EXPECT_FLOAT_EQ(a->a1, s.a1);
+    EXPECT_FLOAT_EQ(a->b0, s.b0);
+    EXPECT_FLOAT_EQ(a->b1, s.b1);
+    EXPECT_EQ(a->limit, s.limit);
+    EXPECT_FLOAT_EQ(a->var2A0, s.var2A0);
+    EXPECT_FLOAT_EQ(a->var2A1, s.var2A1);
+    EXPECT_FLOAT_EQ(a->var2B0, s.var2B0);
+    EXPECT_FLOAT_EQ(a->var2B1, s.var2B1);
+    EXPECT_FLOAT_EQ(a->offset, s.offset);
+    EXPECT_FLOAT_EQ(a->slope, s.slope);
+    EXPECT_FLOAT_EQ(a->offset2, s.offset2);
+    EXPECT_FLOAT_EQ(a->slope2, s.slope2);
+    EXPECT_EQ(a->cg, s.cg);
+    EXPECT_EQ(a->format, s.format);
+    EXPECT_EQ(a->filter, s.filter);
+    EXPECT_FLOAT_EQ(a->filterTime, s.filterTime);
+    EXPECT_EQ(a->mouseButton, s.mouseButton);
+    EXPECT_EQ(a->mouseAction, s.mouseAction);
+    EXPECT_EQ(a->mouseMode, s.mouseMode);
+    EXPECT_EQ(a->mouseClamp, s.mouseClamp);
+    EXPECT_FLOAT_EQ(a->mouseInc, s.mouseInc);
+    EXPECT_FLOAT_EQ(a->mouseMin, s.mouseMin);
+    EXPECT_FLOAT_EQ(a->mouseMax, s.mouseMax);
+    EXPECT_EQ(a->mouseHiddenActive, s.mouseHiddenActive);
+    EXPECT_EQ(a->translatePoly, s.translatePoly);
+    EXPECT_EQ(a->visibleMode, s.visibleMode);
+    EXPECT_EQ(a->visibleValue, s.visibleValue);
+    expectBlock(s.blocks[0], a->colorMin, a->colorMax, a->colorThresholds, false);
+    expectBlock(s.blocks[1], a->widthMin, a->widthMax, a->widthThresholds, false);
+    expectBlock(s.blocks[2], a->styleMin, a->styleMax, a->styleThresholds, true);
+    expectBlock(s.blocks[3], a->visibleMin, a->visibleMax, a->visibleThresholds, false);
+    expectBlock(s.blocks[4], a->blinkMin, a->blinkMax, a->blinkThresholds, false);
+    // Run-time state is not stored.
+    EXPECT_EQ(a->value, nullptr);
+    EXPECT_EQ(a->heldValue, nullptr);
+    EXPECT_EQ(a->variable, nullptr);
+}
+
+TEST(ActionRecordsInFiles, EveryTypeGivesBackEveryStoredField)
+{
+    std::vector<ActionSpec> all;
+    for (int type = 0; type <= 25; ++type)
+        all.push_back(numberedAction(type));
+    ViewBuilder b = page();
+    b.actions(all).rect(RectSpec(), "animated");
+    b.rect(RectSpec(), "still");
+    LoadedView loaded(b);
+    ASSERT_NE(loaded.view, nullptr);
+    const ELEMENT_STRUCT* animated = loaded.view->elements;
+    ASSERT_EQ(countList(animated->actions), 26);
+    const ACTION_STRUCT* a = animated->actions;
+    EXPECT_EQ(a->prev, nullptr);
+    for (const ActionSpec& spec : all) {
+        expectAction(spec, a);
+        if (a->next) {
+            EXPECT_EQ(a->next->prev, a);
+        }
+        a = a->next;
+    }
+    // The next element follows in step, with no action of its own.
+    ASSERT_NE(animated->next, nullptr);
+    EXPECT_STREQ(animated->next->name, "still");
+    EXPECT_EQ(animated->next->actions, nullptr);
+}
+
+TEST(ActionRecordsInFiles, GroupsClipsAndBodilessCodesCarryActions)
+{
+    ViewBuilder b = page();
+    b.beginGroup(2, "group");
+    b.actions({numberedAction(5)}).scissor(0, 0, 10, 10);
+    b.actions({numberedAction(22), numberedAction(23)}).bodiless(9);
+    b.actions({numberedAction(17)}).endGroup();
+    b.rect(RectSpec(), "after");
+    LoadedView loaded(b);
+    ASSERT_NE(loaded.view, nullptr);
+    const ELEMENT_STRUCT* group = loaded.view->elements;
+    ASSERT_EQ(countList(group->actions), 1);
+    EXPECT_EQ(group->actions->type, 17);
+    const ELEMENT_STRUCT* clip = group->child;
+    ASSERT_EQ(countList(clip->actions), 1);
+    expectAction(numberedAction(5), clip->actions);
+    ASSERT_EQ(countList(clip->next->actions), 2);
+    EXPECT_EQ(clip->next->actions->next->type, 23);
+    ASSERT_NE(group->next, nullptr);
+    EXPECT_STREQ(group->next->name, "after");
+}
+
+VariableSpec variable(const std::string& name, int capacity, std::vector<ParaSpec> params)
+{
+    VariableSpec v;
+    v.type = 6;
+    v.name = name;
+    v.defaultValue = "1.5";
+    v.capacity = capacity;
+    v.params = std::move(params);
+    return v;
+}
+
+TEST(DataSectionsInFiles, SourcesKeepTheirStoredCounts)
+{
+    SourceSpec few;
+    few.id = 3;
+    few.dataParams = {{7, "4711"}, {1, "big"}, {0, ""}};
+    few.varParamCount = 2;
+    few.variables = {variable("level", 64, {{2, "offset 8"}, {5, std::string(63, 'x')}}),
+                     variable("flow", 63, {{3, std::string(62, 'y')}})};
+    SourceSpec many;
+    many.id = 1234;
+    for (int i = 0; i < 12; ++i)
+        many.dataParams.push_back({i, "p" + std::to_string(i)});
+    many.varParamCount = 0;
+    many.variables = {variable("bare", 64, {})};
+    SourceSpec later;
+    later.id = 9;
+
+    ViewBuilder b = page();
+    b.dataSection({few, many}).rect(RectSpec(), "between").dataSection({later});
+    LoadedView loaded(b);
+    ASSERT_NE(loaded.view, nullptr);
+    EXPECT_EQ(countList(loaded.view->elements), 1);
+    const DD_DATA_TYPE_STRUCT* s = loaded.view->dataTypes;
+    ASSERT_EQ(countList(s), 3);
+
+    EXPECT_EQ(s->id, 3);
+    EXPECT_EQ(s->nrData, 3);
+    EXPECT_EQ(s->nrVar, 2);
+    EXPECT_EQ(s->found, 1);
+    EXPECT_EQ(s->para[0].ival, 7);
+    EXPECT_STREQ(s->para[0].sval, "4711");
+    EXPECT_STREQ(s->para[1].sval, "big");
+    // Slots beyond the stored count, up to ten, are there and empty.
+    for (int i = 3; i < 10; ++i) {
+        EXPECT_EQ(s->para[i].size, 64u) << i;
+        EXPECT_STREQ(s->para[i].sval, "") << i;
+    }
+    ASSERT_EQ(countList(s->variables), 2);
+    const VARIABLE_STRUCT* level = s->variables;
+    EXPECT_EQ(level->type, 6);
+    EXPECT_STREQ(level->name, "level");
+    EXPECT_STREQ(level->defaultValue, "1.5");
+    EXPECT_EQ(level->nrPara, 2);
+    EXPECT_EQ(level->value, nullptr);
+    // A text stored with n = 64 doesn't fit a 64-byte buffer with room to spare: it grows to 76.
+    EXPECT_EQ(level->para[0].ival, 2);
+    EXPECT_EQ(level->para[0].size, 76u);
+    EXPECT_STREQ(level->para[0].sval, "offset 8");
+    EXPECT_EQ(level->para[1].size, 76u);
+    EXPECT_EQ(std::string(level->para[1].sval), std::string(63, 'x'));
+    EXPECT_EQ(level->para[9].size, 64u);
+    const VARIABLE_STRUCT* flow = level->next;
+    EXPECT_EQ(flow->prev, level);
+    EXPECT_EQ(flow->para[0].size, 64u); // n = 63 fits as it is
+    EXPECT_EQ(std::string(flow->para[0].sval), std::string(62, 'y'));
+    EXPECT_EQ(flow->para[1].ival, 0);
+
+    s = s->next;
+    EXPECT_EQ(s->id, 1234);
+    EXPECT_EQ(s->nrData, 12);
+    EXPECT_EQ(s->nrVar, 0);
+    EXPECT_EQ(s->para[11].ival, 11);
+    EXPECT_STREQ(s->para[11].sval, "p11");
+    ASSERT_EQ(countList(s->variables), 1);
+    EXPECT_EQ(s->variables->nrPara, 0);
+    EXPECT_STREQ(s->variables->para[9].sval, "");
+
+    s = s->next;
+    EXPECT_EQ(s->id, 9);
+    EXPECT_EQ(s->nrData, 0);
+    EXPECT_EQ(s->variables, nullptr);
+}
+
+TEST(DataSectionsInFiles, VariableTextsOfAnySizeKeepTheStreamInStep)
+{
+    SourceSpec s;
+    s.varParamCount = 1;
+    s.variables = {variable("long", 300, {{1, std::string(299, 'z')}}), variable("next", 64, {{2, "ok"}})};
+    ViewBuilder b = page();
+    b.dataSection({s});
+    // A parameter with no stored text leaves its slot empty and the stream in step.
+    b.integer(20).integer(1).integer(2).integer(0).integer(1).integer(1);
+    b.integer(0).fixed("empty", 64).fixed("", 64).integer(4).integer(0);
+    b.rect(RectSpec(), "last");
+    LoadedView loaded(b);
+    ASSERT_NE(loaded.view, nullptr);
+    const VARIABLE_STRUCT* v = loaded.view->dataTypes->variables;
+    EXPECT_EQ(v->para[0].size, 312u);
+    EXPECT_EQ(std::string(v->para[0].sval), std::string(299, 'z'));
+    EXPECT_STREQ(v->next->para[0].sval, "ok");
+    const DD_DATA_TYPE_STRUCT* second = loaded.view->dataTypes->next;
+    ASSERT_NE(second, nullptr);
+    EXPECT_STREQ(second->variables->name, "empty");
+    EXPECT_EQ(second->variables->para[0].ival, 4);
+    EXPECT_STREQ(second->variables->para[0].sval, "");
+    ASSERT_NE(loaded.view->elements, nullptr);
+    EXPECT_STREQ(loaded.view->elements->name, "last");
+}
+
+// A rectangle with actions, a group, and a source with variables.
+ViewBuilder animatedPanel()
+{
+    ViewBuilder b = page();
+    ActionSpec blink = numberedAction(25);
+    b.actions({numberedAction(15), blink}).rect(RectSpec(), "lamp");
+    b.beginGroup(1, "box").rect(RectSpec(), "inner").actions({numberedAction(1)}).endGroup();
+    SourceSpec source;
+    source.id = 2;
+    source.dataParams = {{1, "a"}, {2, "b"}};
+    source.varParamCount = 1;
+    source.variables = {variable("x", 64, {{1, "one"}}), variable("y", 70, {{2, "two"}})};
+    b.dataSection({source});
+    b.rect(RectSpec(), "last");
+    return b;
+}
+
+int countActions(const ELEMENT_STRUCT* list)
+{
+    int n = 0;
+    for (const ELEMENT_STRUCT* e = list; e; e = e->next)
+        n += countList(e->actions) + countActions(e->child);
+    return n;
+}
+
+TEST(ActionAndDataRobustness, CutAtEveryOffsetKeepsWhatWasRead)
+{
+    const std::vector<uint8_t> whole = animatedPanel().bytes();
+    int previousActions = 0, previousVariables = 0;
+    for (size_t n = 9; n <= whole.size(); ++n) {
+        LoadedView loaded(std::vector<uint8_t>(whole.begin(), whole.begin() + long(n)));
+        ASSERT_NE(loaded.view, nullptr) << n;
+        int actions = countActions(loaded.view->elements);
+        int variables = loaded.view->dataTypes ? countList(loaded.view->dataTypes->variables) : 0;
+        EXPECT_GE(actions, previousActions) << n;
+        EXPECT_GE(variables, previousVariables) << n;
+        previousActions = actions;
+        previousVariables = variables;
+    }
+    EXPECT_EQ(previousActions, 3);
+    EXPECT_EQ(previousVariables, 2);
+}
+
+TEST(ActionAndDataRobustness, GarbledCopiesLoadWithoutHarm)
+{
+    const std::vector<uint8_t> whole = animatedPanel().bytes();
+    std::mt19937 random(4321);
+    for (int round = 0; round < 2000; ++round) {
+        std::vector<uint8_t> copy = whole;
+        int flips = 1 + int(random() % 8);
+        for (int i = 0; i < flips; ++i)
+            copy[38 + random() % (copy.size() - 38)] = uint8_t(random());
+        LoadedView loaded(copy);
+        ASSERT_NE(loaded.view, nullptr) << round;
+    }
+}
+
+TEST(ActionAndDataRobustness, HugeCountsInASmallFileEndSoftly)
+{
+    const int32_t huge = 2000000000;
+    SourceSpec one;
+    one.id = 5;
+
+    ViewBuilder sources = page();
+    sources.dataSection({one}).integer(20).integer(huge).integer(6).integer(0).integer(0).integer(0);
+    LoadedView a(sources);
+    ASSERT_NE(a.view, nullptr);
+    ASSERT_EQ(countList(a.view->dataTypes), 2); // the first section, then what the bytes held
+    EXPECT_EQ(a.view->dataTypes->next->id, 6);
+
+    // Counts of parameters and variables that the bytes can't hold.
+    ViewBuilder parameters = page();
+    parameters.integer(20).integer(3).integer(7).integer(0).integer(huge).integer(0);
+    parameters.integer(8).integer(0).integer(0).integer(huge).integer(0).fixed("only", 64).fixed("", 64);
+    parameters.integer(9).integer(huge).integer(0).integer(0);
+    LoadedView b(parameters);
+    ASSERT_NE(b.view, nullptr);
+    const DD_DATA_TYPE_STRUCT* noVariables = b.view->dataTypes;
+    ASSERT_EQ(countList(noVariables), 2);
+    EXPECT_EQ(noVariables->id, 7);
+    EXPECT_EQ(noVariables->nrVar, huge); // as stored: nothing was made for it
+    EXPECT_EQ(countList(noVariables->next->variables), 1);
+    EXPECT_STREQ(noVariables->next->variables->name, "only");
+
+    ViewBuilder texts = page();
+    texts.integer(20).integer(1).integer(1).integer(0).integer(1).integer(1);
+    texts.integer(0).fixed("v", 64).fixed("", 64).integer(3).integer(huge).fixed("short", 16);
+    LoadedView c(texts);
+    ASSERT_NE(c.view, nullptr);
+    ASSERT_EQ(countList(c.view->dataTypes), 1);
+    const VARIABLE_STRUCT* cut = c.view->dataTypes->variables;
+    ASSERT_NE(cut, nullptr); // what was read of it stays, and its buffer did not grow
+    EXPECT_EQ(cut->para[0].ival, 3);
+    EXPECT_EQ(cut->para[0].size, 64u);
+    EXPECT_STREQ(cut->para[0].sval, "");
+
+    ViewBuilder actions = page();
+    actions.rect(RectSpec(), "first");
+    actions.integer(1).counted("lots").counted("lots-ID");
+    for (int i = 0; i < 8 * 2 + 9; ++i)
+        actions.integer(0);
+    actions.integer(huge);
+    LoadedView d(actions);
+    ASSERT_NE(d.view, nullptr);
+    ASSERT_EQ(countList(d.view->elements), 2);
+    EXPECT_EQ(d.view->elements->next->actions, nullptr);
+
+    ActionSpec thresholds = numberedAction(12);
+    ViewBuilder entries = page();
+    entries.actions({thresholds}).rect(RectSpec());
+    std::vector<uint8_t> bytes = entries.bytes();
+    // The blink block's count stands right before its entries, which end the file.
+    size_t blinkCount = bytes.size() - 4 - 24 * thresholds.blocks[4].entries.size();
+    bytes[blinkCount] = 0x7F;
+    LoadedView e(bytes);
+    ASSERT_NE(e.view, nullptr);
+    const ACTION_STRUCT* action = e.view->elements->actions;
+    ASSERT_NE(action, nullptr);
+    EXPECT_EQ(countList(action->blinkThresholds), int(thresholds.blocks[4].entries.size()));
+    EXPECT_EQ(countList(action->colorThresholds), int(thresholds.blocks[0].entries.size()));
+}
+
+} // namespace
