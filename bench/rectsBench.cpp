@@ -4,39 +4,25 @@
 #include "Korel2D.h"
 #include "OffscreenGl.h"
 #include "ViewBuilder.h"
+#include "benchCommon.h"
 
 #include <GL/gl.h>
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
 #include <cstdio>
-#include <map>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
+using korelbench::Lcg;
+using korelbench::ViewFile;
 using korelgen::RectSpec;
 
 constexpr int kWidth = 1024, kHeight = 768;
 constexpr int kPanels = 10, kBlocksPerPanel = 10, kRectsPerBlock = 100;
 constexpr float kPage[3] = {0.1f, 0.1f, 0.15f};
-
-// A fixed generator of our own, so that every run and every standard library makes the same panel.
-class Lcg {
-public:
-    int below(int n) { return int(next() % uint32_t(n)); }
-    float unit() { return float(next() & 0xFFFF) / 65535.0f; }
-
-private:
-    uint32_t next()
-    {
-        state_ = state_ * 1664525u + 1013904223u;
-        return state_ >> 8;
-    }
-    uint32_t state_ = 20240601u;
-};
 
 // File order is drawing order. Integer corners make the library's pixels and the reference's
 // agree exactly, so the comparison below can be strict.
@@ -80,60 +66,15 @@ std::vector<uint8_t> panelView(const std::vector<RectSpec>& rects)
     return b.dataSection().bytes();
 }
 
-// The panel as a host finds it: a view file on disk, removed at the end.
+// The rectangles and the file that holds them.
 struct Panel {
     std::vector<RectSpec> rects = panelRects();
-    std::vector<uint8_t> bytes = panelView(rects);
-    std::string path;
-
-    Panel()
-    {
-        char name[] = "/tmp/korel2d-benchXXXXXX.k";
-        int fd = mkstemps(name, 2);
-        if (fd >= 0 && write(fd, bytes.data(), bytes.size()) == ssize_t(bytes.size()))
-            path = name;
-        if (fd >= 0)
-            close(fd);
-    }
-    ~Panel() { unlink(path.c_str()); }
+    ViewFile file{panelView(rects)};
 };
-
-// Reference for BM_LoadView: reading the file's bytes, the floor under any load.
-void BM_ReadFileReference(benchmark::State& state, const Panel* panel)
-{
-    std::vector<uint8_t> buffer(panel->bytes.size());
-    for (auto _ : state) {
-        FILE* file = fopen(panel->path.c_str(), "rb");
-        size_t got = file ? fread(buffer.data(), 1, buffer.size(), file) : 0;
-        if (file)
-            fclose(file);
-        if (got != buffer.size()) {
-            state.SkipWithError("cannot read the view file");
-            break;
-        }
-        benchmark::DoNotOptimize(buffer.data());
-    }
-    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(buffer.size()));
-}
-
-void BM_LoadView(benchmark::State& state, const Panel* panel)
-{
-    for (auto _ : state) {
-        VIEW_STRUCT* view = krViewLoad(panel->path.c_str());
-        if (!view) {
-            state.SkipWithError("krViewLoad failed");
-            break;
-        }
-        krViewFree(view);
-    }
-    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(panel->bytes.size()));
-    state.counters["file_bytes"] = double(panel->bytes.size());
-    state.SetLabel("reference BM_ReadFileReference");
-}
 
 void BM_DrawFrame(benchmark::State& state, const Panel* panel)
 {
-    VIEW_STRUCT* view = krViewLoad(panel->path.c_str());
+    VIEW_STRUCT* view = krViewLoad(panel->file.path.c_str());
     WINDOW_STRUCT* window = krWindowCreate();
     if (!view || krWindowInit(window, kWidth, kHeight) != 0) {
         state.SkipWithError("cannot load the view or set up the window");
@@ -215,7 +156,7 @@ std::vector<uint8_t> readFrame()
 // A ratio means something only if both sides draw the same picture: the pixels that differ.
 long differingPixels(const Panel& panel)
 {
-    VIEW_STRUCT* view = krViewLoad(panel.path.c_str());
+    VIEW_STRUCT* view = krViewLoad(panel.file.path.c_str());
     WINDOW_STRUCT* window = krWindowCreate();
     krWindowInit(window, kWidth, kHeight);
     krWindowClear(window, view);
@@ -234,20 +175,6 @@ long differingPixels(const Panel& panel)
     return differing;
 }
 
-// Keeps each benchmark's real seconds per iteration, the median where runs are repeated.
-class SummaryReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        for (const Run& run : runs)
-            if (!run.error_occurred && (run.run_type == Run::RT_Iteration || run.aggregate_name == "median"))
-                seconds[run.run_name.function_name] =
-                    run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
-        ConsoleReporter::ReportRuns(runs);
-    }
-    std::map<std::string, double> seconds;
-};
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -258,11 +185,11 @@ int main(int argc, char** argv)
     Panel panel;
     korelgen::OffscreenGl gl;
     std::string why;
-    if (panel.path.empty() || !gl.open(kWidth, kHeight, &why)) {
-        std::fprintf(stderr, "korel2d_bench_rects: %s\n", panel.path.empty() ? "cannot write the view file" : why.c_str());
+    if (panel.file.path.empty() || !gl.open(kWidth, kHeight, &why)) {
+        std::fprintf(stderr, "korel2d_bench_rects: %s\n", panel.file.path.empty() ? "cannot write the view file" : why.c_str());
         return 1;
     }
-    std::printf("%zu rectangles, %zu bytes; %s on %s\n", panel.rects.size(), panel.bytes.size(), gl.kind(),
+    std::printf("%zu rectangles, %zu bytes; %s on %s\n", panel.rects.size(), panel.file.bytes.size(), gl.kind(),
                 reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
     if (long differing = differingPixels(panel)) {
         std::fprintf(stderr, "korel2d_bench_rects: library and reference differ in %ld pixels\n", differing);
@@ -271,15 +198,17 @@ int main(int argc, char** argv)
 
     // Real time throughout: it is what a host waits, and llvmpipe draws on threads of its own
     // while this one waits in glFinish.
-    benchmark::RegisterBenchmark("BM_ReadFileReference", BM_ReadFileReference, &panel)
+    benchmark::RegisterBenchmark("BM_ReadFileReference", korelbench::readFileReference, &panel.file)
         ->Unit(benchmark::kMicrosecond)
         ->UseRealTime();
-    benchmark::RegisterBenchmark("BM_LoadView", BM_LoadView, &panel)->Unit(benchmark::kMillisecond)->UseRealTime();
+    benchmark::RegisterBenchmark("BM_LoadView", korelbench::loadView, &panel.file, "BM_ReadFileReference")
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
     benchmark::RegisterBenchmark("BM_DrawFrame", BM_DrawFrame, &panel)->Unit(benchmark::kMillisecond)->UseRealTime();
     benchmark::RegisterBenchmark("BM_ImmediateReference", BM_ImmediateReference, &panel)
         ->Unit(benchmark::kMillisecond)
         ->UseRealTime();
-    SummaryReporter reporter;
+    korelbench::SummaryReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
 
@@ -287,6 +216,6 @@ int main(int argc, char** argv)
     if (s.count("BM_DrawFrame") && s.count("BM_ImmediateReference"))
         std::printf("draw/reference ratio: %.2f\n", s["BM_DrawFrame"] / s["BM_ImmediateReference"]);
     if (s.count("BM_LoadView"))
-        std::printf("load: %.1f MB/s\n", double(panel.bytes.size()) / s["BM_LoadView"] / 1e6);
+        std::printf("load: %.1f MB/s\n", double(panel.file.bytes.size()) / s["BM_LoadView"] / 1e6);
     return 0;
 }

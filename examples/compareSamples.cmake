@@ -1,4 +1,5 @@
-# Regenerates the samples into OUTPUT and compares each byte for byte with the one in SHIPPED.
+# Regenerates the samples into OUTPUT and compares each byte for byte with the one in SHIPPED;
+# a shipped sample that the generator no longer writes fails too.
 file(REMOVE_RECURSE ${OUTPUT})
 file(MAKE_DIRECTORY ${OUTPUT})
 execute_process(COMMAND ${GENERATOR} ${OUTPUT} RESULT_VARIABLE result)
@@ -15,5 +16,12 @@ foreach(name IN LISTS fresh)
   if(different)
     message(FATAL_ERROR "examples/${name} differs from what the generator writes: "
                         "run korel2d-samples examples/ and commit the result")
+  endif()
+endforeach()
+file(GLOB shipped RELATIVE ${SHIPPED} ${SHIPPED}/*.k2d)
+foreach(name IN LISTS shipped)
+  list(FIND fresh ${name} index)
+  if(index EQUAL -1)
+    message(FATAL_ERROR "examples/${name} is not written by the generator any more: remove it")
   endif()
 endforeach()

@@ -1,15 +1,16 @@
-// Writes the sample views shipped in examples/: a small operator panel built only from kinds the
-// reader takes today (rectangles, groups, clip areas). Usage: korel2d-samples OUTPUT_DIR
+// Writes the sample views shipped in examples/: panel.k2d, a small operator panel of the kinds
+// drawn today (rectangles, groups, clip areas), and everykind.k2d, one of each element kind with
+// actions and data sources, for tools that read every record. Usage: korel2d-samples OUTPUT_DIR
 #include "ViewBuilder.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
-using korelgen::RectSpec;
-using korelgen::ViewBuilder;
+using namespace korelgen;
 
 namespace {
 
@@ -140,6 +141,188 @@ std::vector<uint8_t> panel()
     return b.bytes();
 }
 
+// A 16 x 16 picture: red grows to the right, green upwards, with a blue half on the right.
+ImageSpec gradientImage(float x0, float y0)
+{
+    const int side = 16;
+    ImageSpec s;
+    s.x0 = x0;
+    s.y0 = y0;
+    s.x1 = x0 + 64;
+    s.y1 = y0 + 64;
+    s.width = side;
+    s.height = side;
+    for (int row = 0; row < side; ++row) {
+        for (int column = 0; column < side; ++column) {
+            s.pixels.push_back(uint8_t(column * 17));
+            s.pixels.push_back(uint8_t(row * 17));
+            s.pixels.push_back(column < side / 2 ? 0 : 255);
+            s.pixels.push_back(255);
+        }
+    }
+    return s;
+}
+
+ThresholdBlockSpec thresholds(float min, float max, std::vector<ThresholdSpec> entries)
+{
+    ThresholdBlockSpec block;
+    block.min = min;
+    block.max = max;
+    block.entries = std::move(entries);
+    return block;
+}
+
+ThresholdSpec threshold(float lower, float upper, int value, Colour colour)
+{
+    ThresholdSpec t;
+    t.lower = lower;
+    t.upper = upper;
+    t.value = value;
+    t.color[0] = colour.r;
+    t.color[1] = colour.g;
+    t.color[2] = colour.b;
+    return t;
+}
+
+ActionSpec action(int id, int type, const char* var, float a0, float a1, float b0, float b1)
+{
+    ActionSpec a;
+    a.id = id;
+    a.type = type;
+    a.var = var;
+    a.a0 = a0;
+    a.a1 = a1;
+    a.b0 = b0;
+    a.b1 = b1;
+    return a;
+}
+
+// Block order of ActionSpec::blocks.
+enum Block { kColourBlock, kWidthBlock, kStyleBlock, kVisibleBlock, kBlinkBlock };
+
+// A dial three groups deep: the clipped gauge group holds the dial face, its needle and label,
+// and a hub group whose innermost group holds the hub and the pointer.
+void dial(ViewBuilder& b)
+{
+    b.beginGroup(6, "gauge", "gauge-ID");
+    CircleSpec face;
+    face.x = 560;
+    face.y = 440;
+    b.circle(face, "dial", "dial-ID");
+
+    CircleSpec sweep = face;
+    sweep.start = 0.5f;
+    sweep.end = 2.6f;
+    sweep.fillOn = 0;
+    sweep.strokeWidth = 4;
+    ActionSpec turn = action(2, 6, "speed", 0, 200, 0.5f, 2.6f);
+    turn.limit = 1;
+    turn.cg = 5;
+    b.actions({turn}).arc(sweep, "sweep", "sweep-ID");
+
+    LineSpec needle;
+    needle.x1 = 560;
+    needle.y1 = 440;
+    needle.x2 = 600;
+    needle.y2 = 470;
+    needle.strokeWidth = 3;
+    b.line(needle, "needle", "needle-ID");
+
+    TextSpec label;
+    label.x = 560;
+    label.y = 400;
+    label.text = "km/h";
+    label.fontSize = 14;
+    label.textSize = 14;
+    ActionSpec readout = action(3, 20, "speed", 0, 1, 0, 1);
+    readout.format = "%5.1f km/h";
+    b.actions({readout}).text(label, "label", "label-ID");
+
+    b.beginGroup(1, "hub", "hub-ID");
+    b.beginGroup(2, "core", "core-ID");
+    b.rect(filled(552, 432, 568, 448, kDark), "cap", "cap-ID");
+    PolySpec pointer;
+    pointer.closed = 1;
+    pointer.fillOn = 1;
+    pointer.points = {{0, 556, 448}, {1, 564, 448}, {2, 560, 470}};
+    b.cpoly(pointer, "pointer", "pointer-ID");
+    b.endGroup();
+    b.endGroup();
+
+    b.scissor(500, 380, 620, 500, "dial window");
+    b.endGroup();
+}
+
+std::vector<uint8_t> everyKind()
+{
+    ViewBuilder b;
+    b.page(0, 0, 640, 520, kPage.r, kPage.g, kPage.b);
+
+    ActionSpec alarm = action(1, 1, "alarm", 0, 2, 0, 2);
+    alarm.blocks[kColourBlock] = thresholds(0, 2, {threshold(0, 1, 0, kGreen), threshold(1, 2, 1, kRed)});
+    alarm.blocks[kBlinkBlock] = thresholds(0, 2, {threshold(1, 2, 3, kRed)});
+    b.actions({alarm}).rect(framed(16, 16, 624, 504, kPanel, kFrame, 2), "backdrop", "backdrop-ID");
+
+    GraphSpec trend;
+    trend.x = 40;
+    trend.y = 300;
+    trend.width = 380;
+    trend.height = 180;
+    trend.ymin = 0;
+    trend.ymax = 200;
+    ActionSpec trace = action(4, 3, "speed", 0, 200, 0, 200);
+    trace.var2 = "clock";
+    b.actions({trace}).graph(trend, "trend", "trend-ID");
+
+    dial(b);
+
+    PolySpec history;
+    history.points = {{0, 40, 200}, {1, 120, 260}, {2, 200, 220}, {3, 280, 270}};
+    b.polyline(history, "history", "history-ID");
+
+    b.image(gradientImage(460, 220), "logo", "logo-ID");
+
+    ButtonSpec start;
+    start.x0 = 40;
+    start.y0 = 40;
+    start.x1 = 160;
+    start.y1 = 80;
+    start.state = 1;
+    b.actions({action(5, 12, "running", 0, 1, 0, 1)}).button(start, "start", "start-ID");
+
+    SliderSpec level;
+    level.x = 300;
+    level.y = 120;
+    level.width = 20;
+    level.height = 160;
+    b.slider(level, "level", "level-ID");
+
+    PolySpec warning;
+    warning.closed = 1;
+    warning.fillOn = 1;
+    warning.fill[0] = kAmber.r;
+    warning.fill[1] = kAmber.g;
+    warning.fill[2] = kAmber.b;
+    warning.fillStyle = 23;
+    warning.points = {{0, 380, 60}, {1, 440, 160}, {2, 500, 60}};
+    ActionSpec show = action(6, 9, "alarm", 0, 2, 0, 2);
+    show.blocks[kVisibleBlock] = thresholds(0, 2, {threshold(0, 1, 0, kLampOff), threshold(1, 2, 1, kAmber)});
+    show.blocks[kWidthBlock] = thresholds(0, 2, {threshold(1, 2, 5, kRed)});
+    b.actions({show}).cpoly(warning, "warning", "warning-ID");
+
+    SourceSpec link;
+    link.id = 1;
+    link.dataParams = {{502, "localhost"}, {1, "udp"}, {0, "250 ms"}};
+    SourceSpec values;
+    values.id = 2;
+    values.varParamCount = 2;
+    values.variables = {{0, "speed", "0", {{3, "sensor A"}, {1, "km/h"}}},
+                        {6, "alarm", "0", {{4, "sensor B"}}},
+                        {10, "running", "no", {}}};
+    b.dataSection({link, values});
+    return b.bytes();
+}
+
 bool writeFile(const std::string& path, const std::vector<uint8_t>& bytes)
 {
     FILE* file = std::fopen(path.c_str(), "wb");
@@ -163,9 +346,15 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: korel2d-samples OUTPUT_DIR\n");
         return 2;
     }
-    std::string path = std::string(argv[1]) + "/panel.k2d";
-    if (!writeFile(path, panel()))
-        return 1;
-    std::printf("wrote %s\n", path.c_str());
+    const struct {
+        const char* name;
+        std::vector<uint8_t> bytes;
+    } samples[] = {{"panel.k2d", panel()}, {"everykind.k2d", everyKind()}};
+    for (const auto& sample : samples) {
+        std::string path = std::string(argv[1]) + "/" + sample.name;
+        if (!writeFile(path, sample.bytes))
+            return 1;
+        std::printf("wrote %s\n", path.c_str());
+    }
     return 0;
 }

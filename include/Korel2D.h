@@ -555,6 +555,8 @@ int drawRect(RECT_STRUCT* record, ELEMENT_ATTR* attr, int selected);
 
 int groupSetAttr(ELEMENT_STRUCT* element);
 int groupSetPickSticky(ELEMENT_STRUCT* element);
+/* Hands the edit to every child with the group's own handle list, then re-derives the group. Always 0. */
+int editGroup(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
 int drawGroup(ELEMENT_STRUCT* element, ELEMENT_ATTR* attr);
 
 int scissorSetPickSticky(ELEMENT_STRUCT* element);

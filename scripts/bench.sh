@@ -1,23 +1,29 @@
 #!/bin/sh
 # Builds the benchmarks (Release, build-bench/), runs them and prints the Markdown table of the
 # README's performance section: medians of five repetitions, each beside its reference.
-# Arguments go to the benchmark, e.g. --benchmark_filter=Draw. Without DISPLAY the run goes
-# under Xvfb (GLX, the reference setup); KOREL2D_BENCH_EGL=1 takes Mesa's surfaceless EGL instead.
+# Arguments go to every benchmark program, e.g. --benchmark_filter=Draw. Without DISPLAY the runs
+# go under Xvfb (GLX, the reference setup); KOREL2D_BENCH_EGL=1 takes Mesa's surfaceless EGL instead.
 set -e
 root=$(cd "$(dirname "$0")/.." && pwd)
 build="$root/build-bench"
-json="$build/rects.json"
+programs="rects mixed"
 
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DKOREL2D_TESTS=OFF -DKOREL2D_TOOLS=OFF >/dev/null
-cmake --build "$build" --target korel2d_bench_rects -j"$(nproc)" >/dev/null
+for p in $programs; do
+  cmake --build "$build" --target "korel2d_bench_$p" -j"$(nproc)" >/dev/null
+done
 
-set -- "$build/bench/korel2d_bench_rects" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
-  --benchmark_out="$json" --benchmark_out_format=json "$@"
-if [ -z "$DISPLAY" ] && [ -z "$KOREL2D_BENCH_EGL" ]; then
-  xvfb-run -a -s "-screen 0 1280x1024x24" "$@"
-else
-  "$@"
-fi
+under_display() {
+  if [ -z "$DISPLAY" ] && [ -z "$KOREL2D_BENCH_EGL" ]; then
+    xvfb-run -a -s "-screen 0 1280x1024x24" "$@"
+  else
+    "$@"
+  fi
+}
+for p in $programs; do
+  under_display "$build/bench/korel2d_bench_$p" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
+    --benchmark_out="$build/$p.json" --benchmark_out_format=json "$@"
+done
 
 # One row per benchmark: its median (or its only run), its rate, and its time over that of the
 # benchmark its label names as reference.
@@ -51,4 +57,4 @@ END {
     ratio = ref[r] in ms ? sprintf("%.2f", t / ms[ref[r]]) : "-"
     printf "| `%s` | %s | %s | %s | %s |\n", r, time, rate[r], ref[r] != "" ? "`" ref[r] "`" : "-", ratio
   }
-}' "$json"
+}' $(for p in $programs; do echo "$build/$p.json"; done)

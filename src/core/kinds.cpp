@@ -28,7 +28,7 @@ const KindInfo kinds[15] = {
     /* 5 */ {"LINE", createDefault<LINE_STRUCT, createLine>, nullptr, lineSetPickSticky, nullptr, nullptr},
     /* 6 */ {"ARC", createDefault<CIRCLE_STRUCT, createArc>, nullptr, circleSetPickSticky, nullptr, nullptr},
     /* 7 */ {"TEXTURE", createImageDefault, imageFreeData, imageSetPickSticky, nullptr, nullptr},
-    /* 8 */ {"GROUP", nullptr, nullptr, groupSetPickSticky, nullptr, nullptr},
+    /* 8 */ {"GROUP", nullptr, nullptr, groupSetPickSticky, editGroup, nullptr},
     /* 9 */ {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     /* 10 */ {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     /* 11 */ {"BUTTON", createDefault<BUTTON_STRUCT, createButton>, nullptr, buttonSetPickSticky, nullptr, nullptr},

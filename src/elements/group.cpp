@@ -41,6 +41,17 @@ int groupSetPickSticky(ELEMENT_STRUCT* element)
     return groupSetAttr(element);
 }
 
+// The group's handles go down unchanged, so that every child, nested groups included,
+// scales about the group's anchor rather than its own; the box then follows the children.
+int editGroup(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    for (ELEMENT_STRUCT* c = element->child; c; c = c->next)
+        if (c->edit)
+            c->edit(c, stickies, code, phase, value);
+    groupSetPickSticky(element);
+    return 0;
+}
+
 int drawGroup(ELEMENT_STRUCT* element, ELEMENT_ATTR* attr)
 {
     if (!element->selected || attr->live)

@@ -1,6 +1,7 @@
 // The geometry every kind derives after loading: box, centre, size, local coordinates and
 // how it is picked; the look seeded from the record; and groups built from all of them.
 #include "Korel2D.h"
+#include "LoadedView.h"
 #include "ViewBuilder.h"
 #include "glyph/GlyphKit.h"
 
@@ -11,16 +12,10 @@
 #include <string>
 #include <vector>
 
+using namespace k2dtest;
 using namespace korelgen;
 
 namespace {
-
-struct LoadedView {
-    VIEW_STRUCT* view;
-    explicit LoadedView(const ViewBuilder& b) : view(krViewLoadData(b.bytes().data(), b.size())) {}
-    ~LoadedView() { krViewFree(view); }
-    ELEMENT_STRUCT* first() const { return view ? view->elements : nullptr; }
-};
 
 struct Box {
     float xmin, ymin, xmax, ymax;

@@ -2,6 +2,7 @@
 // threshold blocks, and data-source sections with variables and parameters.
 #include "GlContext.h"
 #include "Korel2D.h"
+#include "LoadedView.h"
 #include "KorelDataSource.h"
 #include "ViewBuilder.h"
 
@@ -15,26 +16,11 @@ using namespace korelgen;
 
 namespace {
 
-struct LoadedView {
-    VIEW_STRUCT* view;
-    explicit LoadedView(const std::vector<uint8_t>& bytes) : view(krViewLoadData(bytes.data(), bytes.size())) {}
-    explicit LoadedView(const ViewBuilder& b) : LoadedView(b.bytes()) {}
-    ~LoadedView() { krViewFree(view); }
-};
-
 ViewBuilder page()
 {
     ViewBuilder b;
     b.page(0, 0, 400, 300, 0, 0, 0);
     return b;
-}
-
-template <class Record> int countList(const Record* head)
-{
-    int n = 0;
-    for (; head; head = head->next)
-        ++n;
-    return n;
 }
 
 // Every stored field differs from its default and from the same field of the other actions.
@@ -333,14 +319,6 @@ ViewBuilder animatedPanel()
     b.dataSection({source});
     b.rect(RectSpec(), "last");
     return b;
-}
-
-int countActions(const ELEMENT_STRUCT* list)
-{
-    int n = 0;
-    for (const ELEMENT_STRUCT* e = list; e; e = e->next)
-        n += countList(e->actions) + countActions(e->child);
-    return n;
 }
 
 TEST(ActionAndDataRobustness, CutAtEveryOffsetKeepsWhatWasRead)

@@ -2,6 +2,7 @@
 // made or replaced as the reader decides, pictures reach the picture store, and files cut
 // short or garbled inside any body load without harm.
 #include "Korel2D.h"
+#include "LoadedView.h"
 #include "ViewBuilder.h"
 #include "glyph/GlyphKit.h"
 
@@ -13,25 +14,10 @@
 #include <string>
 #include <vector>
 
+using namespace k2dtest;
 using namespace korelgen;
 
 namespace {
-
-struct LoadedView {
-    VIEW_STRUCT* view;
-    explicit LoadedView(const std::vector<uint8_t>& bytes) : view(krViewLoadData(bytes.data(), bytes.size())) {}
-    explicit LoadedView(const ViewBuilder& b) : LoadedView(b.bytes()) {}
-    ~LoadedView() { krViewFree(view); }
-    ELEMENT_STRUCT* first() const { return view ? view->elements : nullptr; }
-};
-
-int countElements(const ELEMENT_STRUCT* list)
-{
-    int n = 0;
-    for (const ELEMENT_STRUCT* e = list; e; e = e->next)
-        n += 1 + (e->type == KR_GROUP ? countElements(e->child) : 0);
-    return n;
-}
 
 void expectColor(const float actual[4], float r, float g, float b, float a, const char* what)
 {

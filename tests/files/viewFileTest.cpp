@@ -2,6 +2,7 @@
 // are cut short or garbled.
 #include "GlContext.h"
 #include "Korel2D.h"
+#include "LoadedView.h"
 #include "ViewBuilder.h"
 
 #include <gtest/gtest.h>
@@ -26,21 +27,6 @@ std::string takeLog()
     char text[16384];
     getLogMsg(text, sizeof text);
     return text;
-}
-
-struct LoadedView {
-    VIEW_STRUCT* view;
-    explicit LoadedView(const ViewBuilder& b) : view(krViewLoadData(b.bytes().data(), b.size())) {}
-    explicit LoadedView(const std::vector<uint8_t>& bytes) : view(krViewLoadData(bytes.data(), bytes.size())) {}
-    ~LoadedView() { krViewFree(view); }
-};
-
-int countElements(const ELEMENT_STRUCT* list)
-{
-    int n = 0;
-    for (const ELEMENT_STRUCT* e = list; e; e = e->next)
-        n += 1 + (e->type == KR_GROUP ? countElements(e->child) : 0);
-    return n;
 }
 
 RectSpec square(float x, float y, float size)

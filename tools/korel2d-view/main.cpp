@@ -1,7 +1,8 @@
 // korel2d-view: shows a view file in a GLX window, or renders it off-screen into a PNG file
-// when asked to or when no X display answers.
+// when asked to or when no X display answers, or lists its records as text.
 #include "Korel2D.h"
 #include "OffscreenGl.h"
+#include "dumpView.h"
 #include "pngWrite.h"
 
 #include <GL/gl.h>
@@ -23,12 +24,14 @@
 
 namespace {
 
-const char* const kUsage = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z]\n"
+const char* const kUsage = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z] [--dump]\n"
                            "  --png OUT    render off-screen into the PNG file OUT instead of a window\n"
                            "  --frames N   draw N frames, then quit (default: until the window is closed;\n"
                            "               one frame off-screen)\n"
                            "  --size WxH   picture size in pixels (default: the page size times the zoom)\n"
                            "  --zoom Z     pixels per view unit (default 1)\n"
+                           "  --dump       print the view's elements, actions and data sources as text\n"
+                           "               and quit; nothing is drawn\n"
                            "Without a display the picture goes to korel2d-view.png.\n";
 
 constexpr int kMinSide = 64;
@@ -41,6 +44,7 @@ struct Options {
     int width = 0;   // 0: from the page
     int height = 0;
     float zoom = 1;
+    bool dump = false;
     bool help = false;
 };
 
@@ -84,6 +88,10 @@ bool parseArguments(int argc, char** argv, Options* o)
             o->help = true;
             return true;
         }
+        if (arg == "--dump") {
+            o->dump = true;
+            continue;
+        }
         if (arg.size() > 1 && arg[0] == '-') {
             if (i + 1 >= argc)
                 return false;
@@ -124,9 +132,18 @@ void reportLoadFailure(const std::string& file, const char* reason)
         std::fprintf(stderr, "library log:\n%s", log);
 }
 
-// The picture size follows the page unless --size gave one. The page is read on its own, before
-// any GL context exists: the full load must wait for the context, since image records make
-// their textures while loading.
+// Reads only the page fields. Unlike the full load it tells why a file fails: missing,
+// unreadable, or not a view file.
+bool readPage(const std::string& file, VIEW_STRUCT* page)
+{
+    int result = loadConfigFile(file.c_str(), page);
+    if (result != 0)
+        reportLoadFailure(file, result < -1 ? std::strerror(-result) : "not a view file");
+    return result == 0;
+}
+
+// The picture size follows the page unless --size gave one. Only the page is read here: the
+// size is needed before the GL context that the full load then runs in.
 bool pictureSize(const Options& o, int* width, int* height)
 {
     if (o.width > 0) {
@@ -135,11 +152,8 @@ bool pictureSize(const Options& o, int* width, int* height)
         return true;
     }
     VIEW_STRUCT page = {};
-    int result = loadConfigFile(o.file.c_str(), &page);
-    if (result != 0) {
-        reportLoadFailure(o.file, result < -1 ? std::strerror(-result) : "not a view file");
+    if (!readPage(o.file, &page))
         return false;
-    }
     auto side = [&](float units) {
         float pixels = units * o.zoom;
         // Compared before the conversion, which also turns a NaN from a damaged page into the minimum.
@@ -162,6 +176,20 @@ void drawFrame(WINDOW_STRUCT* window, VIEW_STRUCT* view, float zoom)
 {
     krWindowClear(window, view);
     krViewDraw(window, view, 0, 0, zoom);
+}
+
+// No GL context is made: the library keeps the pictures of image records in its own store.
+// The page is read first only for its clearer report of a file that fails.
+int dumpToStdout(const Options& o)
+{
+    VIEW_STRUCT page = {};
+    if (!readPage(o.file, &page))
+        return 1;
+    ViewPtr view = loadView(o.file);
+    if (!view)
+        return 1;
+    dumpView(view.get(), stdout);
+    return 0;
 }
 
 // ---------------------------------------------------------------- live window
@@ -364,6 +392,8 @@ int main(int argc, char** argv)
         std::fputs(kUsage, stdout);
         return 0;
     }
+    if (o.dump)
+        return dumpToStdout(o);
     int width = 0, height = 0;
     if (!pictureSize(o, &width, &height))
         return 1;

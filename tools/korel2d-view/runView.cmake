@@ -1,6 +1,7 @@
 # Runs korel2d-view (VIEW) in a fresh directory WORK with ARGS, the arguments separated by '|', and
-# checks its exit status against EXPECT and its output against the regular expression MATCH. With
-# PICTURE, the checker (CHECK) then inspects that PNG as a picture of the sample panel at ZOOM.
+# checks its exit status against EXPECT and its output against each of the MATCH_COUNT regular
+# expressions MATCH0, MATCH1, ... With PICTURE, the checker (CHECK) then inspects that PNG as a
+# picture of the sample panel at ZOOM.
 # NO_DISPLAY hides any X server from the tool.
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
@@ -14,8 +15,13 @@ message("${output}")
 if(NOT status STREQUAL EXPECT)
   message(FATAL_ERROR "exit status ${status}, expected ${EXPECT}")
 endif()
-if(MATCH AND NOT output MATCHES "${MATCH}")
-  message(FATAL_ERROR "the output does not say '${MATCH}'")
+if(MATCH_COUNT GREATER 0)
+  math(EXPR last "${MATCH_COUNT} - 1")
+  foreach(index RANGE ${last})
+    if(NOT output MATCHES "${MATCH${index}}")
+      message(FATAL_ERROR "the output does not say '${MATCH${index}}'")
+    endif()
+  endforeach()
 endif()
 if(PICTURE)
   if(NOT ZOOM)

@@ -1,0 +1,95 @@
+// An edit of a group reaches its children, nested groups included, with the group's own
+// handles and arguments, and leaves the group's box fitted to what the children became.
+#include "Korel2D.h"
+#include "ViewBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace korelgen;
+
+namespace {
+
+struct EditCall {
+    std::string element;
+    STICKY_STRUCT* stickies;
+    int code, phase;
+    void* value;
+};
+
+std::vector<EditCall> editCalls;
+
+// Stands in for a rectangle's edit: records what arrived and moves the rectangle right by
+// the float the value points at, re-deriving its geometry as a real edit does.
+int recordingEdit(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    editCalls.push_back({element->name, stickies, code, phase, value});
+    RECT_STRUCT* r = static_cast<RECT_STRUCT*>(element->data);
+    for (float& x : r->cornerX)
+        x += *static_cast<float*>(value);
+    rectSetPickSticky(element);
+    return 0;
+}
+
+RectSpec square(float x, float y)
+{
+    RectSpec s;
+    s.x0 = x, s.y0 = y, s.x1 = x + 10, s.y1 = y + 10;
+    return s;
+}
+
+TEST(GroupEdit, ChildrenGetTheGroupsArgumentsInOrderAndTheBoxFollows)
+{
+    ViewBuilder b;
+    b.page(0, 0, 400, 300, 0, 0, 0);
+    b.beginGroup(3, "outer").rect(square(0, 0), "first");
+    b.beginGroup(2, "inner").rect(square(20, 50), "second").rect(square(40, 0), "third").endGroup();
+    b.rect(square(60, 20), "fixed").endGroup();
+    VIEW_STRUCT* view = krViewLoadData(b.bytes().data(), b.size());
+    ASSERT_NE(view, nullptr);
+    ELEMENT_STRUCT* outer = view->elements;
+    ASSERT_NE(outer, nullptr);
+    ASSERT_EQ(outer->edit, editGroup); // every loaded group edits this way
+    ELEMENT_STRUCT* inner = outer->child->next;
+    ASSERT_EQ(inner->edit, editGroup);
+    outer->child->edit = recordingEdit;
+    inner->child->edit = recordingEdit;
+    inner->child->next->edit = recordingEdit;
+    // "fixed" has no edit of its own and is passed over.
+    ASSERT_EQ(inner->next->edit, nullptr);
+
+    int handles = 0; // the list is only handed on, never looked into
+    STICKY_STRUCT* groupHandles = reinterpret_cast<STICKY_STRUCT*>(&handles);
+    float shift = 100;
+    editCalls.clear();
+    EXPECT_EQ(outer->edit(outer, groupHandles, 5, 2, &shift), 0);
+
+    ASSERT_EQ(editCalls.size(), 3u);
+    const char* order[] = {"first", "second", "third"};
+    for (size_t i = 0; i < editCalls.size(); ++i) {
+        SCOPED_TRACE(order[i]);
+        EXPECT_EQ(editCalls[i].element, order[i]);
+        EXPECT_EQ(editCalls[i].stickies, groupHandles);
+        EXPECT_EQ(editCalls[i].code, 5);
+        EXPECT_EQ(editCalls[i].phase, 2);
+        EXPECT_EQ(editCalls[i].value, &shift);
+    }
+
+    // Both boxes take in the moved squares; the unmoved one still bounds the outer box below.
+    EXPECT_FLOAT_EQ(inner->bounds[0], 120);
+    EXPECT_FLOAT_EQ(inner->bounds[2], 150);
+    EXPECT_FLOAT_EQ(outer->bounds[0], 60);
+    EXPECT_FLOAT_EQ(outer->bounds[1], 0);
+    EXPECT_FLOAT_EQ(outer->bounds[2], 150);
+    EXPECT_FLOAT_EQ(outer->bounds[3], 60);
+    EXPECT_FLOAT_EQ(outer->x, 105);
+    EXPECT_FLOAT_EQ(outer->y, 30);
+    // Children stay relative to their group's new centre.
+    EXPECT_FLOAT_EQ(inner->x, 135 - 105);
+    EXPECT_FLOAT_EQ(inner->child->x, 125 - 135);
+    krViewFree(view);
+}
+
+} // namespace

@@ -1,0 +1,240 @@
+// Files damaged on disk or by a careless writer: a view with every kind, actions with
+// thresholds and two data sources, cut short at every byte and garbled in thousands of ways,
+// must load and free without harm, and without claiming memory out of proportion to its size.
+#include "Korel2D.h"
+#include "KorelDataSource.h"
+#include "LoadedView.h"
+#include "ViewBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace k2dtest;
+using namespace korelgen;
+
+namespace {
+
+constexpr size_t kHeaderSize = 38; // magic text and revision
+
+// An action of `type` with `entries` thresholds in threshold block `block`.
+ActionSpec banded(int type, int block, int entries = 3)
+{
+    ActionSpec a;
+    a.type = type;
+    a.var = "level";
+    a.blocks[block].max = float(entries * 10);
+    for (int i = 0; i < entries; ++i) {
+        ThresholdSpec t;
+        t.lower = float(i * 10), t.upper = float(i * 10 + 10);
+        t.value = 0; // no small integers outside the counts: see countAndSizeOffsets
+        t.color[1] = 0.25f * float(i % 4);
+        a.blocks[block].entries.push_back(t);
+    }
+    return a;
+}
+
+SourceSpec source(int id, int variables, int capacity)
+{
+    SourceSpec s;
+    s.id = id;
+    s.dataParams = {{0, "host"}, {0, "port"}};
+    s.varParamCount = 2;
+    for (int i = 0; i < variables; ++i) {
+        VariableSpec v;
+        v.name = "v" + std::to_string(i);
+        v.params = {{0, "offset"}, {0, "scale"}};
+        v.capacity = capacity;
+        s.variables.push_back(v);
+    }
+    return s;
+}
+
+// Sixteen elements of every kind, nested two deep. Text and graph build a font each on
+// loading, which costs about a millisecond: they come last so that most cuts don't pay for
+// them, and `withFonts` false leaves them out.
+constexpr int kEveryKindElements = 16, kEveryKindActions = 8;
+
+std::vector<uint8_t> everyKindPanel(bool withFonts = true)
+{
+    ViewBuilder b;
+    b.page(0, 0, 400, 300, 0, 0, 0);
+    b.actions({banded(1, 0), banded(13, 0)}).rect(RectSpec(), "lamp");
+    b.beginGroup(10, "gauges");
+    b.actions({banded(14, 1)}).polyline(PolySpec());
+    PolySpec closed;
+    closed.fillOn = 1;
+    b.actions({banded(15, 2)}).cpoly(closed);
+    b.actions({banded(17, 3)}).circle(CircleSpec());
+    b.actions({banded(12, 4)}).arc(CircleSpec());
+    b.line(LineSpec());
+    ImageSpec picture;
+    picture.width = picture.height = 2;
+    picture.pixels.assign(16, 0x80);
+    b.image(picture).button(ButtonSpec()).slider(SliderSpec()).scissor(0, 0, 200, 100);
+    b.beginGroup(1, "inner").rect(RectSpec(), "deep").actions({banded(2, 0)}).endGroup();
+    b.actions({banded(13, 0)}).endGroup();
+    b.dataSection({source(1, 2, 64), source(2, 1, 80)});
+    b.rect(RectSpec(), "last");
+    if (withFonts)
+        b.text(TextSpec()).graph(GraphSpec());
+    return b.bytes();
+}
+
+TEST(DamagedFiles, EveryKindCutAtEveryOffsetKeepsWhatWasRead)
+{
+    const std::vector<uint8_t> whole = everyKindPanel();
+    int elements = 0, actions = 0, sources = 0;
+    for (size_t n = 0; n <= whole.size(); ++n) {
+        LoadedView loaded(std::vector<uint8_t>(whole.begin(), whole.begin() + long(n)));
+        if (n < kHeaderSize)
+            continue; // no header, nothing to keep; loading and freeing must still be harmless
+        ASSERT_NE(loaded.view, nullptr) << n;
+        // A longer file never holds less.
+        const int nowElements = countElements(loaded.first());
+        const int nowActions = countActions(loaded.first());
+        const int nowSources = countList(loaded.view->dataTypes);
+        EXPECT_GE(nowElements, elements) << n;
+        EXPECT_GE(nowActions, actions) << n;
+        EXPECT_GE(nowSources, sources) << n;
+        elements = nowElements, actions = nowActions, sources = nowSources;
+    }
+    EXPECT_EQ(elements, kEveryKindElements);
+    EXPECT_EQ(actions, kEveryKindActions);
+    EXPECT_EQ(sources, 2);
+}
+
+// Integers a reader must not trust: counts and sizes far beyond any file, and below zero.
+const int32_t kHostileIntegers[] = {INT32_MAX, INT32_MIN, -1, -100000, 0x40000000, 2000000000, 0x10000};
+
+void writeInteger(std::vector<uint8_t>& bytes, size_t at, int32_t value)
+{
+    for (int i = 0; i < 4 && at + size_t(i) < bytes.size(); ++i)
+        bytes[at + size_t(i)] = uint8_t(uint32_t(value) >> (24 - 8 * i));
+}
+
+// One of three kinds of damage, in turn: bits flipped in a few bytes, an integer overwritten
+// with a hostile value, or the file cut at a random length after a flip.
+std::vector<uint8_t> garbled(const std::vector<uint8_t>& whole, int round, std::mt19937& random)
+{
+    std::vector<uint8_t> copy = whole;
+    auto somewhere = [&] { return kHeaderSize + random() % (copy.size() - kHeaderSize); };
+    switch (round % 3) {
+    case 0:
+        for (int flips = 1 + int(random() % 8); flips > 0; --flips)
+            copy[somewhere()] ^= uint8_t(1 + random() % 255);
+        break;
+    case 1:
+        writeInteger(copy, somewhere(), kHostileIntegers[random() % std::size(kHostileIntegers)]);
+        break;
+    default:
+        copy[somewhere()] ^= uint8_t(1 + random() % 255);
+        copy.resize(somewhere());
+        break;
+    }
+    return copy;
+}
+
+// One copy in eight keeps text and graph: their bodies meet the damage too, and the fonts
+// they build don't take over the run time.
+TEST(DamagedFiles, TenThousandGarbledCopiesLoadAndFree)
+{
+    const std::vector<uint8_t> withFonts = everyKindPanel(), withoutFonts = everyKindPanel(false);
+    std::mt19937 random(97);
+    for (int round = 0; round < 10000; ++round) {
+        LoadedView loaded(garbled(round % 8 == 0 ? withFonts : withoutFonts, round, random));
+        ASSERT_NE(loaded.view, nullptr) << round;
+    }
+}
+
+// Nearly a megabyte, mostly bulk a reader sizes from stored counts: a 352 x 352 picture, long
+// polygons, actions with hundreds of thresholds, sources with many wide variables. Names of 3
+// and ids of 7 characters keep every field on the 4-byte grid that starts after the header.
+std::vector<uint8_t> largePanel()
+{
+    ViewBuilder b;
+    b.page(0, 0, 1024, 768, 0, 0, 0);
+    ImageSpec picture;
+    picture.width = picture.height = 352;
+    picture.pixels.assign(352 * 352 * 4, 0x80);
+    std::vector<ActionSpec> many;
+    for (int block = 0; block < 5; ++block)
+        many.push_back(banded(13, block, 300));
+    b.beginGroup(4, "big", "big-id0");
+    b.actions(many).image(picture, "pic", "pic-id0");
+    PolySpec longLine;
+    longLine.points.assign(15000, {0, 1.5f, 2.5f});
+    b.polyline(longLine, "pln", "pln-id0");
+    longLine.points.resize(8000);
+    b.actions(many).cpoly(longLine, "cpl", "cpl-id0");
+    b.beginGroup(1, "sub", "sub-id0").rect(RectSpec(), "box", "box-id0").endGroup();
+    b.endGroup();
+    b.dataSection({source(1, 60, 256), source(2, 10, 1024)});
+    return b.bytes();
+}
+
+// Fields that hold a small positive integer, as counts and sizes do; the panel keeps ids and
+// threshold values at zero so that these are nearly all counts and sizes.
+std::vector<size_t> countAndSizeOffsets(const std::vector<uint8_t>& bytes)
+{
+    std::vector<size_t> offsets;
+    for (size_t at = kHeaderSize; at + 4 <= bytes.size(); at += 4) {
+        const uint32_t v = uint32_t(bytes[at]) << 24 | uint32_t(bytes[at + 1]) << 16 | uint32_t(bytes[at + 2]) << 8 |
+                           bytes[at + 3];
+        if (v >= 1 && v < (1u << 20))
+            offsets.push_back(at);
+    }
+    return offsets;
+}
+
+long statusKilobytes(const char* field)
+{
+    std::ifstream status("/proc/self/status");
+    const std::string key = std::string(field) + ":";
+    for (std::string line; std::getline(status, line);)
+        if (line.compare(0, key.size(), key) == 0)
+            return std::strtol(line.c_str() + key.size(), nullptr, 10);
+    return -1;
+}
+
+// Starts the process's peak resident size afresh from its present size, where the kernel allows.
+bool resetPeakResidentSize()
+{
+    std::ofstream clearRefs("/proc/self/clear_refs");
+    clearRefs << "5";
+    clearRefs.flush();
+    return bool(clearRefs);
+}
+
+TEST(DamagedFiles, HostileCountsInALargeFileClaimLittleMemory)
+{
+    const std::vector<uint8_t> whole = largePanel();
+    ASSERT_GT(whole.size(), 800u * 1024);
+    ASSERT_LT(whole.size(), 1024u * 1024);
+    ASSERT_GT(statusKilobytes("VmHWM"), 0) << "no peak resident size to watch";
+    const std::vector<size_t> offsets = countAndSizeOffsets(whole);
+    ASSERT_GT(offsets.size(), 20u);
+
+    long worstGrowth = 0;
+    for (size_t i = 0; i < offsets.size(); ++i) {
+        std::vector<uint8_t> copy = whole;
+        writeInteger(copy, offsets[i], kHostileIntegers[i % std::size(kHostileIntegers)]);
+        // Without a reset the growth is that of the peak so far: a bound that only errs on the lenient side.
+        const long before = resetPeakResidentSize() ? statusKilobytes("VmRSS") : statusKilobytes("VmHWM");
+        {
+            LoadedView loaded(copy);
+            ASSERT_NE(loaded.view, nullptr) << offsets[i];
+        }
+        worstGrowth = std::max(worstGrowth, statusKilobytes("VmHWM") - before);
+    }
+    EXPECT_LT(worstGrowth, 100 * 1024) << "kB of peak resident size for a file of " << whole.size() << " bytes";
+}
+
+} // namespace
