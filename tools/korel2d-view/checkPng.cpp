@@ -1,6 +1,8 @@
 // Checks that a PNG file shows the shipped sample panel (examples/panel.k2d) drawn at a zoom.
 // Usage: korel2d-view-check PICTURE.png [ZOOM]; exit status 0 when every check holds.
 // Positions below are view units (y upwards), as the sample's generator lays them out.
+#include "panelPalette.h"
+
 #include <png.h>
 
 #include <cmath>
@@ -10,24 +12,10 @@
 #include <string>
 #include <vector>
 
+using namespace samplepanel;
+
 namespace {
 
-struct Colour {
-    float r, g, b;
-};
-
-constexpr Colour kPage{0.70f, 0.74f, 0.78f};
-constexpr Colour kPanel{0.14f, 0.16f, 0.19f};
-constexpr Colour kFrame{0.86f, 0.88f, 0.90f};
-constexpr Colour kHeader{0.20f, 0.36f, 0.58f};
-constexpr Colour kDark{0.06f, 0.07f, 0.08f};
-constexpr Colour kGreen{0.10f, 0.85f, 0.25f};
-constexpr Colour kAmber{1.00f, 0.70f, 0.05f};
-constexpr Colour kRed{0.90f, 0.12f, 0.10f};
-constexpr Colour kLampOff{0.25f, 0.27f, 0.30f};
-constexpr Colour kCyan{0.15f, 0.70f, 0.90f};
-constexpr Colour kTeal{0.05f, 0.30f, 0.35f};
-constexpr Colour kYellow{0.95f, 0.80f, 0.10f};
 
 struct Box {
     float x0, y0, x1, y1;
