@@ -17,9 +17,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <tuple>
 #include <strings.h>
 #include <unordered_map>
 #include <vector>
@@ -63,7 +65,10 @@ struct State {
     std::vector<std::string> paths;
     std::vector<FaceFile> files;  // from the search paths, in path order
     std::mutex lock;              // guards the handle table: fonts may be freed from the draw thread
-    std::unordered_map<GK_FONT, std::unique_ptr<Font>> fonts;
+    std::unordered_map<GK_FONT, std::shared_ptr<Font>> fonts;
+    // Fonts already made, by the request that made them: views repeat a few fonts many
+    // times, and making one rasterizes every glyph. Forgotten when the search paths change.
+    std::map<std::tuple<std::string, int, int>, std::weak_ptr<Font>> made;
     GK_FONT nextHandle = 1;
 };
 
@@ -298,10 +303,10 @@ void rasterize(Font& font, FT_Face face, const Request& r, int size)
         packAtlas(font, ink);
 }
 
-std::unique_ptr<Font> makeFont(const char* family, int style, int size)
+std::shared_ptr<Font> makeFont(const char* family, int style, int size)
 {
     const Request r = parseRequest(family, style);
-    auto font = std::make_unique<Font>();
+    auto font = std::make_shared<Font>();
     font->scalable = !r.fixed;
     size = std::clamp(size, 1, r.fixed ? kMaxFixed : kMaxSize);
     std::string path;
@@ -318,6 +323,13 @@ std::unique_ptr<Font> makeFont(const char* family, int style, int size)
     note(2, "gkFontCreate: \"%s\" %d px from %s\n", family ? family : "", size, path.c_str());
     rasterize(*font, face, r, size);
     return font;
+}
+
+bool sameFaces(const std::vector<FaceFile>& a, const std::vector<FaceFile>& b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const FaceFile& x, const FaceFile& y) {
+        return x.path == y.path && x.index == y.index;
+    });
 }
 
 Font* findFont(GK_FONT handle)
@@ -484,6 +496,7 @@ int gkLibraryAddPath(const char* directory)
 int gkLibraryParseFonts(void)
 {
     State& s = state();
+    const std::vector<FaceFile> before = std::move(s.files);
     s.files.clear();
     FreeType ft;
     if (!ft.lib)
@@ -510,15 +523,29 @@ int gkLibraryParseFonts(void)
         }
         closedir(d);
     }
+    if (!sameFaces(before, s.files)) {
+        std::lock_guard<std::mutex> hold(s.lock);
+        s.made.clear();
+    }
     note(2, "gkLibraryParseFonts: %zu faces in the search paths\n", s.files.size());
     return int(s.files.size());
 }
 
 GK_FONT gkFontCreate(const char* family, int style, int size)
 {
-    std::unique_ptr<Font> font = makeFont(family, style, size);
     State& s = state();
+    const auto request = std::make_tuple(std::string(family ? family : ""), style, size);
+    std::shared_ptr<Font> font;
+    {
+        std::lock_guard<std::mutex> hold(s.lock);
+        auto it = s.made.find(request);
+        if (it != s.made.end())
+            font = it->second.lock();
+    }
+    if (!font)
+        font = makeFont(family, style, size);
     std::lock_guard<std::mutex> hold(s.lock);
+    s.made[request] = font;
     const GK_FONT handle = s.nextHandle++;
     s.fonts.emplace(handle, std::move(font));
     return handle;
@@ -526,7 +553,7 @@ GK_FONT gkFontCreate(const char* family, int style, int size)
 
 void gkFontFree(GK_FONT handle)
 {
-    std::unique_ptr<Font> font;
+    std::shared_ptr<Font> font;
     {
         State& s = state();
         std::lock_guard<std::mutex> hold(s.lock);
@@ -536,8 +563,9 @@ void gkFontFree(GK_FONT handle)
         font = std::move(it->second);
         s.fonts.erase(it);
     }
-    // Without a context the texture died with it, or belongs to one we cannot reach.
-    if (font->texture && glContextCurrent())
+    // Other handles may still share the font. Without a context the texture died with it, or
+    // belongs to one we cannot reach.
+    if (font.use_count() == 1 && font->texture && glContextCurrent())
         glDeleteTextures(1, &font->texture);
 }
 

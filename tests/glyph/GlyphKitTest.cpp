@@ -400,3 +400,28 @@ TEST_F(GlyphRender, AccentedLettersDrawAndControlBytesDoNot)
 }
 
 } // namespace
+
+// Views repeat a few fonts many times: equal requests share one font, and freeing one of
+// them leaves the others drawing.
+TEST_F(GlyphRender, EqualRequestsShareAFontThatOutlivesEachHandle)
+{
+    GK_FONT first = gkFontCreate("Arial", GK_BOLD, 26);
+    EXPECT_EQ(0, gkFontRender(first, "warm"));
+    GK_FONT second = gkFontCreate("Arial", GK_BOLD, 26);
+    EXPECT_NE(first, second);
+    int a[2], b[2];
+    gkFontStringMetric(first, "Shared", a);
+    gkFontStringMetric(second, "Shared", b);
+    EXPECT_EQ(a[0], b[0]);
+    gkFontFree(first);
+    EXPECT_EQ(-1, gkFontRender(first, "gone"));
+
+    pixelProjection();
+    glClear(GL_COLOR_BUFFER_BIT);
+    glColor3f(1, 0, 0);
+    glTranslatef(50, 50, 0);
+    EXPECT_EQ(0, gkFontRender(second, "Shared"));
+    glLoadIdentity();
+    EXPECT_GT(Frame::grab().count(50, 50, 50 + b[0], 50 + b[1], kRed), 100);
+    gkFontFree(second);
+}
