@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -34,6 +35,7 @@ constexpr int kMaxRaster = 128;  // outline glyphs above this are rasterized sma
 constexpr int kMaxFixed = 256;   // bitmap fonts are drawn 1:1, so keep their memory bounded
 constexpr int kFixedMin = 8, kFixedMax = 24;  // sizes offered for bitmap families
 const char kFixedSuffix[] = " [fixed]";
+constexpr size_t kRecentFonts = 16;  // kept alive after their last handle is freed
 
 struct Glyph {
     int advance = 0;         // pixels at the font's size
@@ -69,6 +71,8 @@ struct State {
     // Fonts already made, by the request that made them: views repeat a few fonts many
     // times, and making one rasterizes every glyph. Forgotten when the search paths change.
     std::map<std::tuple<std::string, int, int>, std::weak_ptr<Font>> made;
+    // The last fonts made stay alive, so that loading a view again finds its fonts ready.
+    std::deque<std::shared_ptr<Font>> recent;
     GK_FONT nextHandle = 1;
 };
 
@@ -526,6 +530,7 @@ int gkLibraryParseFonts(void)
     if (!sameFaces(before, s.files)) {
         std::lock_guard<std::mutex> hold(s.lock);
         s.made.clear();
+        s.recent.clear();
     }
     note(2, "gkLibraryParseFonts: %zu faces in the search paths\n", s.files.size());
     return int(s.files.size());
@@ -542,10 +547,16 @@ GK_FONT gkFontCreate(const char* family, int style, int size)
         if (it != s.made.end())
             font = it->second.lock();
     }
-    if (!font)
+    const bool fresh = !font;
+    if (fresh)
         font = makeFont(family, style, size);
     std::lock_guard<std::mutex> hold(s.lock);
     s.made[request] = font;
+    if (fresh) {
+        s.recent.push_back(font);
+        if (s.recent.size() > kRecentFonts)
+            s.recent.pop_front();
+    }
     const GK_FONT handle = s.nextHandle++;
     s.fonts.emplace(handle, std::move(font));
     return handle;
