@@ -26,20 +26,20 @@ constexpr int kGraphEveryNthBlock = 10;
 const char* const kTextFonts[] = {"Helvetica [fixed]", "Arial"};
 
 // Moves the element by a variable and colours its fill from three bands of it.
-std::vector<ActionSpec> twoActions(int k)
+std::vector<ActionFields> twoActions(int k)
 {
-    ActionSpec move;
+    ActionFields move;
     move.id = 2 * k;
     move.type = 1;
     move.var = "position" + std::to_string(k % 50);
     move.a1 = 100, move.b1 = 200;
-    ActionSpec colour;
+    ActionFields colour;
     colour.id = 2 * k + 1;
     colour.type = 13;
     colour.var = "level" + std::to_string(k % 50);
     colour.blocks[0].min = 0, colour.blocks[0].max = 100;
     for (int band = 0; band < 3; ++band) {
-        ThresholdSpec t;
+        ThresholdFields t;
         t.lower = float(band * 33), t.upper = float(band * 33 + 33);
         t.value = band;
         t.color[0] = 0.3f * float(band);
@@ -61,11 +61,11 @@ void writeElement(ViewBuilder& b, Lcg& random, int block, int slot, int k)
     const float x = float(random.below(kWidth - 100)), y = float(random.below(kHeight - 100));
     b.actions(twoActions(k));
     if (slot == 0 && block % kGraphEveryNthBlock == 0) {
-        GraphSpec g;
+        GraphFields g;
         g.x = x, g.y = y;
         b.graph(g);
     } else if (slot == 0) {
-        TextSpec t;
+        TextFields t;
         t.x = x, t.y = y;
         t.fontFamily = kTextFonts[block % 2];
         t.fontSize = t.textSize = 12;
@@ -76,21 +76,21 @@ void writeElement(ViewBuilder& b, Lcg& random, int block, int slot, int k)
     } else {
         switch (slot % 9) {
         case 0: {
-            RectSpec r;
+            RectFields r;
             r.x0 = x, r.y0 = y, r.x1 = x + 40, r.y1 = y + 20;
             randomColor(random, r.fill);
             b.rect(r);
             break;
         }
         case 1: {
-            LineSpec l;
+            LineFields l;
             l.x1 = x, l.y1 = y, l.x2 = x + float(random.below(80)), l.y2 = y + float(random.below(80));
             b.line(l);
             break;
         }
         case 2:
         case 3: {
-            CircleSpec c;
+            CircleFields c;
             c.x = x, c.y = y;
             randomColor(random, c.fill);
             if (slot % 9 == 2)
@@ -101,7 +101,7 @@ void writeElement(ViewBuilder& b, Lcg& random, int block, int slot, int k)
         }
         case 4:
         case 5: {
-            PolySpec p;
+            PolyFields p;
             p.points.clear();
             for (int i = 0; i < 6; ++i)
                 p.points.push_back({i, x + float(random.below(60)), y + float(random.below(60))});
@@ -114,19 +114,19 @@ void writeElement(ViewBuilder& b, Lcg& random, int block, int slot, int k)
             break;
         }
         case 6: {
-            ButtonSpec s;
+            ButtonFields s;
             s.x0 = x, s.y0 = y, s.x1 = x + 60, s.y1 = y + 25;
             b.button(s);
             break;
         }
         case 7: {
-            SliderSpec s;
+            SliderFields s;
             s.x = x, s.y = y;
             b.slider(s);
             break;
         }
         default: {
-            RectSpec r;
+            RectFields r;
             r.x0 = x, r.y0 = y, r.x1 = x + 10, r.y1 = y + 30;
             r.strokeOn = 1;
             b.rect(r);

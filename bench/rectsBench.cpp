@@ -18,7 +18,7 @@ namespace {
 
 using korelbench::Lcg;
 using korelbench::ViewFile;
-using korelgen::RectSpec;
+using korelgen::RectFields;
 
 constexpr int kWidth = 1024, kHeight = 768;
 constexpr int kPanels = 10, kBlocksPerPanel = 10, kRectsPerBlock = 100;
@@ -26,11 +26,11 @@ constexpr float kPage[3] = {0.1f, 0.1f, 0.15f};
 
 // File order is drawing order. Integer corners make the library's pixels and the reference's
 // agree exactly, so the comparison below can be strict.
-std::vector<RectSpec> panelRects()
+std::vector<RectFields> panelRects()
 {
     Lcg random;
-    std::vector<RectSpec> rects(kPanels * kBlocksPerPanel * kRectsPerBlock);
-    for (RectSpec& r : rects) {
+    std::vector<RectFields> rects(kPanels * kBlocksPerPanel * kRectsPerBlock);
+    for (RectFields& r : rects) {
         int w = 10 + random.below(31), h = 10 + random.below(31);
         r.x0 = float(random.below(kWidth - w));
         r.y0 = float(random.below(kHeight - h));
@@ -48,7 +48,7 @@ std::vector<RectSpec> panelRects()
 }
 
 // Ten panels of ten blocks of a hundred rectangles each, as a large control panel nests them.
-std::vector<uint8_t> panelView(const std::vector<RectSpec>& rects)
+std::vector<uint8_t> panelView(const std::vector<RectFields>& rects)
 {
     korelgen::ViewBuilder b;
     b.page(0, 0, kWidth, kHeight, kPage[0], kPage[1], kPage[2]);
@@ -68,7 +68,7 @@ std::vector<uint8_t> panelView(const std::vector<RectSpec>& rects)
 
 // The rectangles and the file that holds them.
 struct Panel {
-    std::vector<RectSpec> rects = panelRects();
+    std::vector<RectFields> rects = panelRects();
     ViewFile file{panelView(rects)};
 };
 
@@ -112,10 +112,10 @@ void setUpByHand()
     glClearColor(kPage[0], kPage[1], kPage[2], 0);
 }
 
-void drawByHand(const std::vector<RectSpec>& rects)
+void drawByHand(const std::vector<RectFields>& rects)
 {
     glClear(GL_COLOR_BUFFER_BIT);
-    for (const RectSpec& r : rects) {
+    for (const RectFields& r : rects) {
         glColor4fv(r.fill);
         glBegin(GL_QUADS);
         glVertex2f(r.x0, r.y0);

@@ -18,9 +18,9 @@ namespace {
 
 
 // Crisp edges throughout: the sample is also read back pixel by pixel.
-RectSpec filled(float x0, float y0, float x1, float y1, Colour fill)
+RectFields filled(float x0, float y0, float x1, float y1, Colour fill)
 {
-    RectSpec s;
+    RectFields s;
     s.x0 = x0;
     s.y0 = y0;
     s.x1 = x1;
@@ -32,9 +32,9 @@ RectSpec filled(float x0, float y0, float x1, float y1, Colour fill)
     return s;
 }
 
-RectSpec framed(float x0, float y0, float x1, float y1, Colour fill, Colour stroke, float width)
+RectFields framed(float x0, float y0, float x1, float y1, Colour fill, Colour stroke, float width)
 {
-    RectSpec s = filled(x0, y0, x1, y1, fill);
+    RectFields s = filled(x0, y0, x1, y1, fill);
     s.strokeOn = 1;
     s.strokeWidth = width;
     s.stroke[0] = stroke.r;
@@ -84,13 +84,13 @@ void clippedScreen(ViewBuilder& b)
 {
     b.beginGroup(3, "screen", "screen-ID");
     b.rect(filled(380, 40, 620, 410, kTeal), "ground", "ground-ID");
-    RectSpec chequer = filled(380, 40, 620, 410, kAmber);
+    RectFields chequer = filled(380, 40, 620, 410, kAmber);
     chequer.fillStyle = 4; // 8-pixel squares
     b.rect(chequer, "chequer", "chequer-ID");
     b.scissor(410, 120, 590, 380, "window");
     b.endGroup();
     // A dashed bezel just outside the window.
-    RectSpec bezel = framed(404, 114, 596, 386, kFrame, kFrame, 2);
+    RectFields bezel = framed(404, 114, 596, 386, kFrame, kFrame, 2);
     bezel.fillOn = 0;
     bezel.strokeStyle = 4; // 8 on, 8 off
     b.rect(bezel, "window frame", "window-frame-ID");
@@ -118,7 +118,7 @@ std::vector<uint8_t> panel()
 
     // Warning strip: yellow diagonal hatching over black.
     b.rect(filled(40, 40, 360, 80, kDark), "strip", "strip-ID");
-    RectSpec hatch = filled(40, 40, 360, 80, kYellow);
+    RectFields hatch = filled(40, 40, 360, 80, kYellow);
     hatch.fillStyle = 23;
     b.rect(hatch, "hatch", "hatch-ID");
 
@@ -127,10 +127,10 @@ std::vector<uint8_t> panel()
 }
 
 // A 16 x 16 picture: red grows to the right, green upwards, with a blue half on the right.
-ImageSpec gradientImage(float x0, float y0)
+ImageFields gradientImage(float x0, float y0)
 {
     const int side = 16;
-    ImageSpec s;
+    ImageFields s;
     s.x0 = x0;
     s.y0 = y0;
     s.x1 = x0 + 64;
@@ -148,18 +148,18 @@ ImageSpec gradientImage(float x0, float y0)
     return s;
 }
 
-ThresholdBlockSpec thresholds(float min, float max, std::vector<ThresholdSpec> entries)
+ThresholdBlockFields thresholds(float min, float max, std::vector<ThresholdFields> entries)
 {
-    ThresholdBlockSpec block;
+    ThresholdBlockFields block;
     block.min = min;
     block.max = max;
     block.entries = std::move(entries);
     return block;
 }
 
-ThresholdSpec threshold(float lower, float upper, int value, Colour colour)
+ThresholdFields threshold(float lower, float upper, int value, Colour colour)
 {
-    ThresholdSpec t;
+    ThresholdFields t;
     t.lower = lower;
     t.upper = upper;
     t.value = value;
@@ -169,9 +169,9 @@ ThresholdSpec threshold(float lower, float upper, int value, Colour colour)
     return t;
 }
 
-ActionSpec action(int id, int type, const char* var, float a0, float a1, float b0, float b1)
+ActionFields action(int id, int type, const char* var, float a0, float a1, float b0, float b1)
 {
-    ActionSpec a;
+    ActionFields a;
     a.id = id;
     a.type = type;
     a.var = var;
@@ -182,7 +182,7 @@ ActionSpec action(int id, int type, const char* var, float a0, float a1, float b
     return a;
 }
 
-// Block order of ActionSpec::blocks.
+// Block order of ActionFields::blocks.
 enum Block { kColourBlock, kWidthBlock, kStyleBlock, kVisibleBlock, kBlinkBlock };
 
 // A dial three groups deep: the clipped gauge group holds the dial face, its needle and label,
@@ -190,22 +190,22 @@ enum Block { kColourBlock, kWidthBlock, kStyleBlock, kVisibleBlock, kBlinkBlock 
 void dial(ViewBuilder& b)
 {
     b.beginGroup(6, "gauge", "gauge-ID");
-    CircleSpec face;
+    CircleFields face;
     face.x = 560;
     face.y = 440;
     b.circle(face, "dial", "dial-ID");
 
-    CircleSpec sweep = face;
+    CircleFields sweep = face;
     sweep.start = 0.5f;
     sweep.end = 2.6f;
     sweep.fillOn = 0;
     sweep.strokeWidth = 4;
-    ActionSpec turn = action(2, 6, "speed", 0, 200, 0.5f, 2.6f);
+    ActionFields turn = action(2, 6, "speed", 0, 200, 0.5f, 2.6f);
     turn.limit = 1;
     turn.cg = 5;
     b.actions({turn}).arc(sweep, "sweep", "sweep-ID");
 
-    LineSpec needle;
+    LineFields needle;
     needle.x1 = 560;
     needle.y1 = 440;
     needle.x2 = 600;
@@ -213,20 +213,20 @@ void dial(ViewBuilder& b)
     needle.strokeWidth = 3;
     b.line(needle, "needle", "needle-ID");
 
-    TextSpec label;
+    TextFields label;
     label.x = 560;
     label.y = 400;
     label.text = "km/h";
     label.fontSize = 14;
     label.textSize = 14;
-    ActionSpec readout = action(3, 20, "speed", 0, 1, 0, 1);
+    ActionFields readout = action(3, 20, "speed", 0, 1, 0, 1);
     readout.format = "%5.1f km/h";
     b.actions({readout}).text(label, "label", "label-ID");
 
     b.beginGroup(1, "hub", "hub-ID");
     b.beginGroup(2, "core", "core-ID");
     b.rect(filled(552, 432, 568, 448, kDark), "cap", "cap-ID");
-    PolySpec pointer;
+    PolyFields pointer;
     pointer.closed = 1;
     pointer.fillOn = 1;
     pointer.points = {{0, 556, 448}, {1, 564, 448}, {2, 560, 470}};
@@ -243,31 +243,31 @@ std::vector<uint8_t> everyKind()
     ViewBuilder b;
     b.page(0, 0, 640, 520, kPage.r, kPage.g, kPage.b);
 
-    ActionSpec alarm = action(1, 1, "alarm", 0, 2, 0, 2);
+    ActionFields alarm = action(1, 1, "alarm", 0, 2, 0, 2);
     alarm.blocks[kColourBlock] = thresholds(0, 2, {threshold(0, 1, 0, kGreen), threshold(1, 2, 1, kRed)});
     alarm.blocks[kBlinkBlock] = thresholds(0, 2, {threshold(1, 2, 3, kRed)});
     b.actions({alarm}).rect(framed(16, 16, 624, 504, kPanel, kFrame, 2), "backdrop", "backdrop-ID");
 
-    GraphSpec trend;
+    GraphFields trend;
     trend.x = 40;
     trend.y = 300;
     trend.width = 380;
     trend.height = 180;
     trend.ymin = 0;
     trend.ymax = 200;
-    ActionSpec trace = action(4, 3, "speed", 0, 200, 0, 200);
+    ActionFields trace = action(4, 3, "speed", 0, 200, 0, 200);
     trace.var2 = "clock";
     b.actions({trace}).graph(trend, "trend", "trend-ID");
 
     dial(b);
 
-    PolySpec history;
+    PolyFields history;
     history.points = {{0, 40, 200}, {1, 120, 260}, {2, 200, 220}, {3, 280, 270}};
     b.polyline(history, "history", "history-ID");
 
     b.image(gradientImage(460, 220), "logo", "logo-ID");
 
-    ButtonSpec start;
+    ButtonFields start;
     start.x0 = 40;
     start.y0 = 40;
     start.x1 = 160;
@@ -275,14 +275,14 @@ std::vector<uint8_t> everyKind()
     start.state = 1;
     b.actions({action(5, 12, "running", 0, 1, 0, 1)}).button(start, "start", "start-ID");
 
-    SliderSpec level;
+    SliderFields level;
     level.x = 300;
     level.y = 120;
     level.width = 20;
     level.height = 160;
     b.slider(level, "level", "level-ID");
 
-    PolySpec warning;
+    PolyFields warning;
     warning.closed = 1;
     warning.fillOn = 1;
     warning.fill[0] = kAmber.r;
@@ -290,15 +290,15 @@ std::vector<uint8_t> everyKind()
     warning.fill[2] = kAmber.b;
     warning.fillStyle = 23;
     warning.points = {{0, 380, 60}, {1, 440, 160}, {2, 500, 60}};
-    ActionSpec show = action(6, 9, "alarm", 0, 2, 0, 2);
+    ActionFields show = action(6, 9, "alarm", 0, 2, 0, 2);
     show.blocks[kVisibleBlock] = thresholds(0, 2, {threshold(0, 1, 0, kLampOff), threshold(1, 2, 1, kAmber)});
     show.blocks[kWidthBlock] = thresholds(0, 2, {threshold(1, 2, 5, kRed)});
     b.actions({show}).cpoly(warning, "warning", "warning-ID");
 
-    SourceSpec link;
+    SourceFields link;
     link.id = 1;
     link.dataParams = {{502, "localhost"}, {1, "udp"}, {0, "250 ms"}};
-    SourceSpec values;
+    SourceFields values;
     values.id = 2;
     values.varParamCount = 2;
     values.variables = {{0, "speed", "0", {{3, "sensor A"}, {1, "km/h"}}},

@@ -11,9 +11,9 @@ namespace {
 const Rgb kRed{255, 0, 0}, kGreen{0, 255, 0}, kBlue{0, 0, 255}, kBlack{0, 0, 0}, kWhite{255, 255, 255};
 const Rgb kPage{51, 102, 153};
 
-RectSpec filled(float x0, float y0, float x1, float y1, Rgb colour)
+RectFields filled(float x0, float y0, float x1, float y1, Rgb colour)
 {
-    RectSpec s;
+    RectFields s;
     s.x0 = x0;
     s.y0 = y0;
     s.x1 = x1;
@@ -59,7 +59,7 @@ TEST_F(ViewDraw, RectangleFillsItsCornersAndNothingElse)
 
 TEST_F(ViewDraw, OutlineColourAndWidth)
 {
-    RectSpec s = filled(100, 100, 200, 200, kRed);
+    RectFields s = filled(100, 100, 200, 200, kRed);
     s.strokeOn = 1;
     s.strokeWidth = 5;
     s.stroke[0] = 0;
@@ -76,7 +76,7 @@ TEST_F(ViewDraw, OutlineColourAndWidth)
 
 TEST_F(ViewDraw, LineStyleDashesTheOutline)
 {
-    RectSpec dashed = filled(50, 100, 350, 200, kBlack);
+    RectFields dashed = filled(50, 100, 350, 200, kBlack);
     dashed.fillOn = 0;
     dashed.strokeOn = 1;
     dashed.strokeStyle = 4; // 0xFF00: 8 on, 8 off
@@ -87,7 +87,7 @@ TEST_F(ViewDraw, LineStyleDashesTheOutline)
     EXPECT_GT(lit, 100);
     EXPECT_LT(lit, 180);
 
-    RectSpec solid = dashed;
+    RectFields solid = dashed;
     solid.strokeStyle = 0;
     VIEW_STRUCT* w = load(page().rect(solid));
     Frame g = draw(w);
@@ -96,7 +96,7 @@ TEST_F(ViewDraw, LineStyleDashesTheOutline)
 
 TEST_F(ViewDraw, FillPatternChequers)
 {
-    RectSpec s = filled(100, 100, 200, 200, kRed);
+    RectFields s = filled(100, 100, 200, 200, kRed);
     s.fillStyle = 1;
     VIEW_STRUCT* v = load(page().rect(s));
     Frame f = draw(v);

@@ -13,9 +13,9 @@ namespace {
 
 const Rgb kRed{255, 0, 0}, kGreen{0, 255, 0}, kBlack{0, 0, 0};
 
-RectSpec redSquare(float x0, float y0, float size)
+RectFields redSquare(float x0, float y0, float size)
 {
-    RectSpec s;
+    RectFields s;
     s.x0 = x0;
     s.y0 = y0;
     s.x1 = x0 + size;
@@ -127,7 +127,7 @@ TEST_F(Walk, BlinkNeedsARateAndAnEvaluation)
 
 TEST_F(Walk, LineScalingFollowsTheZoom)
 {
-    RectSpec frame = redSquare(50, 50, 100);
+    RectFields frame = redSquare(50, 50, 100);
     frame.fillOn = 0;
     frame.strokeOn = 1;
     frame.strokeWidth = 2;

@@ -59,17 +59,17 @@ struct GeometryCase {
 
 // An arc of 30 to 60 degrees (clockwise) with radius 50: its rim lies well away from the
 // axes, so only widening to the centre brings the box to (0, 0).
-CircleSpec pieArc()
+CircleFields pieArc()
 {
-    CircleSpec s;
+    CircleFields s;
     s.x = 200, s.y = 150;
     s.start = 3.14159265f / 6, s.end = 3.14159265f / 3;
     return s;
 }
 
-TextSpec bitmapText()
+TextFields bitmapText()
 {
-    TextSpec s;
+    TextFields s;
     s.x = 120, s.y = 260;
     s.fontFamily = "Courier [fixed]", s.fontSize = 20;
     s.text = "Level";
@@ -90,27 +90,27 @@ Box bitmapTextBox()
 const std::vector<GeometryCase>& geometryCases()
 {
     static const std::vector<GeometryCase> cases = {
-        {"graph", [](ViewBuilder& b) { GraphSpec s; s.x = 20, s.y = 30, s.width = 200, s.height = 100; b.graph(s); },
+        {"graph", [](ViewBuilder& b) { GraphFields s; s.x = 20, s.y = 30, s.width = 200, s.height = 100; b.graph(s); },
          [] { return Box{20, 30, 220, 130}; }},
-        {"rectangle", [](ViewBuilder& b) { RectSpec s; s.x0 = 5, s.y0 = 6, s.x1 = 15, s.y1 = 26; b.rect(s); },
+        {"rectangle", [](ViewBuilder& b) { RectFields s; s.x0 = 5, s.y0 = 6, s.x1 = 15, s.y1 = 26; b.rect(s); },
          [] { return Box{5, 6, 15, 26}; }},
-        {"polyline", [](ViewBuilder& b) { b.polyline(PolySpec()); }, [] { return Box{10, 10, 60, 40}; }},
+        {"polyline", [](ViewBuilder& b) { b.polyline(PolyFields()); }, [] { return Box{10, 10, 60, 40}; }},
         {"closed polygon",
          [](ViewBuilder& b) {
-             PolySpec s;
+             PolyFields s;
              s.points = {{0, -20, 5}, {1, 10, -15}, {2, 30, 45}};
              b.cpoly(s);
          },
          [] { return Box{-20, -15, 30, 45}; }},
-        {"circle", [](ViewBuilder& b) { b.circle(CircleSpec()); }, [] { return Box{50, 50, 150, 150}; }},
+        {"circle", [](ViewBuilder& b) { b.circle(CircleFields()); }, [] { return Box{50, 50, 150, 150}; }},
         {"arc", [](ViewBuilder& b) { b.arc(pieArc()); }, [] { return Box{200, 150 - 43.30127f, 243.30127f, 150}; }},
         {"text", [](ViewBuilder& b) { b.text(bitmapText()); }, bitmapTextBox},
-        {"line", [](ViewBuilder& b) { LineSpec s; s.x1 = 300, s.y1 = 10, s.x2 = 250, s.y2 = 70; b.line(s); },
+        {"line", [](ViewBuilder& b) { LineFields s; s.x1 = 300, s.y1 = 10, s.x2 = 250, s.y2 = 70; b.line(s); },
          [] { return Box{250, 10, 300, 70}; }},
-        {"image", [](ViewBuilder& b) { ImageSpec s; s.x0 = 40, s.y0 = 200, s.x1 = 104, s.y1 = 232; b.image(s); },
+        {"image", [](ViewBuilder& b) { ImageFields s; s.x0 = 40, s.y0 = 200, s.x1 = 104, s.y1 = 232; b.image(s); },
          [] { return Box{40, 200, 104, 232}; }},
-        {"button", [](ViewBuilder& b) { b.button(ButtonSpec()); }, [] { return Box{0, 0, 80, 30}; }},
-        {"slider", [](ViewBuilder& b) { SliderSpec s; s.x = 350, s.y = 150, s.width = 20, s.height = 100; b.slider(s); },
+        {"button", [](ViewBuilder& b) { b.button(ButtonFields()); }, [] { return Box{0, 0, 80, 30}; }},
+        {"slider", [](ViewBuilder& b) { SliderFields s; s.x = 350, s.y = 150, s.width = 20, s.height = 100; b.slider(s); },
          [] { return Box{340, 100, 360, 200}; }},
         {"scissor", [](ViewBuilder& b) { b.scissor(1, 2, 3, 4); }, [] { return Box{1, 2, 3, 4}; }},
     };
@@ -137,7 +137,7 @@ TEST(KindGeometry, EveryKindHasItsBoxAndCentre)
 
 TEST(KindGeometry, LineIsPickedAsItsSegmentAndDrawnAboutItsMiddle)
 {
-    LineSpec s;
+    LineFields s;
     s.x1 = 300, s.y1 = 10, s.x2 = 250, s.y2 = 70;
     s.strokeWidth = 2.9f;
     LoadedView loaded(page().line(s));
@@ -163,7 +163,7 @@ TEST(KindGeometry, LineIsPickedAsItsSegmentAndDrawnAboutItsMiddle)
 
 TEST(KindGeometry, PolygonVerticesAreRelativeToItsCentre)
 {
-    PolySpec s;
+    PolyFields s;
     s.points = {{0, -20, 5}, {1, 10, -15}, {2, 30, 45}};
     LoadedView loaded(page().cpoly(s));
     const ELEMENT_STRUCT* e = loaded.first();
@@ -184,7 +184,7 @@ TEST(KindGeometry, PolygonVerticesAreRelativeToItsCentre)
 TEST(KindGeometry, CircleKeepsItsStoredCentreAndTurnsWithItsMatrix)
 {
     // An ellipse stretched along x and turned by 90 degrees stands upright.
-    CircleSpec s;
+    CircleFields s;
     s.x = 100, s.y = 80;
     s.matrix[0] = 0, s.matrix[1] = -0.2f, s.matrix[2] = 0.5f, s.matrix[3] = 0;
     LoadedView loaded(page().circle(s));
@@ -208,7 +208,7 @@ TEST(KindGeometry, ArcBoxReachesItsCentre)
     EXPECT_FLOAT_EQ(e->x, 200);
     EXPECT_FLOAT_EQ(e->y, 150);
     // An end before the start draws nothing: the box shrinks to the centre.
-    CircleSpec backwards = pieArc();
+    CircleFields backwards = pieArc();
     backwards.end = 0;
     LoadedView empty(page().arc(backwards));
     EXPECT_TRUE(HasBounds(empty.first(), {200, 150, 200, 150}));
@@ -217,7 +217,7 @@ TEST(KindGeometry, ArcBoxReachesItsCentre)
 TEST(KindGeometry, AnglesBeyondAnyTurnStillEnd)
 {
     for (float start : {-1e30f, 0.0f, 1e20f}) {
-        CircleSpec s;
+        CircleFields s;
         s.start = start, s.end = 1e30f;
         LoadedView loaded(page().circle(s));
         ASSERT_NE(loaded.first(), nullptr);
@@ -227,7 +227,7 @@ TEST(KindGeometry, AnglesBeyondAnyTurnStillEnd)
 
 TEST(KindGeometry, TextBoxFollowsFontAndMatrix)
 {
-    TextSpec s;
+    TextFields s;
     s.x = 200, s.y = 100;
     s.fontFamily = "Arial", s.fontSize = 20, s.textSize = 40;
     s.text = "Gauge";
@@ -264,14 +264,14 @@ TEST(KindGeometry, TextBoxFollowsFontAndMatrix)
 
 TEST(KindGeometry, LooksSeededFromEachRecord)
 {
-    GraphSpec g;
+    GraphFields g;
     g.outline[0] = 0.25f;
     g.grid[1] = 0.75f;
-    ImageSpec image;
+    ImageFields image;
     image.tint[0] = 0.5f;
-    ButtonSpec button;
+    ButtonFields button;
     button.face[2] = 0.125f;
-    SliderSpec slider;
+    SliderFields slider;
     slider.face[1] = 0.375f;
     LoadedView loaded(page().graph(g).image(image).button(button).slider(slider));
     const ELEMENT_STRUCT* e = loaded.first();
@@ -293,7 +293,7 @@ TEST(KindGeometry, LooksSeededFromEachRecord)
 TEST(GroupGeometry, BoxIsTheUnionOfEveryKindOfChild)
 {
     // Each kind beside a small square far away, then all kinds together.
-    RectSpec far;
+    RectFields far;
     far.x0 = 380, far.y0 = 280, far.x1 = 390, far.y1 = 290;
     const Box farBox = {380, 280, 390, 290};
     Box all = farBox;
@@ -324,9 +324,9 @@ TEST(GroupGeometry, BoxIsTheUnionOfEveryKindOfChild)
 
 TEST(GroupGeometry, NestedThreeDeepAddsUpToViewUnits)
 {
-    LineSpec line;
+    LineFields line;
     line.x1 = 10, line.y1 = 20, line.x2 = 50, line.y2 = 60;
-    CircleSpec circle; // centre 100, 100, radius 50
+    CircleFields circle; // centre 100, 100, radius 50
     ViewBuilder b = page();
     b.beginGroup(1, "outer").beginGroup(1, "middle").beginGroup(2, "inner");
     b.line(line).circle(circle).endGroup().endGroup().endGroup();
@@ -349,7 +349,7 @@ TEST(GroupGeometry, NestedThreeDeepAddsUpToViewUnits)
 
 TEST(GroupGeometry, GroupOfOneFlatLineIsPickedAsThatLine)
 {
-    LineSpec line;
+    LineFields line;
     line.x1 = 20, line.y1 = 50, line.x2 = 180, line.y2 = 50;
     LoadedView loaded(page().beginGroup(1).line(line).endGroup());
     const ELEMENT_STRUCT* group = loaded.first();

@@ -33,9 +33,9 @@ int recordingEdit(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, in
     return 0;
 }
 
-RectSpec square(float x, float y)
+RectFields square(float x, float y)
 {
-    RectSpec s;
+    RectFields s;
     s.x0 = x, s.y0 = y, s.x1 = x + 10, s.y1 = y + 10;
     return s;
 }

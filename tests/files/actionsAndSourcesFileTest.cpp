@@ -24,10 +24,10 @@ ViewBuilder page()
 }
 
 // Every stored field differs from its default and from the same field of the other actions.
-ActionSpec numberedAction(int k)
+ActionFields numberedAction(int k)
 {
     const float f = float(k);
-    ActionSpec a;
+    ActionFields a;
     a.id = 1000 + k;
     a.type = k;
     a.var = "var" + std::to_string(k);
@@ -64,7 +64,7 @@ ActionSpec numberedAction(int k)
         a.blocks[block].min = f - float(block);
         a.blocks[block].max = f + 50 + float(block);
         for (int i = 0; i <= (k + block) % 3; ++i) {
-            ThresholdSpec t;
+            ThresholdFields t;
             t.lower = float(10 * block + i);
             t.upper = float(10 * block + i + 1);
             t.value = block + i;
@@ -77,12 +77,12 @@ ActionSpec numberedAction(int k)
     return a;
 }
 
-void expectBlock(const ThresholdBlockSpec& spec, float min, float max, const TH_STRUCT* head, bool lineStyles)
+void expectBlock(const ThresholdBlockFields& fields, float min, float max, const TH_STRUCT* head, bool lineStyles)
 {
-    EXPECT_FLOAT_EQ(min, spec.min);
-    EXPECT_FLOAT_EQ(max, spec.max);
-    ASSERT_EQ(countList(head), int(spec.entries.size()));
-    for (const ThresholdSpec& t : spec.entries) {
+    EXPECT_FLOAT_EQ(min, fields.min);
+    EXPECT_FLOAT_EQ(max, fields.max);
+    ASSERT_EQ(countList(head), int(fields.entries.size()));
+    for (const ThresholdFields& t : fields.entries) {
         EXPECT_FLOAT_EQ(head->lower, t.lower);
         EXPECT_FLOAT_EQ(head->upper, t.upper);
         EXPECT_EQ(head->value, t.value);
@@ -99,7 +99,7 @@ void expectBlock(const ThresholdBlockSpec& spec, float min, float max, const TH_
     }
 }
 
-void expectAction(const ActionSpec& s, const ACTION_STRUCT* a)
+void expectAction(const ActionFields& s, const ACTION_STRUCT* a)
 {
     SCOPED_TRACE("action type " + std::to_string(s.type));
     EXPECT_EQ(a->id, s.id);
@@ -147,20 +147,20 @@ void expectAction(const ActionSpec& s, const ACTION_STRUCT* a)
 
 TEST(ActionRecordsInFiles, EveryTypeGivesBackEveryStoredField)
 {
-    std::vector<ActionSpec> all;
+    std::vector<ActionFields> all;
     for (int type = 0; type <= 25; ++type)
         all.push_back(numberedAction(type));
     ViewBuilder b = page();
-    b.actions(all).rect(RectSpec(), "animated");
-    b.rect(RectSpec(), "still");
+    b.actions(all).rect(RectFields(), "animated");
+    b.rect(RectFields(), "still");
     LoadedView loaded(b);
     ASSERT_NE(loaded.view, nullptr);
     const ELEMENT_STRUCT* animated = loaded.view->elements;
     ASSERT_EQ(countList(animated->actions), 26);
     const ACTION_STRUCT* a = animated->actions;
     EXPECT_EQ(a->prev, nullptr);
-    for (const ActionSpec& spec : all) {
-        expectAction(spec, a);
+    for (const ActionFields& fields : all) {
+        expectAction(fields, a);
         if (a->next) {
             EXPECT_EQ(a->next->prev, a);
         }
@@ -179,7 +179,7 @@ TEST(ActionRecordsInFiles, GroupsClipsAndBodilessCodesCarryActions)
     b.actions({numberedAction(5)}).scissor(0, 0, 10, 10);
     b.actions({numberedAction(22), numberedAction(23)}).bodiless(9);
     b.actions({numberedAction(17)}).endGroup();
-    b.rect(RectSpec(), "after");
+    b.rect(RectFields(), "after");
     LoadedView loaded(b);
     ASSERT_NE(loaded.view, nullptr);
     const ELEMENT_STRUCT* group = loaded.view->elements;
@@ -194,9 +194,9 @@ TEST(ActionRecordsInFiles, GroupsClipsAndBodilessCodesCarryActions)
     EXPECT_STREQ(group->next->name, "after");
 }
 
-VariableSpec variable(const std::string& name, int capacity, std::vector<ParaSpec> params)
+VariableFields variable(const std::string& name, int capacity, std::vector<ParaFields> params)
 {
-    VariableSpec v;
+    VariableFields v;
     v.type = 6;
     v.name = name;
     v.defaultValue = "1.5";
@@ -207,23 +207,23 @@ VariableSpec variable(const std::string& name, int capacity, std::vector<ParaSpe
 
 TEST(DataSectionsInFiles, SourcesKeepTheirStoredCounts)
 {
-    SourceSpec few;
+    SourceFields few;
     few.id = 3;
     few.dataParams = {{7, "4711"}, {1, "big"}, {0, ""}};
     few.varParamCount = 2;
     few.variables = {variable("level", 64, {{2, "offset 8"}, {5, std::string(63, 'x')}}),
                      variable("flow", 63, {{3, std::string(62, 'y')}})};
-    SourceSpec many;
+    SourceFields many;
     many.id = 1234;
     for (int i = 0; i < 12; ++i)
         many.dataParams.push_back({i, "p" + std::to_string(i)});
     many.varParamCount = 0;
     many.variables = {variable("bare", 64, {})};
-    SourceSpec later;
+    SourceFields later;
     later.id = 9;
 
     ViewBuilder b = page();
-    b.dataSection({few, many}).rect(RectSpec(), "between").dataSection({later});
+    b.dataSection({few, many}).rect(RectFields(), "between").dataSection({later});
     LoadedView loaded(b);
     ASSERT_NE(loaded.view, nullptr);
     EXPECT_EQ(countList(loaded.view->elements), 1);
@@ -280,7 +280,7 @@ TEST(DataSectionsInFiles, SourcesKeepTheirStoredCounts)
 
 TEST(DataSectionsInFiles, VariableTextsOfAnySizeKeepTheStreamInStep)
 {
-    SourceSpec s;
+    SourceFields s;
     s.varParamCount = 1;
     s.variables = {variable("long", 300, {{1, std::string(299, 'z')}}), variable("next", 64, {{2, "ok"}})};
     ViewBuilder b = page();
@@ -288,7 +288,7 @@ TEST(DataSectionsInFiles, VariableTextsOfAnySizeKeepTheStreamInStep)
     // A parameter with no stored text leaves its slot empty and the stream in step.
     b.integer(20).integer(1).integer(2).integer(0).integer(1).integer(1);
     b.integer(0).fixed("empty", 64).fixed("", 64).integer(4).integer(0);
-    b.rect(RectSpec(), "last");
+    b.rect(RectFields(), "last");
     LoadedView loaded(b);
     ASSERT_NE(loaded.view, nullptr);
     const VARIABLE_STRUCT* v = loaded.view->dataTypes->variables;
@@ -308,16 +308,16 @@ TEST(DataSectionsInFiles, VariableTextsOfAnySizeKeepTheStreamInStep)
 ViewBuilder animatedPanel()
 {
     ViewBuilder b = page();
-    ActionSpec blink = numberedAction(25);
-    b.actions({numberedAction(15), blink}).rect(RectSpec(), "lamp");
-    b.beginGroup(1, "box").rect(RectSpec(), "inner").actions({numberedAction(1)}).endGroup();
-    SourceSpec source;
+    ActionFields blink = numberedAction(25);
+    b.actions({numberedAction(15), blink}).rect(RectFields(), "lamp");
+    b.beginGroup(1, "box").rect(RectFields(), "inner").actions({numberedAction(1)}).endGroup();
+    SourceFields source;
     source.id = 2;
     source.dataParams = {{1, "a"}, {2, "b"}};
     source.varParamCount = 1;
     source.variables = {variable("x", 64, {{1, "one"}}), variable("y", 70, {{2, "two"}})};
     b.dataSection({source});
-    b.rect(RectSpec(), "last");
+    b.rect(RectFields(), "last");
     return b;
 }
 
@@ -352,7 +352,7 @@ TEST(ActionAndDataRobustness, GarbledCopiesLoadWithoutHarm)
 TEST(ActionAndDataRobustness, HugeCountsInASmallFileEndSoftly)
 {
     const int32_t huge = 2000000000;
-    SourceSpec one;
+    SourceFields one;
     one.id = 5;
 
     ViewBuilder sources = page();
@@ -389,7 +389,7 @@ TEST(ActionAndDataRobustness, HugeCountsInASmallFileEndSoftly)
     EXPECT_STREQ(cut->para[0].sval, "");
 
     ViewBuilder actions = page();
-    actions.rect(RectSpec(), "first");
+    actions.rect(RectFields(), "first");
     actions.integer(1).counted("lots").counted("lots-ID");
     for (int i = 0; i < 8 * 2 + 9; ++i)
         actions.integer(0);
@@ -399,9 +399,9 @@ TEST(ActionAndDataRobustness, HugeCountsInASmallFileEndSoftly)
     ASSERT_EQ(countList(d.view->elements), 2);
     EXPECT_EQ(d.view->elements->next->actions, nullptr);
 
-    ActionSpec thresholds = numberedAction(12);
+    ActionFields thresholds = numberedAction(12);
     ViewBuilder entries = page();
-    entries.actions({thresholds}).rect(RectSpec());
+    entries.actions({thresholds}).rect(RectFields());
     std::vector<uint8_t> bytes = entries.bytes();
     // The blink block's count stands right before its entries, which end the file.
     size_t blinkCount = bytes.size() - 4 - 24 * thresholds.blocks[4].entries.size();

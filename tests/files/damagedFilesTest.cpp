@@ -25,14 +25,14 @@ namespace {
 constexpr size_t kHeaderSize = 38; // magic text and revision
 
 // An action of `type` with `entries` thresholds in threshold block `block`.
-ActionSpec banded(int type, int block, int entries = 3)
+ActionFields banded(int type, int block, int entries = 3)
 {
-    ActionSpec a;
+    ActionFields a;
     a.type = type;
     a.var = "level";
     a.blocks[block].max = float(entries * 10);
     for (int i = 0; i < entries; ++i) {
-        ThresholdSpec t;
+        ThresholdFields t;
         t.lower = float(i * 10), t.upper = float(i * 10 + 10);
         t.value = 0; // no small integers outside the counts: see countAndSizeOffsets
         t.color[1] = 0.25f * float(i % 4);
@@ -41,14 +41,14 @@ ActionSpec banded(int type, int block, int entries = 3)
     return a;
 }
 
-SourceSpec source(int id, int variables, int capacity)
+SourceFields source(int id, int variables, int capacity)
 {
-    SourceSpec s;
+    SourceFields s;
     s.id = id;
     s.dataParams = {{0, "host"}, {0, "port"}};
     s.varParamCount = 2;
     for (int i = 0; i < variables; ++i) {
-        VariableSpec v;
+        VariableFields v;
         v.name = "v" + std::to_string(i);
         v.params = {{0, "offset"}, {0, "scale"}};
         v.capacity = capacity;
@@ -66,25 +66,25 @@ std::vector<uint8_t> everyKindPanel(bool withFonts = true)
 {
     ViewBuilder b;
     b.page(0, 0, 400, 300, 0, 0, 0);
-    b.actions({banded(1, 0), banded(13, 0)}).rect(RectSpec(), "lamp");
+    b.actions({banded(1, 0), banded(13, 0)}).rect(RectFields(), "lamp");
     b.beginGroup(10, "gauges");
-    b.actions({banded(14, 1)}).polyline(PolySpec());
-    PolySpec closed;
+    b.actions({banded(14, 1)}).polyline(PolyFields());
+    PolyFields closed;
     closed.fillOn = 1;
     b.actions({banded(15, 2)}).cpoly(closed);
-    b.actions({banded(17, 3)}).circle(CircleSpec());
-    b.actions({banded(12, 4)}).arc(CircleSpec());
-    b.line(LineSpec());
-    ImageSpec picture;
+    b.actions({banded(17, 3)}).circle(CircleFields());
+    b.actions({banded(12, 4)}).arc(CircleFields());
+    b.line(LineFields());
+    ImageFields picture;
     picture.width = picture.height = 2;
     picture.pixels.assign(16, 0x80);
-    b.image(picture).button(ButtonSpec()).slider(SliderSpec()).scissor(0, 0, 200, 100);
-    b.beginGroup(1, "inner").rect(RectSpec(), "deep").actions({banded(2, 0)}).endGroup();
+    b.image(picture).button(ButtonFields()).slider(SliderFields()).scissor(0, 0, 200, 100);
+    b.beginGroup(1, "inner").rect(RectFields(), "deep").actions({banded(2, 0)}).endGroup();
     b.actions({banded(13, 0)}).endGroup();
     b.dataSection({source(1, 2, 64), source(2, 1, 80)});
-    b.rect(RectSpec(), "last");
+    b.rect(RectFields(), "last");
     if (withFonts)
-        b.text(TextSpec()).graph(GraphSpec());
+        b.text(TextFields()).graph(GraphFields());
     return b.bytes();
 }
 
@@ -161,20 +161,20 @@ std::vector<uint8_t> largePanel()
 {
     ViewBuilder b;
     b.page(0, 0, 1024, 768, 0, 0, 0);
-    ImageSpec picture;
+    ImageFields picture;
     picture.width = picture.height = 352;
     picture.pixels.assign(352 * 352 * 4, 0x80);
-    std::vector<ActionSpec> many;
+    std::vector<ActionFields> many;
     for (int block = 0; block < 5; ++block)
         many.push_back(banded(13, block, 300));
     b.beginGroup(4, "big", "big-id0");
     b.actions(many).image(picture, "pic", "pic-id0");
-    PolySpec longLine;
+    PolyFields longLine;
     longLine.points.assign(15000, {0, 1.5f, 2.5f});
     b.polyline(longLine, "pln", "pln-id0");
     longLine.points.resize(8000);
     b.actions(many).cpoly(longLine, "cpl", "cpl-id0");
-    b.beginGroup(1, "sub", "sub-id0").rect(RectSpec(), "box", "box-id0").endGroup();
+    b.beginGroup(1, "sub", "sub-id0").rect(RectFields(), "box", "box-id0").endGroup();
     b.endGroup();
     b.dataSection({source(1, 60, 256), source(2, 10, 1024)});
     return b.bytes();

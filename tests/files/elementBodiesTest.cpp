@@ -27,9 +27,9 @@ void expectColor(const float actual[4], float r, float g, float b, float a, cons
     EXPECT_FLOAT_EQ(actual[3], a) << what;
 }
 
-RectSpec marker()
+RectFields marker()
 {
-    RectSpec s;
+    RectFields s;
     s.x0 = 1;
     s.y0 = 2;
     s.x1 = 3;
@@ -43,9 +43,9 @@ template <class Record> const Record* recordOf(const ELEMENT_STRUCT* e)
 }
 
 // Values unlike every default, so that a field the reader skips or misplaces shows.
-GraphSpec sampleGraph()
+GraphFields sampleGraph()
 {
-    GraphSpec s;
+    GraphFields s;
     s.type = 1;
     s.x = 11, s.y = 12, s.width = 301, s.height = 151;
     s.ymin = -7, s.ymax = 70, s.xmin = 3, s.xmax = 33, s.rate = 25;
@@ -106,9 +106,9 @@ void checkGraph(const ELEMENT_STRUCT* e)
     EXPECT_FLOAT_EQ(g->labelYmax, 42);
 }
 
-PolySpec samplePoly(int fillStyle)
+PolyFields samplePoly(int fillStyle)
 {
-    PolySpec s;
+    PolyFields s;
     s.closed = 1;
     s.strokeOn = 0, s.strokeWidth = 4.5f, s.strokeStyle = 2;
     s.stroke[2] = 0.5f;
@@ -145,9 +145,9 @@ void checkPoly(const ELEMENT_STRUCT* e, int fillStyle)
     EXPECT_EQ(c, nullptr);
 }
 
-CircleSpec sampleCircle()
+CircleFields sampleCircle()
 {
-    CircleSpec s;
+    CircleFields s;
     s.x = 150, s.y = 160;
     s.matrix[0] = 0.3f, s.matrix[1] = 0.1f, s.matrix[2] = -0.1f, s.matrix[3] = 0.6f;
     s.start = 0.5f, s.end = 2.5f;
@@ -181,9 +181,9 @@ void checkCircle(const ELEMENT_STRUCT* e)
     EXPECT_FLOAT_EQ(c->ry, 100);
 }
 
-TextSpec sampleText(int kind)
+TextFields sampleText(int kind)
 {
-    TextSpec s;
+    TextFields s;
     s.kind = kind;
     s.x = 70, s.y = 80;
     s.color[0] = 0.75f;
@@ -217,9 +217,9 @@ void checkText(const ELEMENT_STRUCT* e)
     EXPECT_EQ(t->antialias, 0);
 }
 
-LineSpec sampleLine()
+LineFields sampleLine()
 {
-    LineSpec s;
+    LineFields s;
     s.x1 = 5, s.y1 = 6, s.x2 = 95, s.y2 = 46;
     s.strokeWidth = 2.5f, s.strokeStyle = 5;
     s.stroke[1] = 0.25f;
@@ -248,9 +248,9 @@ std::vector<uint8_t> gradient(int width, int height)
     return pixels;
 }
 
-ImageSpec sampleImage()
+ImageFields sampleImage()
 {
-    ImageSpec s;
+    ImageFields s;
     s.x0 = 10, s.y0 = 20, s.x1 = 74, s.y1 = 52;
     s.tint[2] = 0.5f;
     s.width = 3, s.height = 2;
@@ -276,9 +276,9 @@ void checkImage(const ELEMENT_STRUCT* e)
     EXPECT_EQ(0, memcmp(pixels, gradient(3, 2).data(), 24));
 }
 
-ButtonSpec sampleButton()
+ButtonFields sampleButton()
 {
-    ButtonSpec s;
+    ButtonFields s;
     s.x0 = 200, s.y0 = 10, s.x1 = 260, s.y1 = 40;
     s.face[0] = 0.125f;
     s.light[1] = 0.25f;
@@ -300,9 +300,9 @@ void checkButton(const ELEMENT_STRUCT* e)
     EXPECT_EQ(b->state, 1);
 }
 
-SliderSpec sampleSlider()
+SliderFields sampleSlider()
 {
-    SliderSpec s;
+    SliderFields s;
     s.x = 300, s.y = 150, s.width = 24, s.height = 180;
     s.face[3] = 0.5f;
     s.dark[0] = 0.125f;
@@ -404,7 +404,7 @@ TEST(ElementBodies, GraphFontOutsideTheUsableRangeFallsBack)
         {"Helvetica [fixed]", 4, 1, true},  {"Arial", 2, 18, true},
     };
     for (const Case& c : cases) {
-        GraphSpec s;
+        GraphFields s;
         s.fontFamily = c.family, s.fontStyle = c.style, s.fontSize = c.size;
         ViewBuilder b;
         b.page(0, 0, 100, 100, 0, 0, 0).graph(s).rect(marker(), "after");
@@ -426,7 +426,7 @@ TEST(ElementBodies, GraphFontOutsideTheUsableRangeFallsBack)
 TEST(ElementBodies, TextFontIsTakenAsStoredAndAskedWhetherItScales)
 {
     for (const char* family : {"Arial", "Courier [fixed]"}) {
-        TextSpec s;
+        TextFields s;
         s.fontFamily = family;
         s.fontSize = 50; // no fall-back for texts, whatever the size
         ViewBuilder b;
@@ -448,7 +448,7 @@ TEST(ElementBodies, TextLengthsKeepTheStreamInStep)
     ViewBuilder b;
     b.page(0, 0, 100, 100, 0, 0, 0);
     for (const std::string& text : {std::string(), exact, tooLong}) {
-        TextSpec s;
+        TextFields s;
         s.text = text;
         b.text(s).rect(marker(), "after");
     }
@@ -465,8 +465,8 @@ TEST(ElementBodies, TextLengthsKeepTheStreamInStep)
 
 TEST(ElementBodies, EmptyPicturesAndPolygonsTakeNoBytes)
 {
-    ImageSpec empty;
-    PolySpec none;
+    ImageFields empty;
+    PolyFields none;
     none.points.clear();
     ViewBuilder b;
     b.page(0, 0, 100, 100, 0, 0, 0).image(empty).cpoly(none).rect(marker(), "after");
@@ -524,7 +524,7 @@ TEST(PictureStore, CopiesPixelsAndNeverReusesIds)
 TEST(ElementBodiesRobustness, HugeCountsAndSizesEndSoftly)
 {
     // 60000 x 60000 pixels promised in a file of a few hundred bytes.
-    ImageSpec huge;
+    ImageFields huge;
     huge.width = 60000, huge.height = 60000;
     huge.pixels = gradient(4, 4);
     ViewBuilder image;
@@ -541,7 +541,7 @@ TEST(ElementBodiesRobustness, HugeCountsAndSizesEndSoftly)
     ASSERT_EQ(countElements(b.first()), 1);
 
     // Two billion points promised, three stored: the three are kept.
-    PolySpec many;
+    PolyFields many;
     many.storedCount = 2000000000;
     ViewBuilder points;
     points.page(0, 0, 100, 100, 0, 0, 0).cpoly(many);
@@ -555,7 +555,7 @@ TEST(ElementBodiesRobustness, HugeCountsAndSizesEndSoftly)
     // A text length no file can hold.
     ViewBuilder text;
     text.page(0, 0, 100, 100, 0, 0, 0);
-    TextSpec s;
+    TextFields s;
     text.text(s);
     std::vector<uint8_t> bytes = text.bytes();
     const size_t lengthAt = bytes.size() - 4 - 5 - 4; // before "Text", its zero and the action count

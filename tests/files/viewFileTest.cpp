@@ -29,9 +29,9 @@ std::string takeLog()
     return text;
 }
 
-RectSpec square(float x, float y, float size)
+RectFields square(float x, float y, float size)
 {
-    RectSpec s;
+    RectFields s;
     s.x0 = x;
     s.y0 = y;
     s.x1 = x + size;
@@ -175,7 +175,7 @@ TEST(ViewFileContent, PageAndTreeAsStored)
 
 TEST(ViewFileContent, StylesExpandIntoStipplesAndPatterns)
 {
-    RectSpec s = square(0, 0, 10);
+    RectFields s = square(0, 0, 10);
     s.strokeStyle = 3;
     s.fillStyle = 1;
     ViewBuilder b = ViewBuilder();

@@ -7,7 +7,7 @@
 
 namespace k2dtest {
 
-using korelgen::RectSpec;
+using korelgen::RectFields;
 using korelgen::ViewBuilder;
 
 class ViewTest : public GlTest {

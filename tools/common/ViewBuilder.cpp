@@ -30,7 +30,7 @@ ViewBuilder& ViewBuilder::corners(float x0, float y0, float x1, float y1)
     return real(x0).real(y0).real(x0).real(y1).real(x1).real(y1).real(x1).real(y0);
 }
 
-ViewBuilder& ViewBuilder::rect(const RectSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::rect(const RectFields& s, const char* name, const char* id)
 {
     head(1, name, id).corners(s.x0, s.y0, s.x1, s.y1);
     integer(s.strokeOn).real(s.strokeWidth).integer(s.strokeStyle);
@@ -65,7 +65,7 @@ ViewBuilder& ViewBuilder::color(const float rgba[4])
 }
 
 // The y pair of autoscale comes before the x pair, and the fixed label ranges after the font.
-ViewBuilder& ViewBuilder::graph(const GraphSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::graph(const GraphFields& s, const char* name, const char* id)
 {
     head(0, name, id).integer(s.type);
     real(s.x).real(s.y).real(s.width).real(s.height);
@@ -85,28 +85,28 @@ ViewBuilder& ViewBuilder::graph(const GraphSpec& s, const char* name, const char
     return integer(0).integer(0).integer(0).integer(0).actionList();
 }
 
-ViewBuilder& ViewBuilder::polyBody(int kind, const PolySpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::polyBody(int kind, const PolyFields& s, const char* name, const char* id)
 {
     head(kind, name, id).integer(s.closed).integer(s.strokeOn).real(s.strokeWidth).integer(s.strokeStyle);
     color(s.stroke).integer(s.fillOn).color(s.fill).integer(s.antialias).integer(s.fillStyle);
     integer(0).integer(0).integer(0);
     integer(s.storedCount < 0 ? int32_t(s.points.size()) : s.storedCount);
-    for (const PointSpec& p : s.points)
+    for (const PointFields& p : s.points)
         integer(p.id).real(p.x).real(p.y);
     return actionList();
 }
 
-ViewBuilder& ViewBuilder::polyline(const PolySpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::polyline(const PolyFields& s, const char* name, const char* id)
 {
     return polyBody(2, s, name, id);
 }
 
-ViewBuilder& ViewBuilder::cpoly(const PolySpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::cpoly(const PolyFields& s, const char* name, const char* id)
 {
     return polyBody(13, s, name, id);
 }
 
-ViewBuilder& ViewBuilder::circleBody(int kind, const CircleSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::circleBody(int kind, const CircleFields& s, const char* name, const char* id)
 {
     head(kind, name, id).real(s.x).real(s.y);
     real(s.matrix[0]).real(s.matrix[1]).real(s.matrix[2]).real(s.matrix[3]).real(s.start).real(s.end);
@@ -115,18 +115,18 @@ ViewBuilder& ViewBuilder::circleBody(int kind, const CircleSpec& s, const char* 
     return integer(0).integer(0).integer(0).actionList();
 }
 
-ViewBuilder& ViewBuilder::circle(const CircleSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::circle(const CircleFields& s, const char* name, const char* id)
 {
     return circleBody(3, s, name, id);
 }
 
-ViewBuilder& ViewBuilder::arc(const CircleSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::arc(const CircleFields& s, const char* name, const char* id)
 {
     return circleBody(6, s, name, id);
 }
 
 // The stored length leaves out the terminator that follows the text.
-ViewBuilder& ViewBuilder::text(const TextSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::text(const TextFields& s, const char* name, const char* id)
 {
     head(s.kind, name, id).real(s.x).real(s.y).color(s.color).integer(s.align);
     real(s.matrix[0]).real(s.matrix[1]).real(s.matrix[2]).real(s.matrix[3]);
@@ -138,14 +138,14 @@ ViewBuilder& ViewBuilder::text(const TextSpec& s, const char* name, const char* 
     return actionList();
 }
 
-ViewBuilder& ViewBuilder::line(const LineSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::line(const LineFields& s, const char* name, const char* id)
 {
     head(5, name, id).real(s.x1).real(s.y1).real(s.x2).real(s.y2);
     real(s.strokeWidth).integer(s.strokeStyle).color(s.stroke).integer(s.antialias);
     return integer(0).integer(0).integer(0).integer(0).actionList();
 }
 
-ViewBuilder& ViewBuilder::image(const ImageSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::image(const ImageFields& s, const char* name, const char* id)
 {
     head(7, name, id).corners(s.x0, s.y0, s.x1, s.y1).color(s.tint);
     integer(0).fixed("", 128).integer(0);
@@ -154,14 +154,14 @@ ViewBuilder& ViewBuilder::image(const ImageSpec& s, const char* name, const char
     return actionList();
 }
 
-ViewBuilder& ViewBuilder::button(const ButtonSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::button(const ButtonFields& s, const char* name, const char* id)
 {
     head(11, name, id).corners(s.x0, s.y0, s.x1, s.y1).color(s.face).color(s.light).color(s.dark);
     real(s.bevelWidth).integer(s.state);
     return integer(0).integer(0).integer(0).integer(0).actionList();
 }
 
-ViewBuilder& ViewBuilder::slider(const SliderSpec& s, const char* name, const char* id)
+ViewBuilder& ViewBuilder::slider(const SliderFields& s, const char* name, const char* id)
 {
     head(12, name, id).real(s.x).real(s.y).real(s.width).real(s.height);
     color(s.face).color(s.dark).color(s.light).real(s.bevelWidth).real(s.knobHalfSize);
@@ -174,7 +174,7 @@ ViewBuilder& ViewBuilder::bodiless(int kind, const char* name)
     return head(kind, name, "none-ID").actionList();
 }
 
-ViewBuilder& ViewBuilder::actions(const std::vector<ActionSpec>& list)
+ViewBuilder& ViewBuilder::actions(const std::vector<ActionFields>& list)
 {
     pendingActions_ = list;
     return *this;
@@ -183,13 +183,13 @@ ViewBuilder& ViewBuilder::actions(const std::vector<ActionSpec>& list)
 ViewBuilder& ViewBuilder::actionList()
 {
     integer(int32_t(pendingActions_.size()));
-    for (const ActionSpec& a : pendingActions_)
+    for (const ActionFields& a : pendingActions_)
         action(a);
     pendingActions_.clear();
     return *this;
 }
 
-ViewBuilder& ViewBuilder::action(const ActionSpec& a)
+ViewBuilder& ViewBuilder::action(const ActionFields& a)
 {
     integer(a.id).integer(a.type).fixed(a.var, 64).fixed(a.var2, 64);
     real(a.a0).real(a.a1).real(a.b0).real(a.b1).integer(a.limit);
@@ -201,32 +201,32 @@ ViewBuilder& ViewBuilder::action(const ActionSpec& a)
     fixed(a.translatePoly, 64).integer(a.visibleMode).integer(a.visibleValue);
     for (int i = 0; i < 8; ++i)
         integer(0);
-    for (const ThresholdBlockSpec& block : a.blocks) {
+    for (const ThresholdBlockFields& block : a.blocks) {
         real(block.min).real(block.max).integer(int32_t(block.entries.size()));
-        for (const ThresholdSpec& t : block.entries)
+        for (const ThresholdFields& t : block.entries)
             real(t.lower).real(t.upper).integer(t.value).real(t.color[0]).real(t.color[1]).real(t.color[2]);
     }
     return *this;
 }
 
-ViewBuilder& ViewBuilder::dataSection(const std::vector<SourceSpec>& sources)
+ViewBuilder& ViewBuilder::dataSection(const std::vector<SourceFields>& sources)
 {
     integer(20).integer(int32_t(sources.size()));
-    for (const SourceSpec& s : sources)
+    for (const SourceFields& s : sources)
         source(s);
     return *this;
 }
 
-ViewBuilder& ViewBuilder::source(const SourceSpec& s)
+ViewBuilder& ViewBuilder::source(const SourceFields& s)
 {
     integer(s.id).integer(int32_t(s.dataParams.size())).integer(s.varParamCount);
-    for (const ParaSpec& p : s.dataParams)
+    for (const ParaFields& p : s.dataParams)
         integer(p.ival).fixed(p.text, 64);
     integer(int32_t(s.variables.size()));
-    for (const VariableSpec& v : s.variables) {
+    for (const VariableFields& v : s.variables) {
         integer(v.type).fixed(v.name, 64).fixed(v.defaultValue, 64);
         for (int i = 0; i < s.varParamCount; ++i) {
-            ParaSpec p = size_t(i) < v.params.size() ? v.params[size_t(i)] : ParaSpec();
+            ParaFields p = size_t(i) < v.params.size() ? v.params[size_t(i)] : ParaFields();
             integer(p.ival).integer(v.capacity).fixed(p.text, size_t(v.capacity));
         }
     }

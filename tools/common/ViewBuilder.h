@@ -8,7 +8,7 @@
 
 namespace korelgen {
 
-struct RectSpec {
+struct RectFields {
     float x0 = 0, y0 = 0, x1 = 10, y1 = 10; // lower left and upper right corner
     int strokeOn = 0;
     float strokeWidth = 1;
@@ -20,7 +20,7 @@ struct RectSpec {
     int fillStyle = 0;
 };
 
-struct GraphSpec {
+struct GraphFields {
     int type = 0;
     float x = 20, y = 20, width = 200, height = 100; // lower left corner and size
     float ymin = -100, ymax = 100, xmin = 0, xmax = 100;
@@ -48,13 +48,13 @@ struct GraphSpec {
     float labelXmin = 0, labelXmax = 100, labelYmin = 0, labelYmax = 100;
 };
 
-struct PointSpec {
+struct PointFields {
     int id;
     float x, y;
 };
 
 // Polyline and closed polygon share the layout.
-struct PolySpec {
+struct PolyFields {
     int closed = 0;
     int strokeOn = 1;
     float strokeWidth = 3;
@@ -64,12 +64,12 @@ struct PolySpec {
     float fill[4] = {0, 1, 0, 1};
     int antialias = 0;
     int fillStyle = 0;
-    std::vector<PointSpec> points = {{0, 10, 10}, {1, 60, 10}, {2, 60, 40}};
+    std::vector<PointFields> points = {{0, 10, 10}, {1, 60, 10}, {2, 60, 40}};
     int storedCount = -1; // the point count written; -1 writes the number of points
 };
 
 // Circle and arc share the layout. The matrix scales a stored ellipse of radius 100.
-struct CircleSpec {
+struct CircleFields {
     float x = 100, y = 100;
     float matrix[4] = {0.5f, 0, 0, 0.5f};
     float start = 0, end = 6.2831855f;
@@ -83,7 +83,7 @@ struct CircleSpec {
     int fillStyle = 0;
 };
 
-struct TextSpec {
+struct TextFields {
     int kind = 4; // 10, the older code, reads the same
     float x = 100, y = 100;
     float color[4] = {0, 1, 1, 1};
@@ -94,7 +94,7 @@ struct TextSpec {
     std::string text = "Text";
 };
 
-struct LineSpec {
+struct LineFields {
     float x1 = 0, y1 = 0, x2 = 100, y2 = 0;
     float strokeWidth = 1;
     int strokeStyle = 0;
@@ -103,7 +103,7 @@ struct LineSpec {
 };
 
 // The pixels are written as given, whatever width and height claim.
-struct ImageSpec {
+struct ImageFields {
     float x0 = 0, y0 = 0, x1 = 64, y1 = 64; // lower left and upper right corner
     float tint[4] = {1, 1, 1, 1};
     int width = 0, height = 0;
@@ -111,7 +111,7 @@ struct ImageSpec {
     std::vector<uint8_t> pixels; // RGBA, row after row
 };
 
-struct ButtonSpec {
+struct ButtonFields {
     float x0 = 0, y0 = 0, x1 = 80, y1 = 30; // lower left and upper right corner
     float face[4] = {0.7f, 0.7f, 0.7f, 1};
     float light[4] = {0.9f, 0.9f, 0.9f, 1};
@@ -120,7 +120,7 @@ struct ButtonSpec {
     int state = 0;
 };
 
-struct SliderSpec {
+struct SliderFields {
     float x = 100, y = 100, width = 20, height = 200; // centre and size of the groove
     float face[4] = {0.5f, 0.5f, 0.5f, 1};
     float dark[4] = {0.3f, 0.3f, 0.3f, 1};
@@ -130,21 +130,21 @@ struct SliderSpec {
     float reserved2 = 0;
 };
 
-struct ThresholdSpec {
+struct ThresholdFields {
     float lower = 0, upper = 1;
     int value = 1;
     float color[3] = {0.5f, 1, 0.5f};
 };
 
 // One stored threshold block: its range and its entries.
-struct ThresholdBlockSpec {
+struct ThresholdBlockFields {
     float min = 0, max = 120;
-    std::vector<ThresholdSpec> entries;
+    std::vector<ThresholdFields> entries;
 };
 
 // An action record as stored. Blocks in file order: colour, line width, line style,
 // visibility, blink.
-struct ActionSpec {
+struct ActionFields {
     int id = 0;
     int type = 0;
     std::string var, var2;
@@ -161,30 +161,30 @@ struct ActionSpec {
     int mouseHiddenActive = 1;
     std::string translatePoly;
     int visibleMode = 0, visibleValue = 0;
-    ThresholdBlockSpec blocks[5];
+    ThresholdBlockFields blocks[5];
 };
 
-struct ParaSpec {
+struct ParaFields {
     int ival = 0;
     std::string text;
 };
 
 // A variable; each of its parameters is stored with a text buffer of `capacity` bytes.
-struct VariableSpec {
+struct VariableFields {
     int type = 0;
     std::string name;
     std::string defaultValue;
-    std::vector<ParaSpec> params;
+    std::vector<ParaFields> params;
     int capacity = 64;
 };
 
 // A source record. The count of variable parameters is stored as given; each variable
 // stores that many parameters, empty ones where its list is shorter.
-struct SourceSpec {
+struct SourceFields {
     int id = 1;
-    std::vector<ParaSpec> dataParams;
+    std::vector<ParaFields> dataParams;
     int varParamCount = 0;
-    std::vector<VariableSpec> variables;
+    std::vector<VariableFields> variables;
 };
 
 class ViewBuilder {
@@ -193,28 +193,28 @@ public:
     explicit ViewBuilder(int major = 3, int minor = 3, const char* magic = "VIEW FILE 3.3\n");
     ViewBuilder& page(float x, float y, float width, float height, float r, float g, float b);
 
-    ViewBuilder& rect(const RectSpec& spec, const char* name = "rect", const char* id = "rect-ID");
+    ViewBuilder& rect(const RectFields& fields, const char* name = "rect", const char* id = "rect-ID");
     // A group of `children` elements; the children follow, then endGroup() closes it.
     ViewBuilder& beginGroup(int children, const char* name = "group", const char* id = "group-ID");
     ViewBuilder& endGroup();
     ViewBuilder& scissor(float x0, float y0, float x1, float y1, const char* name = "clip");
-    ViewBuilder& graph(const GraphSpec& spec, const char* name = "graph", const char* id = "graph-ID");
-    ViewBuilder& polyline(const PolySpec& spec, const char* name = "polyline", const char* id = "polyline-ID");
-    ViewBuilder& cpoly(const PolySpec& spec, const char* name = "cpoly", const char* id = "cpoly-ID");
-    ViewBuilder& circle(const CircleSpec& spec, const char* name = "circle", const char* id = "circle-ID");
-    ViewBuilder& arc(const CircleSpec& spec, const char* name = "arc", const char* id = "arc-ID");
-    ViewBuilder& text(const TextSpec& spec, const char* name = "text", const char* id = "text-ID");
-    ViewBuilder& line(const LineSpec& spec, const char* name = "line", const char* id = "line-ID");
-    ViewBuilder& image(const ImageSpec& spec, const char* name = "image", const char* id = "image-ID");
-    ViewBuilder& button(const ButtonSpec& spec, const char* name = "button", const char* id = "button-ID");
-    ViewBuilder& slider(const SliderSpec& spec, const char* name = "slider", const char* id = "slider-ID");
+    ViewBuilder& graph(const GraphFields& fields, const char* name = "graph", const char* id = "graph-ID");
+    ViewBuilder& polyline(const PolyFields& fields, const char* name = "polyline", const char* id = "polyline-ID");
+    ViewBuilder& cpoly(const PolyFields& fields, const char* name = "cpoly", const char* id = "cpoly-ID");
+    ViewBuilder& circle(const CircleFields& fields, const char* name = "circle", const char* id = "circle-ID");
+    ViewBuilder& arc(const CircleFields& fields, const char* name = "arc", const char* id = "arc-ID");
+    ViewBuilder& text(const TextFields& fields, const char* name = "text", const char* id = "text-ID");
+    ViewBuilder& line(const LineFields& fields, const char* name = "line", const char* id = "line-ID");
+    ViewBuilder& image(const ImageFields& fields, const char* name = "image", const char* id = "image-ID");
+    ViewBuilder& button(const ButtonFields& fields, const char* name = "button", const char* id = "button-ID");
+    ViewBuilder& slider(const SliderFields& fields, const char* name = "slider", const char* id = "slider-ID");
     // An element of a code without a body: only the head and an empty action list.
     ViewBuilder& bodiless(int kind, const char* name = "none");
     // The action list that the next element record to be closed stores: the next element
     // written, or endGroup(). Without it an element stores no action.
-    ViewBuilder& actions(const std::vector<ActionSpec>& list);
+    ViewBuilder& actions(const std::vector<ActionFields>& list);
     // Marker 20 and a data-source section.
-    ViewBuilder& dataSection(const std::vector<SourceSpec>& sources = {});
+    ViewBuilder& dataSection(const std::vector<SourceFields>& sources = {});
 
     ViewBuilder& integer(int32_t value);
     ViewBuilder& real(float value);
@@ -228,14 +228,14 @@ private:
     ViewBuilder& head(int kind, const char* name, const char* id);
     ViewBuilder& corners(float x0, float y0, float x1, float y1);
     ViewBuilder& color(const float rgba[4]);
-    ViewBuilder& polyBody(int kind, const PolySpec& spec, const char* name, const char* id);
-    ViewBuilder& circleBody(int kind, const CircleSpec& spec, const char* name, const char* id);
+    ViewBuilder& polyBody(int kind, const PolyFields& fields, const char* name, const char* id);
+    ViewBuilder& circleBody(int kind, const CircleFields& fields, const char* name, const char* id);
     // Closes an element record with the pending actions.
     ViewBuilder& actionList();
-    ViewBuilder& action(const ActionSpec& spec);
-    ViewBuilder& source(const SourceSpec& spec);
+    ViewBuilder& action(const ActionFields& fields);
+    ViewBuilder& source(const SourceFields& fields);
     std::vector<uint8_t> bytes_;
-    std::vector<ActionSpec> pendingActions_;
+    std::vector<ActionFields> pendingActions_;
 };
 
 } // namespace korelgen
