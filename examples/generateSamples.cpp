@@ -1,6 +1,7 @@
 // Writes the sample views shipped in examples/: panel.k2d, a small operator panel of the kinds
 // drawn today (rectangles, groups, clip areas), and everykind.k2d, one of each element kind with
-// actions and data sources, for tools that read every record. Usage: korel2d-samples OUTPUT_DIR
+// actions and data sources, for tools that read every record, and sources.k2d, a view of
+// constants, internal variables and the example plug-in's variables. Usage: korel2d-samples OUTPUT_DIR
 #include "ViewBuilder.h"
 #include "panelPalette.h"
 
@@ -308,6 +309,37 @@ std::vector<uint8_t> everyKind()
     return b.bytes();
 }
 
+// A view that is mostly its sources: constants, internal variables, the example plug-in's
+// variables, and a source whose plug-in isn't installed, to show how a view copes with that.
+std::vector<uint8_t> sources()
+{
+    ViewBuilder b;
+    b.page(0, 0, 320, 200, kPage.r, kPage.g, kPage.b);
+    b.rect(framed(8, 8, 312, 192, kPanel, kFrame, 2), "panel", "panel-ID");
+    b.rect(framed(8, 160, 312, 192, kHeader, kFrame, 1), "header", "header-ID");
+
+    SourceFields constants;
+    constants.id = 2;
+    constants.varParamCount = 1;
+    constants.variables = {{0, "CONST_PI", "", {{0, "3.5"}}}, {3, "CONST_BYTE", "", {{0, "300"}}}};
+    SourceFields internal;
+    internal.id = 5;
+    internal.variables = {{6, "INT_MASK", "0x1F", {}}, {0, "INT_LEVEL", "", {}}};
+    // The example plug-in: Run blocks for the first parameter's milliseconds; each variable's
+    // list parameter picks what it gives: 0 Run calls, 1 the last Set value, 2 the thread's name.
+    SourceFields example;
+    example.id = 100;
+    example.dataParams = {{0, "0"}, {0, "sample"}};
+    example.varParamCount = 1;
+    example.variables = {{6, "EX_RUNS", "", {{0, ""}}}, {0, "EX_LAST_SET", "", {{1, ""}}},
+                         {10, "EX_THREAD", "", {{2, ""}}}};
+    SourceFields missing;
+    missing.id = 999;
+    missing.variables = {{0, "OUTSIDE_VALUE", "", {}}};
+    b.dataSection({constants, internal, example, missing});
+    return b.bytes();
+}
+
 bool writeFile(const std::string& path, const std::vector<uint8_t>& bytes)
 {
     FILE* file = std::fopen(path.c_str(), "wb");
@@ -334,7 +366,7 @@ int main(int argc, char** argv)
     const struct {
         const char* name;
         std::vector<uint8_t> bytes;
-    } samples[] = {{"panel.k2d", panel()}, {"everykind.k2d", everyKind()}};
+    } samples[] = {{"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}};
     for (const auto& sample : samples) {
         std::string path = std::string(argv[1]) + "/" + sample.name;
         if (!writeFile(path, sample.bytes))

@@ -15,6 +15,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "KorelDataSource.h"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -47,8 +49,6 @@ enum {
 typedef struct ELEMENT_STRUCT ELEMENT_STRUCT;
 typedef struct ACTION_STRUCT ACTION_STRUCT;
 typedef struct STICKY_STRUCT STICKY_STRUCT;
-typedef struct DD_DATA_TYPE_STRUCT DD_DATA_TYPE_STRUCT; /* KorelDataSource.h */
-typedef struct VARIABLE_STRUCT VARIABLE_STRUCT;         /* KorelDataSource.h */
 typedef struct mpiHash mpiHash;
 
 /* Font handle of the font layer; 0 means no font. */
@@ -433,6 +433,10 @@ typedef struct VIEW_STRUCT {
     uint32_t planeList;
     ELEMENT_STRUCT* pickedElement;
     int64_t pickEvent;
+    /* Private to the library: the data thread of mode 2 until it is joined, and whether the
+     * sources are still open after a stop that could not wait for that thread. */
+    void* dataThread;
+    uint32_t sourcesOpen;
 } VIEW_STRUCT;
 
 typedef struct WINDOW_STRUCT {
@@ -466,6 +470,113 @@ int krViewHeight(VIEW_STRUCT* view);
 /* Centre of the page in view units, truncated. */
 int krViewPosX(VIEW_STRUCT* view);
 int krViewPosY(VIEW_STRUCT* view);
+
+/* ---------------------------------------------------------------- flat interface: running a view */
+
+/* Starts a stopped view in mode 1: each draw runs one data cycle. -3 if not stopped. */
+int krViewStart(VIEW_STRUCT* view);
+/* Starts a stopped view in mode 2: the thread "Korel2D:Data" runs a data cycle every 10 ms.
+ * -3 if not stopped or if the thread can't be made. */
+int krViewStartAnim(VIEW_STRUCT* view);
+/* Stops either mode: waits at most 0.5 s for the data thread, restores the static look,
+ * closes the sources. -3 if stopped. */
+int krViewStop(VIEW_STRUCT* view);
+/* Stops mode 2 only; -3 in any other mode. */
+int krViewStopAnim(VIEW_STRUCT* view);
+/* Adds delta seconds to the view clock (mode 1). -3 if stopped. */
+int krViewPutData(VIEW_STRUCT* view, double delta);
+/* Sets the view clock to t seconds; any mode. */
+int krViewSetTime(VIEW_STRUCT* view, float t);
+/* Non-zero freezes what is shown while the data cycle goes on. -3 if stopped. */
+int krViewSetHaltMode(VIEW_STRUCT* view, int mode);
+
+/* ---------------------------------------------------------------- flat interface: sources and variables */
+
+/* The view's sources as an array made for the caller (give it back with krFree); count set.
+ * Null and count 0 for a bad view. */
+DD_DATA_TYPE_STRUCT** krDataSourceGetAll(VIEW_STRUCT* view, int* count);
+const char* krDataSourceName(DD_DATA_TYPE_STRUCT* source);
+/* "libKrd<Name>.so" in a buffer overwritten by the next call; null for a null source. */
+const char* krDataSourceLibName(DD_DATA_TYPE_STRUCT* source);
+/* Type number; -1 for a null source. */
+int krDataSourceType(DD_DATA_TYPE_STRUCT* source);
+/* The source's variables as an array for the caller (krFree); count set. */
+VARIABLE_STRUCT** krVarGetAll(DD_DATA_TYPE_STRUCT* source, int* count);
+const char* krVarName(VARIABLE_STRUCT* variable);
+/* Type code 0..10; -1 for null. */
+int krVarType(VARIABLE_STRUCT* variable);
+/* 1 if the view writes the variable; -1 for null. */
+int krVarReadWrite(VARIABLE_STRUCT* variable);
+/* Type number of the first source holding a variable of this name; -1 if none. */
+int krVarSource(VIEW_STRUCT* view, const char* name);
+/* Parameter `index` of a variable: 0, -1 null variable, -2 index out of range.
+ * Set: text (may be null) must fit the slot. Get: either output may be null; text gets the slot's size. */
+int krVarSetPara(VARIABLE_STRUCT* variable, int index, int ival, const char* text);
+int krVarGetPara(VARIABLE_STRUCT* variable, int index, int* ival, char* text);
+/* Gives back an array of the Get-all operations; null is ignored. */
+void krFree(void* pointer);
+
+/* By name, between start and stop. Results: -1 null view, -2 not a view, -3 not started,
+ * -4 null name, -5 null value. krVarSet copies from value by the variable's type (4 bytes
+ * for codes 0, 6 to 9; 8 for 1; 1 for 2, 3; 2 for 4, 5; text for 10): 1 if it exists, else 0. */
+int krVarSet(VIEW_STRUCT* view, const char* name, const void* value);
+/* As krVarSet, converting text to the variable's type. */
+int krVarSetStr(VIEW_STRUCT* view, const char* name, const char* text);
+/* Prints the value into text (256 bytes). -6 for an unknown name, else whether an input
+ * action wrote the value since the last call (1 or 0). */
+int krVarGetStr(VIEW_STRUCT* view, const char* name, char* text);
+/* The variable's value buffer, or null. */
+void* krVarGetAddr(VIEW_STRUCT* view, const char* name);
+
+/* ---------------------------------------------------------------- data-source registry */
+
+/* A zeroed source with found = 1 and `slots` empty 64-byte parameter slots; null when out of memory. */
+DD_DATA_TYPE_STRUCT* createDataType(int slots);
+int appendDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source);
+/* Unlinks and destroys the source with its variables and parameter slots. withOptions non-zero:
+ * the item lists of its parameter descriptions go too. */
+int delDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source, int withOptions);
+
+/* A zeroed variable with `slots` empty 64-byte parameter slots and nrPara = slots. */
+VARIABLE_STRUCT* createVariable(int slots);
+int appendVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable);
+int delVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable);
+
+/* 1 if the list holds a source of type number id. */
+int checkDataType(DD_DATA_TYPE_STRUCT* list, int id);
+/* Insert beside `before`/`after`, or beside the head when that is null. */
+int KDataInsertBefore(DD_DATA_TYPE_STRUCT* source, DD_DATA_TYPE_STRUCT* before, DD_DATA_TYPE_STRUCT** head);
+int KDataInsertAfter(DD_DATA_TYPE_STRUCT* source, DD_DATA_TYPE_STRUCT* after, DD_DATA_TYPE_STRUCT** head);
+int variableInsertBefore(VARIABLE_STRUCT* variable, VARIABLE_STRUCT* before, VARIABLE_STRUCT** head);
+int variableInsertAfter(VARIABLE_STRUCT* variable, VARIABLE_STRUCT* after, VARIABLE_STRUCT** head);
+
+/* The built-in sources, then the plug-ins of ".", $KOREL_HOME/bin and $KOREL_HOME, each
+ * described by its Info; the first holder of a type number stays. */
+int kriLoadStaticDataSources(DD_DATA_TYPE_STRUCT** knownTypes);
+int kriLoadDataSources(DD_DATA_TYPE_STRUCT** knownTypes);
+int kriAppendDDsource(DD_DATA_TYPE_STRUCT** knownTypes, const char* path, const char* baseName);
+/* Loads (0) or unloads one plug-in; nothing for a built-in source. -1 on failure. */
+int openDDsource(const char* path, const char* baseName, DD_DATA_TYPE_STRUCT* source);
+int closeDDsource(DD_DATA_TYPE_STRUCT* source);
+/* Gives the view's sources the descriptions and entry points of the known ones. */
+int updateDataTypes(DD_DATA_TYPE_STRUCT* knownTypes, DD_DATA_TYPE_STRUCT* dataTypes);
+int openDataSources(DD_DATA_TYPE_STRUCT* list);
+int callStartView(DD_DATA_TYPE_STRUCT* list);
+int closeDataSources(DD_DATA_TYPE_STRUCT* list);
+
+/* Services a source reaches through its record. */
+int krdInit(DD_DATA_TYPE_STRUCT* source, const char* name, int id, int mode);
+int krdOption(DD_DATA_TYPE_STRUCT* source, int scope, int kind, unsigned flags, const char* title, ...);
+int krdAddVariable(DD_DATA_TYPE_STRUCT* source, const char* name, int type, ...);
+int krdDeleteAllVariables(DD_DATA_TYPE_STRUCT* source);
+char** krdGetAllVariables(DD_DATA_TYPE_STRUCT* source);
+VARIABLE_STRUCT** krdGetAllVariablesS(DD_DATA_TYPE_STRUCT* source);
+
+/* The value pipeline: fresh zeroed value buffers at each start (256 bytes for text, else 8),
+ * defaults written through Set, and one data cycle over all sources. */
+int makeValueBuffers(DD_DATA_TYPE_STRUCT* sources);
+int writeDefault(DD_DATA_TYPE_STRUCT* sources);
+int fillDP(DD_DATA_TYPE_STRUCT* sources);
 
 /* ---------------------------------------------------------------- flat interface: windows and drawing */
 

@@ -1,20 +1,42 @@
 /*
- * libKorel2D data sources: the records a data-source plug-in compiles against.
+ * libKorel2D data sources: what a data-source plug-in compiles against, and all it needs.
  *
  * The field order and widths of DD_DATA_TYPE_STRUCT, VARIABLE_STRUCT, PARA_STRUCT and
  * OPTION_STRUCT are a binary contract with plug-ins built separately, fixed by the interface
  * version KRD_INTERFACE_VERSION that a plug-in's krdVersion() returns. Compiles as C and as C++.
+ *
+ * A plug-in is a shared library named libKrd<Name>.so, found at view load in ".", then in
+ * $KOREL_HOME/bin and $KOREL_HOME. It links nothing of the library: the services it may call
+ * (init, option, addVariable, log, ...) come in the source record. It exports
+ *   int krdVersion(void);                           returning KRD_INTERFACE_VERSION
+ *   int krd<Name>Info(DD_DATA_TYPE_STRUCT*);        mandatory: init, then one option per parameter
+ * and any of these entry points, each of which may be left out:
+ *   krd<Name>Open, Close, Run, PostRun, StartView, NewData  (DD_DATA_TYPE_STRUCT* source)
+ *   krd<Name>Get, Set                               (VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* source)
+ *   krd<Name>NewVariable                            (VARIABLE_STRUCT* variable)
+ *   krd<Name>CallbackData  (int index, int value, void* argument, DD_DATA_TYPE_STRUCT* source)
+ *   krd<Name>CallbackVar   (int index, int value, void* argument, VARIABLE_STRUCT* variable)
+ * Info runs with the library loaded for that call only; Open, StartView and Close run on the
+ * thread that starts and stops the view; Run, Set, Get and PostRun run once per data cycle on
+ * the drawing thread or the view's data thread, one thread at a time, and must not block.
+ * Type numbers below 7 belong to the built-in sources.
  */
 #ifndef KOREL_DATA_SOURCE_H
 #define KOREL_DATA_SOURCE_H
 
-#include "Korel2D.h"
+#include <stdint.h>
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 #define KRD_INTERFACE_VERSION 324
+
+#ifndef KOREL_SOURCE_RECORDS_NAMED
+#define KOREL_SOURCE_RECORDS_NAMED
+typedef struct DD_DATA_TYPE_STRUCT DD_DATA_TYPE_STRUCT;
+typedef struct VARIABLE_STRUCT VARIABLE_STRUCT;
+#endif
 
 /* One parameter slot, of a source or of a variable. */
 typedef struct PARA_STRUCT {
@@ -114,18 +136,6 @@ struct DD_DATA_TYPE_STRUCT {
     DD_DATA_TYPE_STRUCT* prev;
     DD_DATA_TYPE_STRUCT* next;
 };
-
-/* A zeroed source with found = 1 and `slots` empty 64-byte parameter slots; null when out of memory. */
-DD_DATA_TYPE_STRUCT* createDataType(int slots);
-int appendDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source);
-/* Unlinks and destroys the source with its variables and parameter slots. withOptions non-zero:
- * the item lists of its parameter descriptions go too. */
-int delDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source, int withOptions);
-
-/* A zeroed variable with `slots` empty 64-byte parameter slots and nrPara = slots. */
-VARIABLE_STRUCT* createVariable(int slots);
-int appendVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable);
-int delVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable);
 
 #ifdef __cplusplus
 }

@@ -63,8 +63,11 @@ bool placementChanged(VIEW_STRUCT* view)
     return true;
 }
 
+// In mode 1 the draw runs the data cycle itself, right before the values are used.
 void walk(VIEW_STRUCT* view, DRAW_SETTINGS* settings)
 {
+    if (view->runMode == 1)
+        fillDP(view->dataTypes);
     drawUserElements(view->elements, nullptr, int(view->runMode), int(view->haltMode), 1, settings, 0);
 }
 

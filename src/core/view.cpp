@@ -1,6 +1,7 @@
 // Loading, freeing and configuring a view handle.
-#include "KorelDataSource.h"
+#include "Korel2D.h"
 #include "core/handles.h"
+#include "core/runModes.h"
 #include "core/truncate.h"
 #include "glyph/GlyphKit.h"
 
@@ -28,11 +29,17 @@ static void setUpFonts()
     gkLibraryParseFonts();
 }
 
+static void deleteSources(DD_DATA_TYPE_STRUCT** list, int withOptions)
+{
+    while (*list)
+        delDataType(list, *list, withOptions);
+}
+
 static void releaseView(VIEW_STRUCT* view)
 {
     elementDeleteAll(&view->elements);
-    while (view->dataTypes)
-        delDataType(&view->dataTypes, view->dataTypes, 0);
+    deleteSources(&view->dataTypes, 0);
+    deleteSources(&view->knownTypes, 1);
     mpiHashRemove(view->varHash);
     pthread_mutex_destroy(&view->mutex);
     view->magic = 0;
@@ -65,6 +72,12 @@ VIEW_STRUCT* krViewLoad(const char* path)
         releaseView(view);
         return nullptr;
     }
+    // What is installed here describes itself; the view's sources take over the descriptions
+    // and entry points of the matching kinds. Nothing is opened before the start.
+    kriLoadStaticDataSources(&view->knownTypes);
+    kriLoadDataSources(&view->knownTypes);
+    updateDataTypes(view->knownTypes, view->dataTypes);
+    deleteSources(&view->knownTypes, 1);
     return view;
 }
 
@@ -98,6 +111,9 @@ int krViewFree(VIEW_STRUCT* view)
 {
     if (int check = checkView(view))
         return check;
+    if (view->runMode != 0)
+        krViewStop(view);
+    finishPendingStop(view);
     if (view->planeTexture && getGlContext())
         glDeleteTextures(1, &view->planeTexture);
     releaseView(view);

@@ -1,6 +1,7 @@
 // Data-source and variable records and their lists.
-#include "KorelDataSource.h"
+#include "Korel2D.h"
 #include "core/linkedList.h"
+#include "data/sourceRecords.h"
 
 #include <cstddef>
 #include <cstdlib>
@@ -52,6 +53,15 @@ PARA_STRUCT* createParaSlots(int slots)
     return para;
 }
 
+int countParaSlots(const PARA_STRUCT* para)
+{
+    int slots = 0;
+    if (para)
+        while (para[slots].sval)
+            ++slots;
+    return slots;
+}
+
 void freeParaSlots(PARA_STRUCT* para)
 {
     if (!para)
@@ -70,6 +80,23 @@ void freeOptions(OPTION_STRUCT* options, int32_t count, bool withItems)
 }
 
 } // namespace
+
+int ensureParaSlots(PARA_STRUCT** para, int slots)
+{
+    int have = countParaSlots(*para);
+    if (have >= slots)
+        return 0;
+    PARA_STRUCT* grown = createParaSlots(slots);
+    if (!grown)
+        return -1;
+    for (int i = 0; i < have; ++i) {
+        free(grown[i].sval);
+        grown[i] = (*para)[i];
+    }
+    free(*para);
+    *para = grown;
+    return 0;
+}
 
 DD_DATA_TYPE_STRUCT* createDataType(int slots)
 {
@@ -93,6 +120,28 @@ int appendDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source)
 {
     if (head && source)
         appendNode(head, source);
+    return 0;
+}
+
+int checkDataType(DD_DATA_TYPE_STRUCT* list, int id)
+{
+    for (const DD_DATA_TYPE_STRUCT* source = list; source; source = source->next)
+        if (source->id == id)
+            return 1;
+    return 0;
+}
+
+int KDataInsertBefore(DD_DATA_TYPE_STRUCT* source, DD_DATA_TYPE_STRUCT* before, DD_DATA_TYPE_STRUCT** head)
+{
+    if (head && source)
+        insertNode(source, before, head, true);
+    return 0;
+}
+
+int KDataInsertAfter(DD_DATA_TYPE_STRUCT* source, DD_DATA_TYPE_STRUCT* after, DD_DATA_TYPE_STRUCT** head)
+{
+    if (head && source)
+        insertNode(source, after, head, false);
     return 0;
 }
 
@@ -138,6 +187,20 @@ int appendVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable)
     return 0;
 }
 
+int variableInsertBefore(VARIABLE_STRUCT* variable, VARIABLE_STRUCT* before, VARIABLE_STRUCT** head)
+{
+    if (head && variable)
+        insertNode(variable, before, head, true);
+    return 0;
+}
+
+int variableInsertAfter(VARIABLE_STRUCT* variable, VARIABLE_STRUCT* after, VARIABLE_STRUCT** head)
+{
+    if (head && variable)
+        insertNode(variable, after, head, false);
+    return 0;
+}
+
 int delVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable)
 {
     if (!variable)
@@ -145,6 +208,7 @@ int delVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable)
     if (head && *head)
         unlinkNode(head, variable);
     freeParaSlots(variable->para);
+    free(variable->value);
     free(variable);
     return 0;
 }

@@ -2,7 +2,6 @@
 // thresholds and two data sources, cut short at every byte and garbled in thousands of ways,
 // must load and free without harm, and without claiming memory out of proportion to its size.
 #include "Korel2D.h"
-#include "KorelDataSource.h"
 #include "LoadedView.h"
 #include "ViewBuilder.h"
 

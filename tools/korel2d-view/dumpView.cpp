@@ -1,6 +1,6 @@
 #include "dumpView.h"
 
-#include "KorelDataSource.h"
+#include "Korel2D.h"
 
 #include <cstring>
 #include <string>

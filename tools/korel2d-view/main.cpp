@@ -4,6 +4,7 @@
 #include "OffscreenGl.h"
 #include "dumpView.h"
 #include "pngWrite.h"
+#include "printVariables.h"
 
 #include <GL/gl.h>
 #include <GL/glx.h>
@@ -25,6 +26,7 @@
 namespace {
 
 const char* const kUsage = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z] [--dump]\n"
+                           "       korel2d-view FILE --vars [--anim] [--frames N]\n"
                            "  --png OUT    render off-screen into the PNG file OUT instead of a window\n"
                            "  --frames N   draw N frames, then quit (default: until the window is closed;\n"
                            "               one frame off-screen)\n"
@@ -32,6 +34,10 @@ const char* const kUsage = "usage: korel2d-view FILE [--png OUT] [--frames N] [-
                            "  --zoom Z     pixels per view unit (default 1)\n"
                            "  --dump       print the view's elements, actions and data sources as text\n"
                            "               and quit; nothing is drawn\n"
+                           "  --vars       start the view, run N data cycles (default 1), print each source\n"
+                           "               and the value of each variable, stop\n"
+                           "  --anim       with --vars: run in the animated mode, where the library's data\n"
+                           "               thread runs a cycle every 10 ms, instead of one cycle per frame\n"
                            "Without a display the picture goes to korel2d-view.png.\n";
 
 constexpr int kMinSide = 64;
@@ -45,6 +51,8 @@ struct Options {
     int height = 0;
     float zoom = 1;
     bool dump = false;
+    bool vars = false;
+    bool anim = false;
     bool help = false;
 };
 
@@ -88,8 +96,8 @@ bool parseArguments(int argc, char** argv, Options* o)
             o->help = true;
             return true;
         }
-        if (arg == "--dump") {
-            o->dump = true;
+        if (arg == "--dump" || arg == "--vars" || arg == "--anim") {
+            (arg == "--dump" ? o->dump : arg == "--vars" ? o->vars : o->anim) = true;
             continue;
         }
         if (arg.size() > 1 && arg[0] == '-') {
@@ -115,7 +123,7 @@ bool parseArguments(int argc, char** argv, Options* o)
             return false;
         }
     }
-    return !o->file.empty();
+    return !o->file.empty() && (!o->anim || o->vars);
 }
 
 // ---------------------------------------------------------------- the view
@@ -189,6 +197,39 @@ int dumpToStdout(const Options& o)
     if (!view)
         return 1;
     dumpView(view.get(), stdout);
+    return 0;
+}
+
+// Mode 1 runs a data cycle per frame, so frames are drawn into a small off-screen picture;
+// mode 2 needs no drawing, its thread runs a cycle every 10 ms.
+int runAndPrintVariables(const Options& o)
+{
+    const int cycles = std::max(o.frames, 1);
+    korelgen::OffscreenGl gl;
+    std::string why;
+    if (!o.anim && !gl.open(kMinSide, kMinSide, &why)) {
+        std::fprintf(stderr, "korel2d-view: no off-screen GL context for the data cycles: %s\n", why.c_str());
+        return 1;
+    }
+    ViewPtr view = loadView(o.file);
+    if (!view)
+        return 1;
+    if ((o.anim ? krViewStartAnim(view.get()) : krViewStart(view.get())) != 0) {
+        std::fprintf(stderr, "korel2d-view: the view did not start\n");
+        return 1;
+    }
+    if (o.anim) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10) * cycles);
+    } else {
+        WindowPtr window(krWindowCreate(), krWindowFree);
+        krWindowInit(window.get(), kMinSide, kMinSide);
+        for (int i = 0; i < cycles; ++i)
+            drawFrame(window.get(), view.get(), o.zoom);
+    }
+    std::printf("korel2d-view: %s after %d data cycle%s%s\n", o.file.c_str(), cycles, cycles == 1 ? "" : "s",
+                o.anim ? " of 10 ms (animated)" : " (one per frame)");
+    printVariables(view.get(), stdout);
+    krViewStop(view.get());
     return 0;
 }
 
@@ -394,6 +435,8 @@ int main(int argc, char** argv)
     }
     if (o.dump)
         return dumpToStdout(o);
+    if (o.vars)
+        return runAndPrintVariables(o);
     int width = 0, height = 0;
     if (!pictureSize(o, &width, &height))
         return 1;

@@ -1,0 +1,216 @@
+// Starting and stopping a view, and the data thread of the animated mode.
+//
+// A stop gives the data thread 0.5 s to end. A thread still inside a source after that (a
+// plug-in blocking in Run) is not waited for, but nothing is closed or unloaded under it: the
+// sources stay open until the thread has ended, which the next start or the free waits for.
+#include "core/runModes.h"
+#include "core/handles.h"
+
+#include <pthread.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr auto kCyclePause = std::chrono::milliseconds(10);
+constexpr auto kStopWait = std::chrono::milliseconds(500);
+
+// The data thread and what wakes it: a stop needn't wait out the pause between two cycles.
+struct DataThread {
+    pthread_t thread{};
+    std::mutex wakeLock;
+    std::condition_variable wake;
+    bool done = false;
+};
+
+DataThread* dataThreadOf(const VIEW_STRUCT* view)
+{
+    return static_cast<DataThread*>(view->dataThread);
+}
+
+uint32_t runModeSeenByThread(VIEW_STRUCT* view)
+{
+    return __atomic_load_n(&view->runMode, __ATOMIC_ACQUIRE);
+}
+
+void* runDataCycles(void* argument)
+{
+    VIEW_STRUCT* view = static_cast<VIEW_STRUCT*>(argument);
+    DataThread* self = dataThreadOf(view);
+    for (;;) {
+        pthread_mutex_lock(&view->mutex);
+        bool running = runModeSeenByThread(view) != 0;
+        if (running) {
+            view->time = apiGetTime() - view->startTime;
+            fillDP(view->dataTypes);
+        }
+        pthread_mutex_unlock(&view->mutex);
+        if (!running)
+            break;
+        std::unique_lock<std::mutex> lock(self->wakeLock);
+        if (self->wake.wait_for(lock, kCyclePause, [view] { return runModeSeenByThread(view) == 0; }))
+            break;
+    }
+    __atomic_store_n(&view->threadDone, 1u, __ATOMIC_RELEASE);
+    {
+        std::lock_guard<std::mutex> lock(self->wakeLock);
+        self->done = true;
+    }
+    self->wake.notify_all();
+    return nullptr;
+}
+
+void joinDataThread(VIEW_STRUCT* view)
+{
+    DataThread* self = dataThreadOf(view);
+    pthread_join(self->thread, nullptr);
+    delete self;
+    view->dataThread = nullptr;
+}
+
+// Ends the thread within the stop's time limit; true if it ended and was joined.
+bool endDataThread(VIEW_STRUCT* view)
+{
+    DataThread* self = dataThreadOf(view);
+    if (!self)
+        return true;
+    bool ended;
+    {
+        std::unique_lock<std::mutex> lock(self->wakeLock);
+        __atomic_store_n(&view->runMode, 0u, __ATOMIC_RELEASE);
+        self->wake.notify_all();
+        ended = self->wake.wait_until(lock, Clock::now() + kStopWait, [self] { return self->done; });
+    }
+    if (ended)
+        joinDataThread(view);
+    return ended;
+}
+
+void closeSourcesIfFree(VIEW_STRUCT* view)
+{
+    if (view->sourcesOpen && !view->dataThread) {
+        closeDataSources(view->dataTypes);
+        view->sourcesOpen = 0;
+    }
+}
+
+void forgetVariables(VIEW_STRUCT* view)
+{
+    mpiHashClear(view->varHash);
+    setElementAttr(view->elements);
+    closeSourcesIfFree(view);
+}
+
+int startView(VIEW_STRUCT* view, uint32_t mode)
+{
+    if (int check = checkView(view))
+        return check;
+    if (view->runMode != 0)
+        return -3;
+    finishPendingStop(view);
+    view->startTime = apiGetTime();
+    openDataSources(view->dataTypes);
+    callStartView(view->dataTypes);
+    view->sourcesOpen = 1;
+    // After StartView, which may have replaced a source's variables.
+    makeValueBuffers(view->dataTypes);
+    for (DD_DATA_TYPE_STRUCT* source = view->dataTypes; source; source = source->next)
+        for (VARIABLE_STRUCT* variable = source->variables; variable; variable = variable->next)
+            mpiHashInsertAscii(view->varHash, variable->name, variable);
+    writeDefault(view->dataTypes);
+    view->haltMode = 0;
+    view->planeDirty = 1;
+    view->pickedElement = nullptr;
+    view->pickEvent = -1;
+    view->threadDone = 0;
+    view->runMode = mode;
+    if (mode != 2)
+        return 0;
+
+    DataThread* self = new DataThread;
+    view->dataThread = self;
+    if (pthread_create(&self->thread, nullptr, runDataCycles, view) != 0) {
+        logMsg(1, "krViewStartAnim: no data thread\n");
+        delete self;
+        view->dataThread = nullptr;
+        view->runMode = 0;
+        forgetVariables(view);
+        return -3;
+    }
+    pthread_setname_np(self->thread, "Korel2D:Data");
+    return 0;
+}
+
+} // namespace
+
+void finishPendingStop(VIEW_STRUCT* view)
+{
+    if (view->runMode == 0 && view->dataThread)
+        joinDataThread(view);
+    closeSourcesIfFree(view);
+}
+
+int krViewStart(VIEW_STRUCT* view)
+{
+    return startView(view, 1);
+}
+
+int krViewStartAnim(VIEW_STRUCT* view)
+{
+    return startView(view, 2);
+}
+
+int krViewStopAnim(VIEW_STRUCT* view)
+{
+    if (int check = checkView(view))
+        return check;
+    if (view->runMode != 2)
+        return -3;
+    endDataThread(view);
+    forgetVariables(view);
+    return 0;
+}
+
+int krViewStop(VIEW_STRUCT* view)
+{
+    if (int check = checkView(view))
+        return check;
+    if (view->runMode == 0)
+        return -3;
+    if (view->runMode == 2)
+        return krViewStopAnim(view);
+    view->runMode = 0;
+    forgetVariables(view);
+    return 0;
+}
+
+int krViewPutData(VIEW_STRUCT* view, double delta)
+{
+    if (int check = checkView(view))
+        return check;
+    if (view->runMode == 0)
+        return -3;
+    view->time += delta;
+    return 0;
+}
+
+int krViewSetTime(VIEW_STRUCT* view, float t)
+{
+    if (int check = checkView(view))
+        return check;
+    view->time = t;
+    return 0;
+}
+
+int krViewSetHaltMode(VIEW_STRUCT* view, int mode)
+{
+    if (int check = checkView(view))
+        return check;
+    if (view->runMode == 0)
+        return -3;
+    view->haltMode = uint32_t(mode);
+    return 0;
+}

@@ -1,0 +1,37 @@
+// Constant Data (type 2): each variable gives the value stored in its VALUE parameter. The text
+// is read anew every cycle, so whatever wrote into the buffer in between is overwritten.
+#include "data/builtinSources.h"
+#include "data/valueBuffer.h"
+
+#include <cstdlib>
+
+namespace {
+
+int krdConstVarInfo(DD_DATA_TYPE_STRUCT* source)
+{
+    source->init(source, "Constant Data", 2, 0);
+    source->option(source, 1, 0, 0, "VALUE");
+    return 0;
+}
+
+int krdConstVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT*)
+{
+    if (!variable->value)
+        return 0;
+    const char* text = variable->para && variable->nrPara > 0 && variable->para[0].sval ? variable->para[0].sval : "";
+    if (variable->type == 0 || variable->type == 1)
+        storeReal(variable->value, variable->type, strtod(text, nullptr));
+    else if (isIntegerType(variable->type))
+        storeInteger(variable->value, integerSize(variable->type), strtol(text, nullptr, 10));
+    else if (variable->type == kTextType)
+        storeText(variable->value, text);
+    return 0;
+}
+
+} // namespace
+
+const BuiltinSource constantSource = {
+    krdConstVarInfo, emptySourceEntry, emptySourceEntry, emptySourceEntry, nullptr,
+    krdConstVarGet,  nullptr,          emptySourceEntry, nullptr,          emptySourceEntry,
+    emptyNewVariable, emptyCallbackData, emptyCallbackVar,
+};
