@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs what is missing, builds the library twice (plain, and with AddressSanitizer and
-# UBSan) and runs the whole test suite in both builds. Ends with ctest's summary.
+# UBSan) and runs the whole test suite in both builds; the tests of data sources and the data
+# thread also run under ThreadSanitizer. Ends with ctest's summary.
 set -e
 cd "$(dirname "$0")/.."
 sh scripts/setup.sh
@@ -10,17 +11,22 @@ cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build build -j"$JOBS"
 cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKOREL2D_SANITIZE=ON -DKOREL2D_BENCH=OFF >/dev/null
 cmake --build build-asan -j"$JOBS"
+cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKOREL2D_TSAN=ON -DKOREL2D_BENCH=OFF -DKOREL2D_TOOLS=OFF >/dev/null
+cmake --build build-tsan -j"$JOBS" --target korel2d_data_tests
 
 # The rendering tests need an X display; start a virtual one when there is none.
 run_suite() {
+  dir="$1"; shift
   if [ -n "$DISPLAY" ]; then
-    ctest --test-dir "$1" --output-on-failure -j"$JOBS"
+    ctest --test-dir "$dir" --output-on-failure -j"$JOBS" "$@"
   else
-    xvfb-run -a -s "-screen 0 1280x1024x24" ctest --test-dir "$1" --output-on-failure -j"$JOBS"
+    xvfb-run -a -s "-screen 0 1280x1024x24" ctest --test-dir "$dir" --output-on-failure -j"$JOBS" "$@"
   fi
 }
 
 echo "== test suite, AddressSanitizer + UBSan build =="
 run_suite build-asan
+echo "== data sources and the data thread, ThreadSanitizer build =="
+run_suite build-tsan -R '^data\.'
 echo "== test suite, plain build =="
 run_suite build

@@ -13,24 +13,6 @@ namespace {
 // GL_POLYGON_STIPPLE_BIT | GL_LINE_BIT | GL_POINT_BIT | GL_CURRENT_BIT
 constexpr GLbitfield kSavedAttributes = 0x40D57;
 
-// Holds the view's lock for one draw pass while the data thread may change values.
-class DrawLock {
-public:
-    explicit DrawLock(VIEW_STRUCT* view) : view_(view->runMode == 2 ? view : nullptr)
-    {
-        if (view_)
-            pthread_mutex_lock(&view_->mutex);
-    }
-    ~DrawLock()
-    {
-        if (view_)
-            pthread_mutex_unlock(&view_->mutex);
-    }
-
-private:
-    VIEW_STRUCT* view_;
-};
-
 void disableForDraw()
 {
     glDisable(GL_SCISSOR_TEST);
@@ -86,7 +68,7 @@ int krViewDraw(WINDOW_STRUCT* window, VIEW_STRUCT* view, float x, float y, float
         return check;
     if (!getGlContext())
         return -3;
-    DrawLock lock(view);
+    ViewLock lock(view);
     glPushAttrib(kSavedAttributes);
     applyColorFactor(view);
     disableForDraw();
@@ -120,7 +102,7 @@ int krViewDrawPlane_Direct(VIEW_STRUCT* view)
 {
     if (int check = checkViewAndContext(view))
         return check;
-    DrawLock lock(view);
+    ViewLock lock(view);
     glPushAttrib(kSavedAttributes);
     disableForDraw();
     glDisable(GL_BLEND);
@@ -172,7 +154,7 @@ int krViewDrawWindow(VIEW_STRUCT* view)
 {
     if (int check = checkViewAndContext(view))
         return check;
-    DrawLock lock(view);
+    ViewLock lock(view);
     glDisable(GL_STENCIL_TEST);
     glDisable(GL_BLEND);
     glDisable(GL_LIGHTING);

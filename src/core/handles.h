@@ -24,3 +24,24 @@ inline int checkWindowAndView(const WINDOW_STRUCT* window, const VIEW_STRUCT* vi
         return -1;
     return checkWindow(window) ? -2 : checkView(view);
 }
+
+// Holds the view's lock while the data thread of mode 2 may change values: for a draw pass,
+// or for one access to a variable by name, so that a value is never seen half-written.
+class ViewLock {
+public:
+    explicit ViewLock(VIEW_STRUCT* view) : view_(view->runMode == 2 ? view : nullptr)
+    {
+        if (view_)
+            pthread_mutex_lock(&view_->mutex);
+    }
+    ~ViewLock()
+    {
+        if (view_)
+            pthread_mutex_unlock(&view_->mutex);
+    }
+    ViewLock(const ViewLock&) = delete;
+    ViewLock& operator=(const ViewLock&) = delete;
+
+private:
+    VIEW_STRUCT* view_;
+};

@@ -183,6 +183,7 @@ int krVarSet(VIEW_STRUCT* view, const char* name, const void* value)
     VARIABLE_STRUCT* variable = nullptr;
     if (int check = findRunning(view, name, value, &variable))
         return check;
+    ViewLock lock(view);
     if (!variable)
         return 0;
     if (variable->value)
@@ -195,6 +196,7 @@ int krVarSetStr(VIEW_STRUCT* view, const char* name, const char* text)
     VARIABLE_STRUCT* variable = nullptr;
     if (int check = findRunning(view, name, text, &variable))
         return check;
+    ViewLock lock(view);
     if (!variable)
         return 0;
     void* buffer = variable->value;
@@ -218,6 +220,7 @@ int krVarGetStr(VIEW_STRUCT* view, const char* name, char* text)
     VARIABLE_STRUCT* variable = nullptr;
     if (int check = findRunning(view, name, text, &variable))
         return check;
+    ViewLock lock(view);
     if (!variable)
         return -6;
     text[0] = '\0';

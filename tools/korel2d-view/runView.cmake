@@ -2,12 +2,15 @@
 # checks its exit status against EXPECT and its output against each of the MATCH_COUNT regular
 # expressions MATCH0, MATCH1, ... With PICTURE, the checker (CHECK) then inspects that PNG as a
 # picture of the sample panel at ZOOM.
-# NO_DISPLAY hides any X server from the tool.
+# NO_DISPLAY hides any X server from the tool; KOREL_HOME, if given, is where it finds plug-ins.
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
 string(REPLACE "|" ";" args "${ARGS}")
 if(NO_DISPLAY)
   unset(ENV{DISPLAY})
+endif()
+if(KOREL_HOME)
+  set(ENV{KOREL_HOME} ${KOREL_HOME})
 endif()
 execute_process(COMMAND ${VIEW} ${args} WORKING_DIRECTORY ${WORK}
                 RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
