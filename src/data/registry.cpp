@@ -143,8 +143,10 @@ void reconcile(DD_DATA_TYPE_STRUCT* view, const DD_DATA_TYPE_STRUCT* library)
     // A source reads its parameters by position without knowing how many the view stored:
     // the slots grow to what it declared, new ones empty.
     ensureParaSlots(&view->para, view->nrData);
+    // A variable counts the parameters its kind declares, and keeps any more the file stored.
     for (VARIABLE_STRUCT* variable = view->variables; variable; variable = variable->next)
-        ensureParaSlots(&variable->para, view->nrVar);
+        if (variable->nrPara < view->nrVar && ensureParaSlots(&variable->para, view->nrVar) == 0)
+            variable->nrPara = view->nrVar;
 
     free(view->dataOptions);
     free(view->varOptions);

@@ -1,6 +1,7 @@
 // Starting and stopping views: values that arrive in each mode, the data thread's life, and a
 // plug-in that blocks. The sample plug-in is found through KOREL_HOME, as a host would find it.
 #include "LoadedView.h"
+#include "PluginDirs.h"
 #include "ViewFixture.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +10,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -24,27 +24,10 @@ using Clock = std::chrono::steady_clock;
 constexpr int kExampleType = 100;
 constexpr int kRuns = 0, kThreadName = 2; // what an example variable gives
 
-// Points KOREL_HOME at the built sample plug-in for the life of a test.
-class ExampleHome {
+// The sample plug-in found through KOREL_HOME, from a working directory of the test's own.
+class ExampleHome : public PluginDirs {
 public:
-    ExampleHome()
-    {
-        const char* old = getenv("KOREL_HOME");
-        hadOld_ = old != nullptr;
-        old_ = old ? old : "";
-        setenv("KOREL_HOME", KOREL2D_PLUGIN_DIR, 1);
-    }
-    ~ExampleHome()
-    {
-        if (hadOld_)
-            setenv("KOREL_HOME", old_.c_str(), 1);
-        else
-            unsetenv("KOREL_HOME");
-    }
-
-private:
-    bool hadOld_;
-    std::string old_;
+    ExampleHome() : PluginDirs(Home::PluginDir) {}
 };
 
 // Constants, and the example's run count and calling thread; Run blocks for blockMs.
