@@ -1,0 +1,383 @@
+// Variables as a host and a source meet them: the services a source builds itself with, the
+// built-in Constant and Internal sources, and reading and writing values by name.
+//
+// Conversion tables run one data cycle with fillDP and need no GL context; tests about what a
+// cycle leaves behind draw instead, since in mode 1 a draw is where a host's cycle happens.
+#include "LoadedView.h"
+#include "ViewFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+using namespace k2dtest;
+using namespace korelgen;
+
+namespace {
+
+const std::string kLong(300, 'x');
+
+VariableFields var(int type, const std::string& name, const std::string& defaultValue = "",
+                   const std::string& constant = "")
+{
+    return VariableFields{type, name, defaultValue, {{0, constant}}};
+}
+
+// Constant Data (2) keeps its value in its one variable parameter; Internal Data (5) has none.
+SourceFields source(int id, std::vector<VariableFields> variables)
+{
+    return SourceFields{id, {}, id == 2 ? 1 : 0, std::move(variables)};
+}
+
+ViewBuilder viewWith(const std::vector<SourceFields>& sources)
+{
+    ViewBuilder b = blackPage();
+    b.dataSection(sources);
+    return b;
+}
+
+// What krVarGetStr prints, or its result code in angle brackets where that isn't 0.
+std::string read(VIEW_STRUCT* view, const std::string& name)
+{
+    char text[256] = "unchanged";
+    int result = krVarGetStr(view, name.c_str(), text);
+    return result == 0 ? std::string(text) : "<" + std::to_string(result) + ">";
+}
+
+std::string nameOf(size_t row) { return "v" + std::to_string(row); }
+
+struct TextCase {
+    int type;
+    std::string text;
+    std::string expected;
+};
+
+// A started view with a variable v<row> of each row's type in one source; the row's text is
+// a Constant's VALUE, an Internal's default, or nothing.
+enum class Text { Value, Default, None };
+struct TableView : LoadedView {
+    TableView(const std::vector<TextCase>& rows, Text use) : LoadedView(build(rows, use))
+    {
+        EXPECT_NE(view, nullptr);
+        EXPECT_EQ(krViewStart(view), 0);
+    }
+    static ViewBuilder build(const std::vector<TextCase>& rows, Text use)
+    {
+        std::vector<VariableFields> vars;
+        for (size_t i = 0; i < rows.size(); ++i)
+            vars.push_back(var(rows[i].type, nameOf(i), use == Text::Default ? rows[i].text : "",
+                               use == Text::Value ? rows[i].text : ""));
+        return viewWith({source(use == Text::Value ? 2 : 5, vars)});
+    }
+    void expectReads(const std::vector<TextCase>& rows) const
+    {
+        for (size_t i = 0; i < rows.size(); ++i)
+            EXPECT_EQ(read(view, nameOf(i)), rows[i].expected)
+                << "type " << rows[i].type << " from \"" << rows[i].text.substr(0, 20) << "\"";
+    }
+};
+
+TEST(SourceServices, InitNamesTheSourceAndResetsItsDataCount)
+{
+    DD_DATA_TYPE_STRUCT* source = createDataType(0);
+    source->nrData = 4;
+    EXPECT_EQ(krdInit(source, std::string(70, 'n').c_str(), 4711, 7), 0);
+    EXPECT_EQ(std::string(source->name), std::string(63, 'n'));
+    EXPECT_EQ(source->id, 4711);
+    EXPECT_EQ(source->nrData, 0);
+    EXPECT_EQ(source->globalVariables, 1);
+    krdInit(source, "Plain", 8, 0);
+    EXPECT_STREQ(source->name, "Plain");
+    EXPECT_EQ(source->globalVariables, 0);
+    delDataType(nullptr, source, 1);
+}
+
+TEST(SourceServices, OptionsDescribeEachScopeInOrder)
+{
+    DD_DATA_TYPE_STRUCT* source = createDataType(0);
+    EXPECT_EQ(krdOption(source, 0, 0, 3u, "HOST"), 0);
+    EXPECT_EQ(krdOption(source, 0, 1, 0u, "MODE", "fast", std::string(40, 'i').c_str(), "off", nullptr), 0);
+    EXPECT_EQ(krdOption(source, 1, 1, 0u, "NOTHING", nullptr), 0);
+    EXPECT_EQ(krdOption(source, 2, 2, 0u, std::string(40, 't').c_str(), "Reset"), 0);
+    EXPECT_EQ(krdOption(source, 1, 3, 5u, "FORMULA"), 0);
+    ASSERT_EQ(source->nrData, 2);
+    ASSERT_EQ(source->nrVar, 3);
+
+    const OPTION_STRUCT* data = source->dataOptions;
+    EXPECT_STREQ(data[0].title, "HOST");
+    EXPECT_EQ(data[0].flags, 3u);
+    EXPECT_EQ(data[0].count, 0);
+    ASSERT_EQ(data[1].count, 3);
+    EXPECT_STREQ(data[1].items, "fast");
+    EXPECT_EQ(std::string(data[1].items + 32), std::string(31, 'i'));
+    EXPECT_STREQ(data[1].items + 64, "off");
+
+    const OPTION_STRUCT* perVariable = source->varOptions;
+    EXPECT_EQ(perVariable[0].count, 0);
+    EXPECT_EQ(std::string(perVariable[1].title), std::string(31, 't'));
+    ASSERT_EQ(perVariable[1].count, 1);
+    EXPECT_STREQ(perVariable[1].items, "Reset");
+    EXPECT_EQ(perVariable[2].kind, 3);
+    EXPECT_EQ(perVariable[2].flags, 5u);
+    EXPECT_EQ(perVariable[2].count, 0);
+    delDataType(nullptr, source, 1);
+}
+
+TEST(SourceServices, VariablesTakeTheirParametersByKindAndAreListed)
+{
+    DD_DATA_TYPE_STRUCT* source = createDataType(0);
+    // Button and formula parameters take no argument: the text after them still lands last.
+    krdOption(source, 1, 0, 0u, "UNIT");
+    krdOption(source, 1, 1, 0u, "RANGE", "low", "high", nullptr);
+    krdOption(source, 1, 2, 0u, "ZERO", "Zero");
+    krdOption(source, 1, 3, 0u, "FORMULA");
+    krdOption(source, 1, 0, 0u, "NOTE");
+    EXPECT_EQ(krdAddVariable(source, "speed", 6, "km/h", 1, "front axle"), 0);
+    EXPECT_EQ(krdAddVariable(source, "gear", 3, "", 0, ""), 0);
+    const VARIABLE_STRUCT* speed = source->variables;
+    ASSERT_NE(speed, nullptr);
+    ASSERT_EQ(speed->nrPara, 5);
+    EXPECT_STREQ(speed->para[0].sval, "km/h");
+    EXPECT_EQ(speed->para[1].ival, 1);
+    EXPECT_STREQ(speed->para[2].sval, "");
+    EXPECT_STREQ(speed->para[4].sval, "front axle");
+
+    char** names = krdGetAllVariables(source);
+    ASSERT_NE(names, nullptr);
+    EXPECT_STREQ(names[0], "speed");
+    EXPECT_STREQ(names[1], "gear");
+    EXPECT_EQ(names[2], nullptr);
+    EXPECT_NE(names[0], speed->name); // copies, not the records' own
+    VARIABLE_STRUCT** records = krdGetAllVariablesS(source);
+    ASSERT_NE(records, nullptr);
+    EXPECT_EQ(records[0], speed);
+    EXPECT_EQ(records[1], speed->next);
+    EXPECT_EQ(records[2], nullptr);
+
+    EXPECT_EQ(krdDeleteAllVariables(source), 0);
+    EXPECT_EQ(source->variables, nullptr);
+    names = krdGetAllVariables(source);
+    ASSERT_NE(names, nullptr);
+    EXPECT_EQ(names[0], nullptr);
+    // Null gives the last arrays back and nothing new.
+    EXPECT_EQ(krdGetAllVariables(nullptr), nullptr);
+    EXPECT_EQ(krdGetAllVariablesS(nullptr), nullptr);
+    delDataType(nullptr, source, 1);
+}
+
+TEST(ConstantSource, EachCycleParsesTheValueByType)
+{
+    const std::vector<TextCase> rows = {
+        {0, "2.5", "2.500000"}, {0, "16777217", "16777216.000000"}, {0, "", "0.000000"},
+        {1, "16777217", "16777217.000000"}, {2, "200", "-56"}, {3, "300", "44"}, {4, "70000", "4464"},
+        {5, "-1", "65535"}, {6, "-123456", "-123456"}, {6, "0x10", "0"}, {7, "4294967295", "-1"},
+        {8, "-5000000000", "-5000000000"}, {9, "123456789012", "123456789012"},
+        {10, "hello world", "hello world"}, {10, "", ""},
+    };
+    TableView t(rows, Text::Value);
+    fillDP(t.view->dataTypes);
+    t.expectReads(rows);
+    // A double is read as a double, not through a float.
+    EXPECT_EQ(*static_cast<double*>(krVarGetAddr(t.view, nameOf(3).c_str())), 16777217.0);
+}
+
+TEST(InternalSource, DefaultsAreWrittenAtStart)
+{
+    const std::vector<TextCase> rows = {
+        {6, "0x1F", "31"}, {3, "010", "8"}, {4, "-0x10", "-16"}, {2, "-3", "-3"}, {0, "2.5", "2.500000"},
+        {1, "1e3", "1000.000000"}, {9, "77", "77"}, {6, "", "0"},
+        // The long codes take only the low half of a default, as every transfer moves them.
+        {8, "-1", "4294967295"}, {10, std::string(63, 'd'), std::string(63, 'd')},
+    };
+    TableView(rows, Text::Default).expectReads(rows);
+}
+
+TEST(VariablesByName, SetCopiesTheWidthOfTheType)
+{
+    float quarter = 1.25f;
+    double tenth = 0.1;
+    int64_t floatBits = 0, doubleBits;
+    memcpy(&floatBits, &quarter, 4);
+    memcpy(&doubleBits, &tenth, 8);
+    // The text of each row is the raw bytes krVarSet is given, as an int64_t.
+    const std::vector<std::pair<int64_t, TextCase>> rows = {
+        {floatBits, {0, "", "1.250000"}}, {doubleBits, {1, "", "0.100000"}}, {-1, {2, "", "-1"}},
+        {-1, {3, "", "255"}}, {0x12345, {4, "", "9029"}}, {-1, {5, "", "65535"}}, {-7, {6, "", "-7"}},
+        {3000000000, {7, "", "-1294967296"}}, {-1, {8, "", "4294967295"}}, {0x100000005, {9, "", "5"}},
+        {-1, {11, "", ""}}, // an unknown code stores nothing
+    };
+    std::vector<TextCase> cases;
+    for (const auto& row : rows)
+        cases.push_back(row.second);
+    cases.push_back({10, kLong, std::string(255, 'x')});
+    TableView t(cases, Text::None);
+    for (size_t i = 0; i < rows.size(); ++i)
+        EXPECT_EQ(krVarSet(t.view, nameOf(i).c_str(), &rows[i].first), 1) << i;
+    EXPECT_EQ(krVarSet(t.view, nameOf(rows.size()).c_str(), kLong.c_str()), 1);
+    t.expectReads(cases);
+    EXPECT_EQ(*static_cast<int64_t*>(krVarGetAddr(t.view, nameOf(10).c_str())), 0);
+    // The address given is the buffer that is read by name.
+    *static_cast<int32_t*>(krVarGetAddr(t.view, nameOf(6).c_str())) = 77;
+    EXPECT_EQ(read(t.view, nameOf(6)), "77");
+}
+
+TEST(VariablesByName, SetStrConvertsTextToTheType)
+{
+    const std::vector<TextCase> rows = {
+        {0, "2.5", "2.500000"}, {1, "16777217", "16777216.000000"}, {1, "0.1", "0.100000"}, {2, "200", "-56"},
+        {3, "300", "44"}, {3, "0x10", "0"}, {4, "-70000", "-4464"}, {5, "70000", "4464"}, {6, "-42", "-42"},
+        {7, "4294967295", "-1"}, {8, "4294967295", "-1"}, {8, "5000000000", "705032704"}, {9, "-7", "-7"},
+        {10, "abc", "abc"}, {10, kLong, std::string(255, 'x')},
+    };
+    TableView t(rows, Text::None);
+    for (size_t i = 0; i < rows.size(); ++i)
+        EXPECT_EQ(krVarSetStr(t.view, nameOf(i).c_str(), rows[i].text.c_str()), 1) << i;
+    t.expectReads(rows);
+    // A double goes through a float on its way in; the long codes are sign-extended.
+    EXPECT_EQ(*static_cast<double*>(krVarGetAddr(t.view, nameOf(2).c_str())), double(0.1f));
+    EXPECT_EQ(*static_cast<int64_t*>(krVarGetAddr(t.view, nameOf(10).c_str())), -1);
+}
+
+TEST(VariablesByName, ResultsOutsideARunningView)
+{
+    char text[256];
+    int32_t value = 1;
+    VIEW_STRUCT notAView{};
+    LoadedView loaded(viewWith({source(5, {var(6, "a")})}));
+    ASSERT_NE(loaded.view, nullptr);
+    auto expectAll = [&](VIEW_STRUCT* view, const char* name, int set, int setStr, int getStr) {
+        EXPECT_EQ(krVarSet(view, name, &value), set) << name;
+        EXPECT_EQ(krVarSetStr(view, name, "1"), setStr) << name;
+        EXPECT_EQ(krVarGetStr(view, name, text), getStr) << name;
+        if (set != 1) {
+            EXPECT_EQ(krVarGetAddr(view, name), nullptr) << name;
+        }
+    };
+    expectAll(nullptr, "a", -1, -1, -1);
+    expectAll(&notAView, "a", -2, -2, -2);
+    expectAll(loaded.view, "a", -3, -3, -3);
+
+    for (int mode = 1; mode <= 2; ++mode) {
+        SCOPED_TRACE(mode);
+        VIEW_STRUCT* view = loaded.view;
+        ASSERT_EQ(mode == 1 ? krViewStart(view) : krViewStartAnim(view), 0);
+        expectAll(view, nullptr, -4, -4, -4);
+        EXPECT_EQ(krVarSet(view, "a", nullptr), -5);
+        EXPECT_EQ(krVarSetStr(view, "a", nullptr), -5);
+        EXPECT_EQ(krVarGetStr(view, "a", nullptr), -5);
+        expectAll(view, "missing", 0, 0, -6);
+        expectAll(view, "a", 1, 1, 0);
+        EXPECT_STREQ(text, "1");
+        EXPECT_NE(krVarGetAddr(view, "a"), nullptr);
+        ASSERT_EQ(krViewStop(view), 0);
+        expectAll(view, "a", -3, -3, -3);
+    }
+}
+
+TEST(VariablesByName, SourcesAndVariablesAreListed)
+{
+    LoadedView loaded(viewWith({source(2, {var(6, "shared", "", "3"), var(0, "gain", "", "1")}),
+                                source(5, {var(10, "shared"), var(7, "own")})}));
+    VIEW_STRUCT* view = loaded.view;
+    ASSERT_NE(view, nullptr);
+    int count = -1;
+    DD_DATA_TYPE_STRUCT** sources = krDataSourceGetAll(view, &count);
+    ASSERT_EQ(count, 2);
+    EXPECT_EQ(krDataSourceType(sources[0]), 2);
+    EXPECT_EQ(krDataSourceType(sources[1]), 5);
+    VARIABLE_STRUCT** vars = krVarGetAll(sources[1], &count);
+    ASSERT_EQ(count, 2);
+    EXPECT_STREQ(krVarName(vars[1]), "own");
+    EXPECT_EQ(krVarType(vars[0]), 10);
+    EXPECT_EQ(krVarReadWrite(vars[0]), 0);
+    krFree(vars);
+    EXPECT_EQ(krVarSource(view, "shared"), 2); // the first source holding the name
+    EXPECT_EQ(krVarSource(view, "own"), 5);
+    EXPECT_EQ(krVarSource(view, "none"), -1);
+    EXPECT_EQ(krVarSource(view, nullptr), -1);
+
+    // The Constant's VALUE is its parameter 0: a new text is what the next cycle reads.
+    VARIABLE_STRUCT* gain = sources[0]->variables->next;
+    krFree(sources);
+    char text[256];
+    int ival = -1;
+    EXPECT_EQ(krVarSetPara(gain, 0, 4, "12.5"), 0);
+    EXPECT_EQ(krVarGetPara(gain, 0, &ival, text), 0);
+    EXPECT_EQ(ival, 4);
+    EXPECT_STREQ(text, "12.5");
+    EXPECT_EQ(krVarGetPara(gain, 0, nullptr, nullptr), 0);
+    ASSERT_EQ(krViewStart(view), 0);
+    fillDP(view->dataTypes);
+    EXPECT_EQ(read(view, "gain"), "12.500000");
+
+    for (int index : {-1, 1}) {
+        EXPECT_EQ(krVarSetPara(gain, index, 0, "x"), -2) << index;
+        EXPECT_EQ(krVarGetPara(gain, index, &ival, text), -2) << index;
+    }
+    EXPECT_EQ(krVarSetPara(nullptr, 0, 0, "x"), -1);
+    EXPECT_EQ(krVarGetPara(nullptr, 0, &ival, text), -1);
+    EXPECT_EQ(krVarName(nullptr), nullptr);
+    EXPECT_EQ(krVarType(nullptr), -1);
+    EXPECT_EQ(krVarReadWrite(nullptr), -1);
+    VIEW_STRUCT notAView{};
+    for (VIEW_STRUCT* bad : {static_cast<VIEW_STRUCT*>(nullptr), &notAView}) {
+        count = 5;
+        EXPECT_EQ(krDataSourceGetAll(bad, &count), nullptr);
+        EXPECT_EQ(count, 0);
+    }
+    count = 5;
+    EXPECT_EQ(krVarGetAll(nullptr, &count), nullptr);
+    EXPECT_EQ(count, 0);
+}
+
+class RunningVariables : public ViewTest {
+protected:
+    VIEW_STRUCT* started(const ViewBuilder& b)
+    {
+        VIEW_STRUCT* view = load(b);
+        EXPECT_EQ(view ? krViewStart(view) : -1, 0);
+        return view;
+    }
+};
+
+TEST_F(RunningVariables, ConstantOverwritesWritesAtTheNextDraw)
+{
+    VIEW_STRUCT* view = started(viewWith({source(2, {var(6, "level", "99", "12")})}));
+    ASSERT_NE(view, nullptr);
+    // Defaults only go through a Set entry, which a Constant lacks: nothing before the first cycle.
+    EXPECT_EQ(read(view, "level"), "0");
+    draw(view);
+    EXPECT_EQ(read(view, "level"), "12");
+    EXPECT_EQ(krVarSetStr(view, "level", "5"), 1);
+    EXPECT_EQ(read(view, "level"), "5");
+    draw(view);
+    EXPECT_EQ(read(view, "level"), "12");
+}
+
+TEST_F(RunningVariables, InternalKeepsWritesAndARestartBeginsAgain)
+{
+    VIEW_STRUCT* view =
+        started(viewWith({source(5, {var(6, "plain"), var(6, "preset", "0x1F"), var(10, "label", "idle")})}));
+    ASSERT_NE(view, nullptr);
+    const int32_t written = 41;
+    for (const char* name : {"plain", "preset"})
+        EXPECT_EQ(krVarSet(view, name, &written), 1);
+    EXPECT_EQ(krVarSetStr(view, "label", "ready"), 1);
+    for (int i = 0; i < 3; ++i)
+        draw(view);
+    EXPECT_EQ(read(view, "plain"), "41");
+    EXPECT_EQ(read(view, "preset"), "41");
+    EXPECT_EQ(read(view, "label"), "ready");
+
+    ASSERT_EQ(krViewStop(view), 0);
+    ASSERT_EQ(krViewStart(view), 0);
+    EXPECT_EQ(read(view, "plain"), "0");
+    EXPECT_EQ(read(view, "preset"), "31");
+    EXPECT_EQ(read(view, "label"), "idle");
+    draw(view);
+    EXPECT_EQ(read(view, "plain"), "0");
+}
+
+} // namespace
