@@ -6,6 +6,8 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <tuple>
+#include <utility>
 
 namespace {
 
@@ -35,22 +37,21 @@ int slotOf(const mpiHash* table, const char* name)
     return -1;
 }
 
-TEST(HashTable, SizeIsFirstPrimeAboveTwiceTheWantedCount)
+// 499,991 wants 999,982 slots: the last prime below a million. Beyond that there is none.
+TEST(HashTable, SizeIsFirstPrimeAboveTwiceTheWantedCountOrNoTable)
 {
-    EXPECT_EQ(makeTable(50)->size, 101u);
-    EXPECT_EQ(makeTable(10)->size, 23u);
-    EXPECT_EQ(makeTable(0)->size, 1u);
-    Table largest = makeTable(499991); // 999,982 wanted: the last prime below a million
-    EXPECT_EQ(largest->size, 999983u);
-    EXPECT_EQ(largest->count, 0u);
-    EXPECT_EQ(largest->autoDelete, 0u);
-}
-
-TEST(HashTable, CreateFailsWhenNoPrimeIsLargeEnough)
-{
-    EXPECT_EQ(mpiHashCreate(499992), nullptr);
-    EXPECT_EQ(mpiHashCreate(500000), nullptr);
-    EXPECT_EQ(mpiHashCreate(0xFFFFFFFFu), nullptr);
+    const std::pair<uint32_t, uint32_t> cases[] = {{50, 101},    {10, 23},     {0, 1},         {499991, 999983},
+                                                   {499992, 0}, {500000, 0}, {0xFFFFFFFFu, 0}};
+    for (const auto& [wanted, size] : cases) {
+        Table table(mpiHashCreate(wanted));
+        if (size == 0) {
+            EXPECT_EQ(table, nullptr) << wanted;
+            continue;
+        }
+        ASSERT_NE(table, nullptr) << wanted;
+        EXPECT_EQ(table->size, size) << wanted;
+        EXPECT_EQ(table->count, 0u) << wanted;
+    }
 }
 
 TEST(HashTable, GrowsAtTheSixtyEighthInsertAndKeepsEveryEntry)
@@ -78,44 +79,37 @@ TEST(HashTable, GrowsAtTheSixtyEighthInsertAndKeepsEveryEntry)
 TEST(HashTable, SmallTablesGrowOnlyAboveTwoThirds)
 {
     Table table = makeTable(0);
-    ASSERT_EQ(mpiHashInsertAscii(table.get(), "x", tag(1)), 0);
-    EXPECT_EQ(table->size, 3u);
-    ASSERT_EQ(mpiHashInsertAscii(table.get(), "y", tag(2)), 0); // 2 * 1.5 is not above 3
-    EXPECT_EQ(table->size, 3u);
-    ASSERT_EQ(mpiHashInsertAscii(table.get(), "z", tag(3)), 0);
-    EXPECT_EQ(table->size, 7u);
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), "x"), tag(1));
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), "y"), tag(2));
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), "z"), tag(3));
+    // The second entry stays in 3 slots: 2 * 1.5 is not above 3.
+    const std::pair<const char*, uint32_t> inserts[] = {{"x", 3}, {"y", 3}, {"z", 7}};
+    for (size_t i = 0; i < 3; ++i) {
+        ASSERT_EQ(mpiHashInsertAscii(table.get(), inserts[i].first, tag(i)), 0);
+        EXPECT_EQ(table->size, inserts[i].second) << inserts[i].first;
+    }
+    for (size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(mpiHashSearchAscii(table.get(), inserts[i].first), tag(i)) << inserts[i].first;
 }
 
-TEST(HashTable, AsciiInsertSearchDelete)
+// Names are copied and compared exactly, case included.
+TEST(HashTable, AsciiInsertSearchDeleteByExactName)
 {
     Table table = makeTable(10);
     char name[] = "speed";
     ASSERT_EQ(mpiHashInsertAscii(table.get(), name, tag(1)), 0);
     ASSERT_EQ(mpiHashInsertAscii(table.get(), "", tag(2)), 0);
-    strcpy(name, "other"); // the table keeps its own copy of the name
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), "speed"), tag(1));
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), ""), tag(2));
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), "other"), nullptr);
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), "Speed"), nullptr);
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), "SPEED"), nullptr);
+    ASSERT_EQ(mpiHashInsertAscii(table.get(), "Level", tag(3)), 0);
+    ASSERT_EQ(mpiHashInsertAscii(table.get(), "level", tag(4)), 0);
+    strcpy(name, "other");
+    const std::pair<const char*, void*> searches[] = {{"speed", tag(1)}, {"", tag(2)},       {"Level", tag(3)},
+                                                      {"level", tag(4)}, {"other", nullptr}, {"Speed", nullptr},
+                                                      {"SPEED", nullptr}};
+    for (const auto& [key, value] : searches)
+        EXPECT_EQ(mpiHashSearchAscii(table.get(), key), value) << '"' << key << '"';
 
+    EXPECT_EQ(mpiHashDeleteAscii(table.get(), "LEVEL"), -1);
     EXPECT_EQ(mpiHashDeleteAscii(table.get(), "speed"), 0);
     EXPECT_EQ(mpiHashSearchAscii(table.get(), "speed"), nullptr);
     EXPECT_EQ(mpiHashDeleteAscii(table.get(), "speed"), -1);
-    EXPECT_EQ(table->count, 1u);
-}
-
-TEST(HashTable, NamesDifferingInCaseAreDifferentKeys)
-{
-    Table table = makeTable(10);
-    ASSERT_EQ(mpiHashInsertAscii(table.get(), "Level", tag(1)), 0);
-    ASSERT_EQ(mpiHashInsertAscii(table.get(), "level", tag(2)), 0);
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), "Level"), tag(1));
-    EXPECT_EQ(mpiHashSearchAscii(table.get(), "level"), tag(2));
-    EXPECT_EQ(mpiHashDeleteAscii(table.get(), "LEVEL"), -1);
+    EXPECT_EQ(table->count, 3u);
 }
 
 TEST(HashTable, TextHashWidensBytesAsSignedChars)
@@ -129,7 +123,8 @@ TEST(HashTable, TextHashWidensBytesAsSignedChars)
     EXPECT_EQ(mpiHashSearchAscii(table.get(), "\xe9"), tag(2));
 }
 
-TEST(HashTable, DuplicateKeysAreFoundInProbeOrder)
+// Deleting leaves a hole: number searches and deletes probe past it, text searches stop there.
+TEST(HashTable, KeysAreFoundInProbeOrderAndOnlyTheTextSearchStopsAtHoles)
 {
     Table ints = makeTable(10);
     ASSERT_EQ(mpiHashInsert(ints.get(), 7, tag(1)), 0);
@@ -141,33 +136,17 @@ TEST(HashTable, DuplicateKeysAreFoundInProbeOrder)
     EXPECT_EQ(mpiHashDelete(ints.get(), 7), 0);
     EXPECT_EQ(mpiHashDelete(ints.get(), 7), -1);
 
-    Table names = makeTable(10);
-    ASSERT_EQ(mpiHashInsertAscii(names.get(), "v", tag(1)), 0);
-    ASSERT_EQ(mpiHashInsertAscii(names.get(), "v", tag(2)), 0);
-    EXPECT_EQ(mpiHashSearchAscii(names.get(), "v"), tag(1));
-    EXPECT_EQ(mpiHashDeleteAscii(names.get(), "v"), 0);
-    // The first entry's slot is now a hole in front of the second, which the text search stops at.
-    EXPECT_EQ(mpiHashSearchAscii(names.get(), "v"), nullptr);
-    EXPECT_EQ(mpiHashDeleteAscii(names.get(), "v"), 0);
-    EXPECT_EQ(names->count, 0u);
-}
-
-TEST(HashTable, DeleteLeavesHolesThatOnlyTheTextSearchStopsAt)
-{
-    // 5 and 28 share a start slot in 23 slots, as do "a" and "x" (97 and 120).
-    Table ints = makeTable(10);
-    ASSERT_EQ(mpiHashInsert(ints.get(), 5, tag(1)), 0);
-    ASSERT_EQ(mpiHashInsert(ints.get(), 28, tag(2)), 0);
-    ASSERT_EQ(mpiHashDelete(ints.get(), 5), 0);
-    EXPECT_EQ(mpiHashSearch(ints.get(), 28), tag(2));
-
-    Table names = makeTable(10);
-    ASSERT_EQ(mpiHashInsertAscii(names.get(), "a", tag(1)), 0);
-    ASSERT_EQ(mpiHashInsertAscii(names.get(), "x", tag(2)), 0);
-    ASSERT_EQ(mpiHashDeleteAscii(names.get(), "a"), 0);
-    EXPECT_EQ(mpiHashSearchAscii(names.get(), "x"), nullptr);
-    EXPECT_EQ(mpiHashDeleteAscii(names.get(), "x"), 0); // delete probes past the hole
-    EXPECT_EQ(names->count, 0u);
+    // "a" and "x" (97 and 120) share a start slot in 23 slots, as two equal names do.
+    for (const char* second : {"x", "a"}) {
+        Table names = makeTable(10);
+        ASSERT_EQ(mpiHashInsertAscii(names.get(), "a", tag(1)), 0);
+        ASSERT_EQ(mpiHashInsertAscii(names.get(), second, tag(2)), 0);
+        EXPECT_EQ(mpiHashSearchAscii(names.get(), "a"), tag(1)) << second;
+        ASSERT_EQ(mpiHashDeleteAscii(names.get(), "a"), 0);
+        EXPECT_EQ(mpiHashSearchAscii(names.get(), second), nullptr) << second;
+        EXPECT_EQ(mpiHashDeleteAscii(names.get(), second), 0) << second;
+        EXPECT_EQ(names->count, 0u);
+    }
 }
 
 TEST(HashTable, NullValuesAndNullArgumentsAreRefused)
@@ -218,7 +197,6 @@ TEST(HashTable, AutoDeleteGivesBackValues)
     mpiHash* table = mpiHashCreate(4);
     ASSERT_NE(table, nullptr);
     EXPECT_EQ(mpiHashSetAutoDelete(table, 1), 0);
-    EXPECT_EQ(table->autoDelete, 1u);
     for (int i = 0; i < 20; ++i) // enough to grow twice while owning the values
         ASSERT_EQ(mpiHashInsertAscii(table, ("k" + std::to_string(i)).c_str(), malloc(32)), 0);
     EXPECT_EQ(mpiHashDeleteAscii(table, "k3"), 0);
@@ -235,11 +213,12 @@ TEST(HashTable, AutoDeleteGivesBackValues)
     EXPECT_EQ(*value, 5);
 }
 
+// (trunc(latitude) + 90) * 1000 + trunc(longitude) + 180.
 TEST(HashTable, PositionKeys)
 {
-    EXPECT_EQ(mpiHashCalcKey(10.7, -20.9), 100160u); // (10 + 90) * 1000 + (-20) + 180
-    EXPECT_EQ(mpiHashCalcKey(-45.5, 100.2), 45280u);
-    EXPECT_EQ(mpiHashCalcKey(-90.0, -180.0), 0u);
+    const std::tuple<double, double, uint32_t> cases[] = {{10.7, -20.9, 100160}, {-45.5, 100.2, 45280}, {-90, -180, 0}};
+    for (const auto& [latitude, longitude, key] : cases)
+        EXPECT_EQ(mpiHashCalcKey(latitude, longitude), key) << latitude << ", " << longitude;
     EXPECT_EQ(mpiHashCalcAsciiKey(), 0u);
 }
 

@@ -4,6 +4,8 @@
 
 #include <string>
 #include <thread>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -78,31 +80,20 @@ TEST_F(Log, LongMessageIsCutTo1023Characters)
     EXPECT_EQ(fetch(), text.substr(0, 1023));
 }
 
-TEST_F(Log, MessageThatDoesNotFitIsDroppedWholeButStillPrinted)
+TEST_F(Log, MemoryLogHoldsUpTo16383CharactersAndDropsWholeMessagesBeyond)
 {
     for (int i = 0; i < 16; ++i)
         printed(std::string(1000, 'a' + i));
+    // Too long for what is left: dropped whole from the log, yet printed in full.
     const std::string tooLong(400, 'X');
     EXPECT_EQ(printed(tooLong), tooLong);
-    EXPECT_EQ(printed(std::string(300, 'Y')), std::string(300, 'Y'));
-
-    const std::string log = fetch();
-    ASSERT_EQ(log.size(), 16300u);
-    EXPECT_EQ(log.substr(0, 3), "aaa");
-    EXPECT_EQ(log.substr(15000, 1000), std::string(1000, 'p'));
-    EXPECT_EQ(log.substr(16000), std::string(300, 'Y'));
-    EXPECT_EQ(log.find('X'), std::string::npos);
-}
-
-TEST_F(Log, MemoryLogHoldsUpTo16383Characters)
-{
-    for (int i = 0; i < 16; ++i)
-        printed(std::string(1000, 'a'));
-    printed(std::string(383, 'b')); // exactly fills the log
-    printed("c");                   // one more no longer fits
+    EXPECT_EQ(printed(std::string(383, 'Y')), std::string(383, 'Y')); // exactly fills the log
+    printed("c");                                                     // one more no longer fits
     const std::string log = fetch();
     ASSERT_EQ(log.size(), 16383u);
-    EXPECT_EQ(log.back(), 'b');
+    EXPECT_EQ(log.substr(0, 3), "aaa");
+    EXPECT_EQ(log.substr(15000, 1000), std::string(1000, 'p'));
+    EXPECT_EQ(log.substr(16000), std::string(383, 'Y'));
     EXPECT_EQ(fetch(), ""); // fetching empties it
 }
 
@@ -148,27 +139,16 @@ TEST_F(Log, ConcurrentWritersStayInsideTheLog)
     }
 }
 
-TEST(LabelDigits, DigitsBehindThePoint)
+TEST(LabelDigits, DigitsBehindAndBeforeThePoint)
 {
-    EXPECT_EQ(getDots(0.0), 3);
-    EXPECT_EQ(getDots(0.5), 1);
-    EXPECT_EQ(getDots(-0.5), 1);
-    EXPECT_EQ(getDots(0.01), 3);
-    EXPECT_EQ(getDots(0.25), 1);
-    EXPECT_EQ(getDots(1.0), 1);
-    EXPECT_EQ(getDots(2.0), 0);
-    EXPECT_EQ(getDots(100.0), 0);
-}
-
-TEST(LabelDigits, DigitsBeforeThePoint)
-{
-    EXPECT_EQ(getPre(0, 99), 2);
-    EXPECT_EQ(getPre(0, 100), 3);
-    EXPECT_EQ(getPre(-250, 10), 3);
-    EXPECT_EQ(getPre(1000, -1000), 4);
-    EXPECT_EQ(getPre(0.5, 0), 1);
-    EXPECT_EQ(getPre(0, 0), 1);
-    EXPECT_EQ(getPre(9.9, 5), 1);
+    const std::pair<double, int> behind[] = {{0.0, 3}, {0.5, 1},   {-0.5, 1}, {0.01, 3},
+                                             {0.25, 1}, {1.0, 1}, {2.0, 0},  {100.0, 0}};
+    for (const auto& [step, digits] : behind)
+        EXPECT_EQ(getDots(step), digits) << "step " << step;
+    const std::tuple<double, double, int> before[] = {{0, 99, 2},     {0, 100, 3}, {-250, 10, 3}, {1000, -1000, 4},
+                                                      {0.5, 0, 1},    {0, 0, 1},   {9.9, 5, 1}};
+    for (const auto& [low, high, digits] : before)
+        EXPECT_EQ(getPre(low, high), digits) << "range " << low << " to " << high;
 }
 
 } // namespace

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <utility>
 #include <unistd.h>
 
 namespace {
@@ -34,6 +35,7 @@ public:
     Font(const Font&) = delete;
     Font& operator=(const Font&) = delete;
     GK_FONT handle() const { return handle_; }
+    operator GK_FONT() const { return handle_; }
     std::array<int, 2> metric(const char* text) const
     {
         std::array<int, 2> m{-1, -1};
@@ -80,14 +82,14 @@ void pixelProjection()
 }
 
 // Draws `text` in red with the origin at (x, y), optionally scaled, and grabs the result.
-Frame drawAt(const Font& font, const char* text, float x, float y, float scale = 1)
+Frame drawAt(GK_FONT font, const char* text, float x, float y, float scale = 1)
 {
     glClear(GL_COLOR_BUFFER_BIT);
     pixelProjection();
     glTranslatef(x, y, 0);
     glScalef(scale, scale, 1);
     glColor3f(1, 0, 0);
-    EXPECT_EQ(0, gkFontRender(font.handle(), text));
+    EXPECT_EQ(0, gkFontRender(font, text));
     return Frame::grab();
 }
 
@@ -118,12 +120,9 @@ TEST(GlyphMetrics, FamilyNamesAndStylesResolveToMatchingFaces)
     auto width = [&](const char* family) { return Font(family, GK_PLAIN, 24).metric(text)[0]; };
     const int sans = width("Liberation Sans"), mono = width("Liberation Mono"), serif = width("Liberation Serif");
     EXPECT_EQ(3u, (std::set<int>{sans, mono, serif}.size()));
-    EXPECT_EQ(sans, width("Arial"));
-    EXPECT_EQ(sans, width("Helvetica"));
-    EXPECT_EQ(mono, width("Courier"));
-    EXPECT_EQ(mono, width("Courier New"));
-    EXPECT_EQ(serif, width("Times"));
-    EXPECT_EQ(serif, width("Times New Roman"));
+    for (const auto& [alias, face] : {std::pair{"Arial", sans}, {"Helvetica", sans}, {"Courier", mono},
+                                      {"Courier New", mono}, {"Times", serif}, {"Times New Roman", serif}})
+        EXPECT_EQ(width(alias), face) << alias;
 
     // Bitmap families measure like the outline family of the same name.
     EXPECT_NEAR(width("Courier [fixed]"), mono, 4);
@@ -226,7 +225,7 @@ TEST(GlyphSearchPath, DirectoryFontsWinOverFontconfig)
 
 class GlyphRender : public GlTest {};
 
-TEST_F(GlyphRender, OutlineTextStaysInsideItsMetricBox)
+TEST_F(GlyphRender, TextStaysInsideItsMetricBox)
 {
     Font sans("Arial", GK_PLAIN, 30);
     const auto m = sans.metric("Hello 123");
@@ -237,17 +236,15 @@ TEST_F(GlyphRender, OutlineTextStaysInsideItsMetricBox)
     // The ink spans nearly the whole advance; "H" starts at the baseline, which is `descent` up.
     EXPECT_GT(inside.width(), m[0] - 8);
     EXPECT_NEAR(inside.y0, 100 + 7, 1);
-}
 
-TEST_F(GlyphRender, FixedTextIsMonochromeAndInsideItsMetricBox)
-{
+    // Bitmap text is monochrome: no partly covered pixels.
     Font fixed("Helvetica [fixed]", GK_PLAIN, 14);
-    const auto m = fixed.metric("Fixy 0123");
-    const Frame frame = drawAt(fixed, "Fixy 0123", 20, 200);
-    const Ink inside = inkIn(frame, 20, 200, 20 + m[0], 200 + m[1]);
-    EXPECT_GT(inside.lit, 80);
-    EXPECT_EQ(inside.lit, inkIn(frame).lit) << "ink outside the metric box";
-    EXPECT_EQ(inside.lit, frame.count(0, 0, kSurfaceWidth, kSurfaceHeight, kRed, 0)) << "partly covered pixels";
+    const auto f = fixed.metric("Fixy 0123");
+    const Frame fixedFrame = drawAt(fixed, "Fixy 0123", 20, 200);
+    const Ink fixedInside = inkIn(fixedFrame, 20, 200, 20 + f[0], 200 + f[1]);
+    EXPECT_GT(fixedInside.lit, 80);
+    EXPECT_EQ(fixedInside.lit, inkIn(fixedFrame).lit) << "ink outside the metric box";
+    EXPECT_EQ(fixedInside.lit, fixedFrame.count(0, 0, kSurfaceWidth, kSurfaceHeight, kRed, 0));
 }
 
 // The bitmap face is the outline face in whole pixels: the two drawings nearly coincide.
@@ -340,21 +337,17 @@ TEST_F(GlyphRender, LeavesTheCallersGlStateAlone)
         EXPECT_GT(frame.count(30, 30, 130, 60, kGreen), 20);
         EXPECT_EQ(0, frame.count(0, 0, kSurfaceWidth, kSurfaceHeight, kBlue, 100));
 
-        GLint value = 0;
         EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
         EXPECT_TRUE(glIsEnabled(GL_BLEND));
-        glGetIntegerv(GL_TEXTURE_BINDING_2D, &value);
-        EXPECT_EQ(GLint(hostTexture), value);
+        GLint value = 0;
+        for (const auto& [name, expected] : {std::pair<GLenum, GLint>{GL_TEXTURE_BINDING_2D, GLint(hostTexture)},
+                                             {GL_UNPACK_ALIGNMENT, 8}, {GL_BLEND_SRC, GL_ONE}, {GL_BLEND_DST, GL_ZERO},
+                                             {GL_MATRIX_MODE, GL_MODELVIEW}}) {
+            glGetIntegerv(name, &value);
+            EXPECT_EQ(expected, value) << "GL state 0x" << std::hex << name;
+        }
         glGetTexEnviv(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, &value);
         EXPECT_EQ(GL_REPLACE, value);
-        glGetIntegerv(GL_UNPACK_ALIGNMENT, &value);
-        EXPECT_EQ(8, value);
-        glGetIntegerv(GL_BLEND_SRC, &value);
-        EXPECT_EQ(GL_ONE, value);
-        glGetIntegerv(GL_BLEND_DST, &value);
-        EXPECT_EQ(GL_ZERO, value);
-        glGetIntegerv(GL_MATRIX_MODE, &value);
-        EXPECT_EQ(GL_MODELVIEW, value);
         GLfloat colour[4];
         glGetFloatv(GL_CURRENT_COLOR, colour);
         EXPECT_EQ(1.0f, colour[1]);
@@ -415,13 +408,6 @@ TEST_F(GlyphRender, EqualRequestsShareAFontThatOutlivesEachHandle)
     EXPECT_EQ(a[0], b[0]);
     gkFontFree(first);
     EXPECT_EQ(-1, gkFontRender(first, "gone"));
-
-    pixelProjection();
-    glClear(GL_COLOR_BUFFER_BIT);
-    glColor3f(1, 0, 0);
-    glTranslatef(50, 50, 0);
-    EXPECT_EQ(0, gkFontRender(second, "Shared"));
-    glLoadIdentity();
-    EXPECT_GT(Frame::grab().count(50, 50, 50 + b[0], 50 + b[1], kRed), 100);
+    EXPECT_GT(drawAt(second, "Shared", 50, 50).count(50, 50, 50 + b[0], 50 + b[1], kRed), 100);
     gkFontFree(second);
 }

@@ -17,31 +17,26 @@ class LineStipple : public k2dtest::GraphicsTest {};
 class LineWidth : public k2dtest::GraphicsTest {};
 class GlWrappers : public k2dtest::GraphicsTest {};
 
-TEST_F(ColourFactor, ScalesEveryDrawnColour)
+TEST_F(ColourFactor, ScalesEveryDrawnColourClampedToUnitRange)
 {
-    kvSetColorFactor(1, 0.5f, 1, 1);
-    kvColor4f(1, 1, 1, 1);
-    quad(100, 100, 150, 150);
-    kvColor4f(0.5f, 1, 0, 1);
-    quad(200, 100, 250, 150);
-    Frame frame = Frame::grab();
-    EXPECT_TRUE(PixelIs(frame, 125, 125, Rgb{255, 128, 255}, 2));
-    EXPECT_TRUE(PixelIs(frame, 225, 125, Rgb{128, 128, 0}, 2));
-}
-
-TEST_F(ColourFactor, ComponentsAreClampedToUnitRange)
-{
-    kvSetColorFactor(2, -1, 0.5f, 1);
-    EXPECT_FALSE(glIsEnabled(GL_BLEND)) << "an opaque factor leaves blending alone";
-    kvColor4f(1, 1, 1, 1);
-    quad(100, 100, 150, 150);
+    struct Case {
+        float factor[3], colour[3];
+        Rgb expected;
+    };
     // Grey shows the clamp: an unclamped red factor of 2 would double it to 204.
-    kvColor4f(0.4f, 0.4f, 0.4f, 1);
-    quad(200, 100, 250, 150);
-    Frame frame = Frame::grab();
-    EXPECT_TRUE(PixelIs(frame, 125, 125, Rgb{255, 0, 128}, 2));
-    EXPECT_TRUE(PixelIs(frame, 225, 125, Rgb{102, 0, 51}, 2));
-
+    const Case cases[] = {{{1, 0.5f, 1}, {1, 1, 1}, {255, 128, 255}},
+                          {{1, 0.5f, 1}, {0.5f, 1, 0}, {128, 128, 0}},
+                          {{2, -1, 0.5f}, {1, 1, 1}, {255, 0, 128}},
+                          {{2, -1, 0.5f}, {0.4f, 0.4f, 0.4f}, {102, 0, 51}}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "factor " << c.factor[0] << ", " << c.factor[1] << ", " << c.factor[2]);
+        glClear(GL_COLOR_BUFFER_BIT);
+        kvSetColorFactor(c.factor[0], c.factor[1], c.factor[2], 1);
+        EXPECT_FALSE(glIsEnabled(GL_BLEND)) << "an opaque factor leaves blending alone";
+        kvColor4f(c.colour[0], c.colour[1], c.colour[2], 1);
+        quad(100, 100, 150, 150);
+        EXPECT_TRUE(PixelIs(Frame::grab(), 125, 125, c.expected, 2));
+    }
     // Switching to an opaque factor never turns blending off: that is left to each element.
     glEnable(GL_BLEND);
     kvSetColorFactor(1, 1, 1, 5);
@@ -96,72 +91,32 @@ TEST_F(AliasBlend, AlphaBelowThresholdBlends)
 }
 
 // A one-pixel line along row 150 from x = 10 to 330: 320 fragments, the stipple counter
-// starting at the first one and reading the pattern from its lowest bit.
-struct RowLine {
-    Frame frame;
-    int litCount() const { return frame.count(0, 150, k2dtest::kSurfaceWidth, 151, kWhite, 100); }
-};
-
-RowLine drawRowLine()
+// starting at the first one and reading the pattern from its lowest bit, `factor` pixels a bit.
+TEST_F(LineStipple, PatternAndFactorReachThePixels)
 {
-    kvColor4f(1, 1, 1, 1);
-    tkBegin(GL_LINES);
-    glVertex2f(10, 150.5f);
-    glVertex2f(330, 150.5f);
-    tkEnd();
-    return RowLine{Frame::grab()};
-}
-
-TEST_F(LineStipple, FullPatternAtFactorOneDrawsSolid)
-{
-    tkLineStipple(1, 0xF0F0);
-    tkLineStipple(1, 0xFFFF);
-    EXPECT_FALSE(glIsEnabled(GL_LINE_STIPPLE));
-    EXPECT_EQ(drawRowLine().litCount(), 320);
-}
-
-TEST_F(LineStipple, PatternBreaksLineIntoDashes)
-{
-    tkLineStipple(1, 0xF0F0);
-    EXPECT_TRUE(glIsEnabled(GL_LINE_STIPPLE));
-    RowLine row = drawRowLine();
-    EXPECT_EQ(row.litCount(), 160);
-    // Low nibble 0: four pixels off, then four on.
-    EXPECT_FALSE(lit(row.frame, 10, 150));
-    EXPECT_FALSE(lit(row.frame, 13, 150));
-    EXPECT_TRUE(lit(row.frame, 14, 150));
-    EXPECT_TRUE(lit(row.frame, 17, 150));
-    EXPECT_FALSE(lit(row.frame, 18, 150));
-}
-
-TEST_F(LineStipple, FactorAboveOneStretchesEvenAFullPattern)
-{
-    tkLineStipple(2, 0xFFFF);
-    EXPECT_TRUE(glIsEnabled(GL_LINE_STIPPLE));
-    EXPECT_EQ(drawRowLine().litCount(), 320);
-
-    glClear(GL_COLOR_BUFFER_BIT);
-    tkLineStipple(2, 0xF0F0);
-    RowLine row = drawRowLine();
-    EXPECT_EQ(row.litCount(), 160);
-    EXPECT_FALSE(lit(row.frame, 17, 150));
-    EXPECT_TRUE(lit(row.frame, 18, 150));
-    EXPECT_TRUE(lit(row.frame, 25, 150));
-    EXPECT_FALSE(lit(row.frame, 26, 150));
-}
-
-TEST_F(LineStipple, StoredStyleReachesThePixels)
-{
-    int32_t factor = 0;
-    uint16_t pattern = 0;
-    getLineStipple(9, &factor, &pattern);
-    tkLineStipple(factor, pattern);
-    RowLine row = drawRowLine();
-    // Style 9 read from bit 0 up: on x4, off x6, on x2, off x4.
-    const bool expected[16] = {1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0};
-    for (int i = 0; i < 32; ++i)
-        EXPECT_EQ(lit(row.frame, 10 + i, 150), expected[i % 16]) << "pixel " << i << " of the line";
-    EXPECT_EQ(row.litCount(), 120);
+    struct Case {
+        int32_t factor;
+        uint16_t pattern;
+        bool stippled; // a full pattern at factor 1 is drawn solid, with stippling off
+        int lit;
+    };
+    int32_t factor9 = 0;
+    uint16_t pattern9 = 0;
+    getLineStipple(9, &factor9, &pattern9); // on x4, off x6, on x2, off x4
+    const Case cases[] = {{1, 0xF0F0, true, 160}, {1, 0xFFFF, false, 320}, {2, 0xFFFF, true, 320},
+                          {2, 0xF0F0, true, 160}, {factor9, pattern9, true, 120}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "factor " << c.factor << ", pattern " << std::hex << c.pattern);
+        glClear(GL_COLOR_BUFFER_BIT);
+        tkLineStipple(c.factor, c.pattern);
+        EXPECT_EQ(bool(glIsEnabled(GL_LINE_STIPPLE)), c.stippled);
+        kvColor4f(1, 1, 1, 1);
+        line(10, 150.5f, 330, 150.5f);
+        const Frame frame = Frame::grab();
+        EXPECT_EQ(frame.count(0, 150, k2dtest::kSurfaceWidth, 151, kWhite, 100), c.lit);
+        for (int i = 0; i < 320; ++i)
+            EXPECT_EQ(lit(frame, 10 + i, 150), bool(c.pattern >> (i / c.factor % 16) & 1)) << "pixel " << i;
+    }
 }
 
 // Rows lit by a horizontal line at y = 150 in column 200.
@@ -172,22 +127,18 @@ int thickness()
 
 TEST_F(LineWidth, LineScaleMultipliesWidth)
 {
-    kvColor4f(1, 1, 1, 1);
-    tkLineWidth(2);
-    line(10, 150, 390, 150);
-    EXPECT_EQ(thickness(), 2);
-
-    glClear(GL_COLOR_BUFFER_BIT);
-    kvSetLineScale(2);
-    tkLineWidth(2);
-    line(10, 150, 390, 150);
-    EXPECT_EQ(thickness(), 4);
-
-    glClear(GL_COLOR_BUFFER_BIT);
-    kvSetLineScale(3);
-    tkLineWidth(3);
-    line(10, 150, 390, 150);
-    EXPECT_EQ(thickness(), 9);
+    struct Case {
+        float scale, width;
+        int rows;
+    };
+    for (const Case& c : {Case{1, 2, 2}, Case{2, 2, 4}, Case{3, 3, 9}}) {
+        glClear(GL_COLOR_BUFFER_BIT);
+        kvSetLineScale(c.scale);
+        tkLineWidth(c.width);
+        kvColor4f(1, 1, 1, 1);
+        line(10, 150, 390, 150);
+        EXPECT_EQ(thickness(), c.rows) << "scale " << c.scale << ", width " << c.width;
+    }
 }
 
 TEST_F(LineWidth, ZeroWidthIsRefusedAndKeepsTheLastOne)

@@ -29,26 +29,16 @@ protected:
     }
 };
 
-TEST(LineStyles, TableOfPatterns)
+// Styles 0 to 9 from the table; any other number is solid.
+TEST(LineStyles, TableOfPatternsAndSolidOutsideIt)
 {
     const uint16_t expected[10] = {0xFFFF, 0xAAAA, 0xCCCC, 0xF0F0, 0xFF00, 0x8888, 0x8080, 0x8181, 0xEEEE, 0x0C0F};
-    for (int style = 0; style < 10; ++style) {
+    for (int style : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 255, -1, INT_MIN}) {
         int32_t factor = 0;
         uint16_t pattern = 0;
         EXPECT_EQ(getLineStipple(style, &factor, &pattern), 0);
         EXPECT_EQ(factor, 1) << "style " << style;
-        EXPECT_EQ(pattern, expected[style]) << "style " << style;
-    }
-}
-
-TEST(LineStyles, UnknownStylesAreSolid)
-{
-    for (int style : {10, 255, -1, INT_MIN}) {
-        int32_t factor = 0;
-        uint16_t pattern = 0;
-        EXPECT_EQ(getLineStipple(style, &factor, &pattern), 0);
-        EXPECT_EQ(factor, 1) << "style " << style;
-        EXPECT_EQ(pattern, 0xFFFF) << "style " << style;
+        EXPECT_EQ(pattern, style >= 0 && style < 10 ? expected[style] : 0xFFFF) << "style " << style;
     }
 }
 
@@ -199,17 +189,16 @@ TEST_F(FillPatterns, GridsHaveFullRowsAndColumns)
 
 TEST_F(FillPatterns, LinesEveryOtherRowOrColumn)
 {
-    Frame rows = drawPattern(33);
-    EXPECT_EQ(litIn(rows, 0, 0, 64, 1), 64);
-    EXPECT_EQ(litIn(rows, 0, 1, 64, 2), 0);
-    EXPECT_EQ(litIn(rows, 0, 62, 64, 63), 64);
-    EXPECT_EQ(litIn(rows, 0, 0, 64, 64), 2048);
-
-    Frame columns = drawPattern(42);
-    EXPECT_EQ(litIn(columns, 0, 0, 1, 64), 64);
-    EXPECT_EQ(litIn(columns, 1, 0, 2, 64), 0);
-    EXPECT_EQ(litIn(columns, 62, 0, 63, 64), 64);
-    EXPECT_EQ(litIn(columns, 0, 0, 64, 64), 2048);
+    for (bool rows : {true, false}) {
+        SCOPED_TRACE(rows ? "rows" : "columns");
+        Frame frame = drawPattern(rows ? 33 : 42);
+        // The one-pixel strip at position i: a full row, or a full column.
+        auto strip = [&](int i) { return rows ? litIn(frame, 0, i, 64, i + 1) : litIn(frame, i, 0, i + 1, 64); };
+        EXPECT_EQ(strip(0), 64);
+        EXPECT_EQ(strip(1), 0);
+        EXPECT_EQ(strip(62), 64);
+        EXPECT_EQ(litIn(frame, 0, 0, 64, 64), 2048);
+    }
 }
 
 // Pattern 55 is a staircase: its row 0 holds columns 28..31 only, row 7 columns 0..3.
