@@ -26,5 +26,6 @@ int emptyNewVariable(VARIABLE_STRUCT* variable);
 int emptyCallbackData(int index, int value, void* argument, DD_DATA_TYPE_STRUCT* source);
 int emptyCallbackVar(int index, int value, void* argument, VARIABLE_STRUCT* variable);
 
+extern const BuiltinSource autoSource;     // type 1
 extern const BuiltinSource constantSource; // type 2
 extern const BuiltinSource internalSource; // type 5

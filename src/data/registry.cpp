@@ -17,7 +17,7 @@ constexpr int kPathSize = 256;
 constexpr int kSymbolSize = 256 + 32;
 
 // In type-number order; the first holder of a number stays, so plug-ins can't take these.
-const BuiltinSource* const kBuiltinSources[] = {&constantSource, &internalSource};
+const BuiltinSource* const kBuiltinSources[] = {&autoSource, &constantSource, &internalSource};
 
 void setServices(DD_DATA_TYPE_STRUCT* source, bool plugin)
 {

@@ -1,0 +1,252 @@
+// Auto Data (type 1): test signals, so that a view runs and animates with no process behind it.
+// Each variable picks a wave form, a frequency and a range; two more forms give the date and the
+// time as text. Run computes every wave once per cycle; Get only scales one entry.
+#include "data/autoWaves.h"
+#include "data/builtinSources.h"
+#include "data/valueBuffer.h"
+
+#include <sys/time.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+const double kAutoFrequencyHz[kAutoFrequencies] = {0.01, 0.02, 0.05, 0.1, 0.2, 0.5, 1, 2, 5, 10};
+
+namespace {
+
+enum Parameter { kTypePara, kFrequencyPara, kMinPara, kMaxPara, kParaCount };
+enum Wave {
+    kSin, kSinIncrease, kSinHalf, kSinRandom, kTriangle, kSaw1, kSaw2, kRectangle, kRandom, kFrequency, kDate, kTime
+};
+constexpr int kWaveCount = 12;
+
+enum class Scaling { Centred, Ranged, None };
+
+struct WaveForm {
+    const char* name;
+    Scaling scaling;
+    float defaultMin, defaultMax;
+};
+
+const WaveForm kWaves[kWaveCount] = {
+    {"SIN", Scaling::Centred, -1, 1},
+    {"SIN Increase", Scaling::Centred, -1, 1},
+    {"SIN Half Wave", Scaling::Ranged, 0, 1},
+    {"SIN Random", Scaling::Centred, -1, 1},
+    {"TRIANGLE", Scaling::Ranged, 0, 1},
+    {"SAW 1", Scaling::Ranged, 0, 1},
+    {"SAW 2", Scaling::Ranged, 0, 1},
+    {"RECTANGLE", Scaling::Ranged, 0, 1},
+    // Its default range makes -1 + 2r of it.
+    {"RANDOM", Scaling::Ranged, -1, 1},
+    {"FREQUENCY", Scaling::None, -1, 1},
+    {"DATE", Scaling::None, 0, 0},
+    {"TIME", Scaling::None, 0, 0},
+};
+
+constexpr size_t kClockTextSize = 256;
+
+struct AutoState {
+    float table[kAutoWaveRows][kAutoFrequencies];
+    char date[kClockTextSize];
+    char time[kClockTextSize];
+    double start;
+};
+
+double wallClockSeconds()
+{
+    timeval now;
+    gettimeofday(&now, nullptr);
+    return double(now.tv_sec) + double(now.tv_usec) * 1e-6;
+}
+
+// Whole turns come off through a 32-bit integer, which keeps the fraction of a degree. Beyond
+// its reach (about a week at 10 Hz) a float phase has no fraction left anyway, so fmod does as well.
+float limitPhase(float phase)
+{
+    if (std::fabs(phase) < 2.0e9f)
+        return phase - float(int32_t(phase) / 360 * 360);
+    return std::fmod(phase, 360.0f);
+}
+
+void setText(PARA_STRUCT& slot, const char* text)
+{
+    if (slot.sval && slot.size > 0)
+        snprintf(slot.sval, slot.size, "%s", text);
+}
+
+void setRange(VARIABLE_STRUCT* variable, float min, float max)
+{
+    char text[32];
+    snprintf(text, sizeof text, "%.1f", double(min));
+    setText(variable->para[kMinPara], text);
+    snprintf(text, sizeof text, "%.1f", double(max));
+    setText(variable->para[kMaxPara], text);
+}
+
+bool hasAllParameters(const VARIABLE_STRUCT* variable)
+{
+    return variable && variable->para && variable->nrPara >= kParaCount;
+}
+
+float numberIn(const PARA_STRUCT& slot)
+{
+    return slot.sval ? float(strtod(slot.sval, nullptr)) : 0.0f;
+}
+
+int krdAutoVarInfo(DD_DATA_TYPE_STRUCT* source)
+{
+    source->init(source, "Auto Data", 1, 0);
+    source->option(source, 1, 1, 0, "TYPE", kWaves[0].name, kWaves[1].name, kWaves[2].name, kWaves[3].name,
+                   kWaves[4].name, kWaves[5].name, kWaves[6].name, kWaves[7].name, kWaves[8].name, kWaves[9].name,
+                   kWaves[10].name, kWaves[11].name, static_cast<const char*>(nullptr));
+    // Three digits each, so the last one has only one behind the point.
+    source->option(source, 1, 1, 0, "FREQUENCY", "0.01 Hz", "0.02 Hz", "0.05 Hz", "0.10 Hz", "0.20 Hz", "0.50 Hz",
+                   "1.00 Hz", "2.00 Hz", "5.00 Hz", "10.0 Hz", static_cast<const char*>(nullptr));
+    source->option(source, 1, 0, 0, "MIN");
+    source->option(source, 1, 0, 0, "MAX");
+    return 0;
+}
+
+int krdAutoVarOpen(DD_DATA_TYPE_STRUCT* source)
+{
+    if (!source)
+        return -1;
+    free(source->data);
+    source->data = calloc(1, sizeof(AutoState));
+    return source->data ? 0 : -1;
+}
+
+int krdAutoVarClose(DD_DATA_TYPE_STRUCT* source)
+{
+    if (!source)
+        return -1;
+    free(source->data);
+    source->data = nullptr;
+    return 0;
+}
+
+// Every start puts all waves back to phase 0.
+int krdAutoVarStartView(DD_DATA_TYPE_STRUCT* source)
+{
+    if (!source || !source->data)
+        return -1;
+    static_cast<AutoState*>(source->data)->start = wallClockSeconds();
+    return 0;
+}
+
+// The clock is read anew each cycle, so the waves follow real time at any cycle rate.
+int krdAutoVarRun(DD_DATA_TYPE_STRUCT* source)
+{
+    if (!source || !source->data)
+        return -1;
+    AutoState& state = *static_cast<AutoState*>(source->data);
+    const double now = wallClockSeconds();
+    autoWaveTable(now - state.start, float(rand()) * 4.656613e-10f, state.table);
+
+    const time_t seconds = time_t(now);
+    tm local;
+    if (localtime_r(&seconds, &local)) {
+        snprintf(state.date, sizeof state.date, "%02d.%02d.%02d ", local.tm_mday, local.tm_mon + 1,
+                 local.tm_year + 1900);
+        snprintf(state.time, sizeof state.time, "%02d:%02d:%02d", local.tm_hour, local.tm_min, local.tm_sec);
+    }
+    return 0;
+}
+
+int krdAutoVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* source)
+{
+    if (!source || !source->data || !hasAllParameters(variable) || !variable->value)
+        return 0;
+    const AutoState& state = *static_cast<const AutoState*>(source->data);
+    const int wave = variable->para[kTypePara].ival;
+    const int frequency = variable->para[kFrequencyPara].ival;
+    if (wave < 0 || wave >= kWaveCount || frequency < 0 || frequency >= kAutoFrequencies)
+        return 0;
+
+    float min = numberIn(variable->para[kMinPara]);
+    float max = numberIn(variable->para[kMaxPara]);
+    // A range of 0 to 0 stands for the wave's own; writing it back shows it to an editor.
+    if (min == 0.0f && max == 0.0f) {
+        setRange(variable, kWaves[wave].defaultMin, kWaves[wave].defaultMax);
+        min = numberIn(variable->para[kMinPara]);
+        max = numberIn(variable->para[kMaxPara]);
+    }
+
+    // The texts need the 256-byte buffer of a text variable; a shorter one gets nothing.
+    if (wave == kDate || wave == kTime) {
+        if (variable->type == kTextType)
+            storeText(variable->value, wave == kDate ? state.date : state.time);
+        return 0;
+    }
+    // Not a signal: the selected frequency itself, in Hz, whatever the range.
+    if (wave == kFrequency) {
+        storeReal(variable->value, 0, kAutoFrequencyHz[frequency]);
+        return 0;
+    }
+    const float v = state.table[wave][frequency];
+    const float value = kWaves[wave].scaling == Scaling::Centred ? (max - min) / 2 * v + (min + max) / 2
+                                                                 : (max - min) * v + min;
+    storeReal(variable->value, 0, value);
+    return 0;
+}
+
+int krdAutoVarNewVariable(VARIABLE_STRUCT* variable)
+{
+    if (!hasAllParameters(variable))
+        return 0;
+    variable->para[kTypePara].ival = 0;
+    variable->para[kFrequencyPara].ival = 0;
+    setRange(variable, -1, 1);
+    variable->type = 0;
+    return 0;
+}
+
+// A new wave form brings its range, and the date and time make the variable a text.
+int krdAutoVarCallbackVar(int index, int value, void*, VARIABLE_STRUCT* variable)
+{
+    if (index != kTypePara || !hasAllParameters(variable))
+        return 0;
+    if (value == kDate || value == kTime) {
+        variable->type = kTextType;
+        setRange(variable, 0, 0);
+    } else if (value == kSinHalf || (value >= kTriangle && value <= kRectangle)) {
+        variable->type = 0;
+        setRange(variable, 0, 1);
+    } else {
+        variable->type = 0;
+        setRange(variable, -1, 1);
+    }
+    return 0;
+}
+
+} // namespace
+
+void autoWaveTable(double t, float r, float table[kAutoWaveRows][kAutoFrequencies])
+{
+    const float noise = (r - 0.5f) * 0.3f;
+    // Not reduced, and the same at every frequency: the wave climbs without end.
+    const float climb = float(0.1 * t);
+    for (int f = 0; f < kAutoFrequencies; ++f) {
+        const float p = limitPhase(float(t * kAutoFrequencyHz[f] * 360.0));
+        const float s = float(std::sin(double(p) * 0.017453292));
+        table[kSin][f] = s;
+        table[kSinIncrease][f] = s + climb;
+        table[kSinHalf][f] = std::fabs(s);
+        table[kSinRandom][f] = s + noise;
+        table[kTriangle][f] = p < 180 ? p / 180 : 1 - (p - 180) / 180;
+        table[kSaw1][f] = p / 360;
+        table[kSaw2][f] = 1 - p / 360;
+        table[kRectangle][f] = p < 180 ? 0.0f : 1.0f;
+        table[kRandom][f] = r;
+    }
+}
+
+const BuiltinSource autoSource = {
+    krdAutoVarInfo,        krdAutoVarOpen,    krdAutoVarClose,       krdAutoVarRun, nullptr,
+    krdAutoVarGet,         nullptr,           krdAutoVarStartView,   nullptr,       emptySourceEntry,
+    krdAutoVarNewVariable, emptyCallbackData, krdAutoVarCallbackVar,
+};

@@ -1,0 +1,307 @@
+// Auto Data, the built-in test-signal source: the waves at chosen moments, and what a started
+// view reads from it as real time passes.
+#include "LoadedView.h"
+#include "ViewFixture.h"
+#include "data/autoWaves.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace k2dtest;
+using namespace korelgen;
+
+namespace {
+
+enum Wave {
+    kSin, kSinIncrease, kSinHalf, kSinRandom, kTriangle, kSaw1, kSaw2, kRectangle, kRandom, kFrequency, kDate, kTime
+};
+enum Hz { k0_01, k0_02, k0_05, k0_1, k0_2, k0_5, k1, k2, k5, k10 };
+
+struct WaveCase {
+    Wave wave;
+    Hz frequency;
+    double t;
+    float r;
+    float expected;
+};
+
+TEST(AutoWaves, TableAtChosenMoments)
+{
+    const std::vector<WaveCase> cases = {
+        {kSin, k1, 0, 0, 0}, {kSin, k1, 0.25, 0, 1}, {kSin, k1, 0.75, 0, -1}, {kSin, k2, 0.125, 0, 1},
+        {kSinHalf, k1, 0.75, 0, 1},
+        {kTriangle, k0_5, 0, 0, 0}, {kTriangle, k0_5, 0.5, 0, 0.5f},
+        {kTriangle, k0_5, 1.0, 0, 1}, {kTriangle, k0_5, 1.5, 0, 0.5f},
+        {kSaw1, k0_5, 0, 0, 0}, {kSaw1, k0_5, 1.5, 0, 0.75f}, {kSaw1, k0_5, 2.5, 0, 0.25f},
+        {kSaw2, k0_5, 0, 0, 1}, {kSaw2, k0_5, 0.5, 0, 0.75f},
+        // Low for the first second of the two, high for the second, and again.
+        {kRectangle, k0_5, 0.1, 0, 0}, {kRectangle, k0_5, 0.9, 0, 0}, {kRectangle, k0_5, 1.1, 0, 1},
+        {kRectangle, k0_5, 1.9, 0, 1}, {kRectangle, k0_5, 2.1, 0, 0},
+        // The climb doesn't follow the frequency and keeps going past the range.
+        {kSinIncrease, k1, 100, 0, 10}, {kSinIncrease, k0_01, 10, 0, 1.587785f}, {kSinIncrease, k1, 0.25, 0, 1.025f},
+        {kSinRandom, k1, 0.25, 1, 1.15f}, {kSinRandom, k1, 0.25, 0, 0.85f},
+        {kRandom, k0_01, 3, 0.3f, 0.3f}, {kRandom, k10, 3, 0.8f, 0.8f},
+        // A thousand turns later the phase is still whole to a fraction of a degree.
+        {kSaw1, k10, 100.05, 0, 0.5f},
+    };
+    for (const WaveCase& c : cases) {
+        float table[kAutoWaveRows][kAutoFrequencies];
+        autoWaveTable(c.t, c.r, table);
+        EXPECT_NEAR(table[c.wave][c.frequency], c.expected, 1e-4)
+            << "wave " << c.wave << " item " << c.frequency << " t " << c.t;
+    }
+    // Weeks of running at 10 Hz leave a float phase coarse, but still within a turn.
+    float table[kAutoWaveRows][kAutoFrequencies];
+    autoWaveTable(1e7, 0, table);
+    EXPECT_GE(table[kSaw1][k10], 0);
+    EXPECT_LE(table[kSaw1][k10], 1);
+}
+
+VariableFields autoVar(int type, const std::string& name, Wave wave, Hz frequency, const std::string& min = "0",
+                       const std::string& max = "0")
+{
+    return VariableFields{type, name, "", {{wave, ""}, {frequency, ""}, {0, min}, {0, max}}};
+}
+
+ViewBuilder autoView(std::vector<VariableFields> variables)
+{
+    ViewBuilder b = blackPage();
+    b.dataSection({SourceFields{1, {}, 4, std::move(variables)}});
+    return b;
+}
+
+std::string read(VIEW_STRUCT* view, const std::string& name)
+{
+    char text[256] = "";
+    return krVarGetStr(view, name.c_str(), text) < 0 ? "<error>" : text;
+}
+
+double number(VIEW_STRUCT* view, const std::string& name)
+{
+    return strtod(read(view, name).c_str(), nullptr);
+}
+
+// The MIN and MAX texts of a variable of the view's one source.
+std::string rangeOf(VIEW_STRUCT* view, const std::string& name)
+{
+    char min[256] = "?", max[256] = "?";
+    for (VARIABLE_STRUCT* v = view->dataTypes->variables; v; v = v->next)
+        if (name == krVarName(v)) {
+            krVarGetPara(v, 2, nullptr, min);
+            krVarGetPara(v, 3, nullptr, max);
+        }
+    return std::string(min) + ".." + max;
+}
+
+struct ScaledCase {
+    VariableFields variable;
+    double expected;
+};
+
+// Right after the start a wave of 0.01 Hz has barely left phase 0: SIN sits mid-range, SAW 1 at
+// MIN and SAW 2 at MAX, whichever way round the range lies.
+TEST(AutoSource, ViewReadsScaledWavesFromItsStart)
+{
+    const std::vector<ScaledCase> cases = {
+        {autoVar(0, "sin", kSin, k0_01, "0", "10"), 5},
+        {autoVar(0, "saw1", kSaw1, k0_01, "0", "10"), 0},
+        {autoVar(0, "saw2", kSaw2, k0_01, "0", "10"), 10},
+        {autoVar(0, "saw2Low", kSaw2, k0_01, "-4", "-2"), -2},
+        {autoVar(0, "inverted1", kSaw1, k0_01, "10", "0"), 10},
+        {autoVar(0, "inverted2", kSaw2, k0_01, "10", "0"), 0},
+        {autoVar(0, "flatSin", kSin, k10, "5", "5"), 5},
+        {autoVar(0, "flatRandom", kRandom, k10, "5", "5"), 5},
+        {autoVar(0, "hz", kFrequency, k0_1, "3", "7"), 0.1},
+        // A form or a frequency past the lists stores nothing; so does a text into a float.
+        {autoVar(0, "noForm", Wave(12), k1, "1", "2"), 0},
+        {autoVar(0, "noFrequency", kSin, Hz(10), "1", "2"), 0},
+        {autoVar(0, "dateAsFloat", kDate, k1), 0},
+    };
+    std::vector<VariableFields> variables = {autoVar(0, "clock", kSaw1, k0_1, "0", "10")};
+    for (const ScaledCase& c : cases)
+        variables.push_back(c.variable);
+    LoadedView loaded(autoView(variables));
+    VIEW_STRUCT* view = loaded.view;
+    ASSERT_NE(view, nullptr);
+
+    for (int start = 0; start < 2; ++start) {
+        ASSERT_EQ(krViewStart(view), 0);
+        const auto first = std::chrono::steady_clock::now();
+        fillDP(view->dataTypes);
+        for (const ScaledCase& c : cases)
+            EXPECT_NEAR(number(view, c.variable.name), c.expected, 0.05) << c.variable.name;
+        // SAW 1 at 0.1 Hz over 0 to 10 counts the seconds since the start, every start anew.
+        const double clock = number(view, "clock");
+        EXPECT_GE(clock, 0);
+        EXPECT_LT(clock, 0.5);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+        const std::chrono::duration<double> slept = std::chrono::steady_clock::now() - first;
+        fillDP(view->dataTypes);
+        EXPECT_NEAR(number(view, "clock") - clock, slept.count(), 0.1);
+        ASSERT_EQ(krViewStop(view), 0);
+    }
+}
+
+TEST(AutoSource, ARangeOfZeroTakesTheWaveDefaults)
+{
+    LoadedView loaded(autoView({autoVar(0, "triangle", kTriangle, k1), autoVar(0, "sin", kSin, k1),
+                                autoVar(0, "random", kRandom, k1), autoVar(10, "date", kDate, k1),
+                                autoVar(0, "kept", kTriangle, k1, "0", "2")}));
+    VIEW_STRUCT* view = loaded.view;
+    ASSERT_NE(view, nullptr);
+    ASSERT_EQ(krViewStart(view), 0);
+    fillDP(view->dataTypes);
+    EXPECT_EQ(rangeOf(view, "triangle"), "0.0..1.0");
+    EXPECT_EQ(rangeOf(view, "sin"), "-1.0..1.0");
+    EXPECT_EQ(rangeOf(view, "random"), "-1.0..1.0");
+    EXPECT_EQ(rangeOf(view, "date"), "0.0..0.0");
+    EXPECT_EQ(rangeOf(view, "kept"), "0..2");
+    // RANDOM over its default range: -1 + 2r.
+    for (int cycle = 0; cycle < 20; ++cycle) {
+        fillDP(view->dataTypes);
+        EXPECT_GE(number(view, "random"), -1);
+        EXPECT_LE(number(view, "random"), 1);
+    }
+    EXPECT_EQ(krViewStop(view), 0);
+}
+
+std::string localNow(const char* format)
+{
+    const time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    tm local;
+    localtime_r(&now, &local);
+    char text[64];
+    strftime(text, sizeof text, format, &local);
+    return text;
+}
+
+TEST(AutoSource, DateAndTimeAreLocalTexts)
+{
+    LoadedView loaded(autoView({autoVar(10, "date", kDate, k0_01), autoVar(10, "time", kTime, k0_01)}));
+    VIEW_STRUCT* view = loaded.view;
+    ASSERT_NE(view, nullptr);
+    ASSERT_EQ(krViewStart(view), 0);
+    const std::string dateBefore = localNow("%d.%m.%Y "), timeBefore = localNow("%H:%M:%S");
+    fillDP(view->dataTypes);
+    const std::string dateAfter = localNow("%d.%m.%Y "), timeAfter = localNow("%H:%M:%S");
+    const std::string date = read(view, "date"), time = read(view, "time");
+    EXPECT_TRUE(date == dateBefore || date == dateAfter) << "\"" << date << "\" for \"" << dateBefore << "\"";
+    EXPECT_TRUE(time == timeBefore || time == timeAfter) << time << " for " << timeBefore;
+    EXPECT_EQ(krViewStop(view), 0);
+}
+
+TEST(AutoSource, AnimatedSinFollowsRealTime)
+{
+    LoadedView loaded(autoView({autoVar(0, "sin", kSin, k1)}));
+    VIEW_STRUCT* view = loaded.view;
+    ASSERT_NE(view, nullptr);
+    ASSERT_EQ(krViewStartAnim(view), 0);
+    double low = 0, high = 0;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(1500);
+    while (std::chrono::steady_clock::now() < end && (low > -0.9 || high < 0.9)) {
+        const double v = number(view, "sin");
+        low = std::min(low, v);
+        high = std::max(high, v);
+        std::this_thread::sleep_for(std::chrono::milliseconds(3));
+    }
+    EXPECT_LE(low, -0.9);
+    EXPECT_GE(high, 0.9);
+    EXPECT_EQ(krViewStop(view), 0);
+}
+
+// The built-in record as an editing host meets it: its form, a new variable, a changed form.
+class AutoRecord : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(kriLoadStaticDataSources(&known), 0);
+        for (DD_DATA_TYPE_STRUCT* s = known; s; s = s->next)
+            if (s->id == 1)
+                source = s;
+        ASSERT_NE(source, nullptr);
+    }
+    void TearDown() override
+    {
+        while (known)
+            delDataType(&known, known, 1);
+    }
+    static std::string range(const VARIABLE_STRUCT* v)
+    {
+        return std::string(v->para[2].sval) + ".." + v->para[3].sval;
+    }
+    DD_DATA_TYPE_STRUCT* known = nullptr;
+    DD_DATA_TYPE_STRUCT* source = nullptr;
+};
+
+TEST_F(AutoRecord, DescribesItsVariableForm)
+{
+    EXPECT_STREQ(source->name, "Auto Data");
+    EXPECT_EQ(source->nrData, 0);
+    ASSERT_EQ(source->nrVar, 4);
+    const OPTION_STRUCT* form = source->varOptions;
+    EXPECT_EQ(std::string(form[0].title) + form[1].title + form[2].title + form[3].title, "TYPEFREQUENCYMINMAX");
+    ASSERT_EQ(form[0].count, 12);
+    EXPECT_STREQ(form[0].items + 32 * kSinHalf, "SIN Half Wave");
+    EXPECT_STREQ(form[0].items + 32 * kTime, "TIME");
+    ASSERT_EQ(form[1].count, 10);
+    EXPECT_STREQ(form[1].items + 32 * k0_1, "0.10 Hz");
+    EXPECT_STREQ(form[1].items + 32 * k10, "10.0 Hz");
+    EXPECT_EQ(form[2].kind + form[3].kind, 0); // text fields
+}
+
+TEST_F(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
+{
+    VARIABLE_STRUCT* v = createVariable(4);
+    v->type = 7;
+    v->para[0].ival = 5;
+    v->para[1].ival = 3;
+    EXPECT_EQ(source->newVariable(v), 0);
+    EXPECT_EQ(v->type, 0);
+    EXPECT_EQ(v->para[0].ival, 0);
+    EXPECT_EQ(v->para[1].ival, 0);
+    EXPECT_EQ(range(v), "-1.0..1.0");
+
+    const struct {
+        int form, type;
+        const char* range;
+    } chosen[] = {{kSinHalf, 0, "0.0..1.0"}, {kTriangle, 0, "0.0..1.0"}, {kRectangle, 0, "0.0..1.0"},
+                  {kDate, 10, "0.0..0.0"},   {kSinRandom, 0, "-1.0..1.0"}, {kTime, 10, "0.0..0.0"},
+                  {kRandom, 0, "-1.0..1.0"}, {kFrequency, 0, "-1.0..1.0"}};
+    for (const auto& c : chosen) {
+        EXPECT_EQ(source->callbackVar(0, c.form, nullptr, v), 0);
+        EXPECT_EQ(v->type, c.type) << c.form;
+        EXPECT_EQ(range(v), c.range) << c.form;
+    }
+    // Only the form parameter calls back with consequences.
+    source->callbackVar(1, kSinHalf, nullptr, v);
+    EXPECT_EQ(range(v), "-1.0..1.0");
+    delVariable(nullptr, v);
+
+    // A variable stored with fewer slots than the form is left as it is, and so is its value.
+    VARIABLE_STRUCT* short3 = createVariable(3);
+    short3->type = 3;
+    source->newVariable(short3);
+    source->callbackVar(0, kDate, nullptr, short3);
+    EXPECT_EQ(short3->type, 3);
+    EXPECT_EQ(source->startView(source), -1); // not opened
+    ASSERT_EQ(source->open(source), 0);
+    EXPECT_EQ(source->startView(source), 0);
+    source->run(source);
+    float value = 42;
+    short3->value = &value;
+    source->get(short3, source);
+    EXPECT_EQ(value, 42);
+    short3->value = nullptr;
+    delVariable(nullptr, short3);
+    source->close(source);
+    EXPECT_EQ(source->data, nullptr);
+    EXPECT_EQ(source->startView(nullptr), -1);
+}
+
+} // namespace
