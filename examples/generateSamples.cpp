@@ -1,7 +1,8 @@
 // Writes the sample views shipped in examples/: panel.k2d, a small operator panel of the kinds
 // drawn today (rectangles, groups, clip areas), and everykind.k2d, one of each element kind with
 // actions and data sources, for tools that read every record, and sources.k2d, a view of
-// constants, internal variables and the example plug-in's variables. Usage: korel2d-samples OUTPUT_DIR
+// constants, internal variables and the example plug-in's variables, and live.k2d, a panel
+// that moves on the Auto source's test signals. Usage: korel2d-samples OUTPUT_DIR
 #include "ViewBuilder.h"
 #include "panelPalette.h"
 
@@ -18,6 +19,15 @@ using namespace samplepanel;
 namespace {
 
 
+// An opaque colour into a record's r, g, b, a.
+void setColour(float rgba[4], Colour colour)
+{
+    rgba[0] = colour.r;
+    rgba[1] = colour.g;
+    rgba[2] = colour.b;
+    rgba[3] = 1;
+}
+
 // Crisp edges throughout: the sample is also read back pixel by pixel.
 RectFields filled(float x0, float y0, float x1, float y1, Colour fill)
 {
@@ -26,10 +36,7 @@ RectFields filled(float x0, float y0, float x1, float y1, Colour fill)
     s.y0 = y0;
     s.x1 = x1;
     s.y1 = y1;
-    s.fill[0] = fill.r;
-    s.fill[1] = fill.g;
-    s.fill[2] = fill.b;
-    s.fill[3] = 1;
+    setColour(s.fill, fill);
     return s;
 }
 
@@ -38,9 +45,7 @@ RectFields framed(float x0, float y0, float x1, float y1, Colour fill, Colour st
     RectFields s = filled(x0, y0, x1, y1, fill);
     s.strokeOn = 1;
     s.strokeWidth = width;
-    s.stroke[0] = stroke.r;
-    s.stroke[1] = stroke.g;
-    s.stroke[2] = stroke.b;
+    setColour(s.stroke, stroke);
     return s;
 }
 
@@ -296,8 +301,9 @@ std::vector<uint8_t> everyKind()
     show.blocks[kWidthBlock] = thresholds(0, 2, {threshold(1, 2, 5, kRed)});
     b.actions({show}).cpoly(warning, "warning", "warning-ID");
 
+    // A plug-in's source that isn't installed here: the view keeps what it stored.
     SourceFields link;
-    link.id = 1;
+    link.id = 77;
     link.dataParams = {{502, "localhost"}, {1, "udp"}, {0, "250 ms"}};
     SourceFields values;
     values.id = 2;
@@ -340,6 +346,76 @@ std::vector<uint8_t> sources()
     return b.bytes();
 }
 
+// The panel that moves, on test signals of the Auto source: a needle on a sine, a bar that
+// fills with a triangle wave, a lamp that changes colour with the sine, an arc gauge on a saw
+// tooth and an alarm that blinks while a square wave is high.
+std::vector<uint8_t> live()
+{
+    ViewBuilder b;
+    b.page(0, 0, 640, 400, kPage.r, kPage.g, kPage.b);
+    b.rect(framed(10, 10, 630, 390, kPanel, kFrame, 2), "panel", "panel-ID");
+
+    CircleFields dial;
+    dial.x = 170, dial.y = 170;
+    dial.matrix[0] = dial.matrix[3] = 1.2f;
+    setColour(dial.fill, kDark);
+    setColour(dial.stroke, kBezel);
+    dial.strokeWidth = 3;
+    b.circle(dial, "dial", "dial-ID");
+    LineFields needle;
+    needle.x1 = 170, needle.y1 = 170, needle.x2 = 280, needle.y2 = 170;
+    needle.strokeWidth = 4;
+    setColour(needle.stroke, kYellow);
+    // SIN -1..1 turns the needle from pointing left, over the top, to pointing right.
+    ActionFields turn = action(1, 5, "SIN", -1, 1, -180, 0);
+    turn.cg = 8;
+    b.actions({turn}).line(needle, "needle", "needle-ID");
+
+    PolyFields bar;
+    bar.closed = 1, bar.fillOn = 1;
+    setColour(bar.fill, kCyan);
+    setColour(bar.stroke, kFrame);
+    bar.strokeWidth = 2;
+    bar.points = {{0, 330, 40}, {1, 390, 40}, {2, 390, 360}, {3, 330, 360}};
+    b.actions({action(2, 18, "TRIANGLE", 0, 1, 0, 1)}).cpoly(bar, "bar", "bar-ID");
+
+    CircleFields lamp;
+    lamp.x = 520, lamp.y = 310;
+    lamp.matrix[0] = lamp.matrix[3] = 0.4f;
+    setColour(lamp.fill, kLampOff);
+    setColour(lamp.stroke, kBezel);
+    ActionFields lampColour = action(3, 13, "SIN", 0, 1, 0, 1);
+    lampColour.blocks[kColourBlock] =
+        thresholds(-1, 1, {threshold(-1, -0.3f, 0, kGreen), threshold(-0.3f, 0.5f, 0, kAmber), threshold(0.5f, 1, 0, kRed)});
+    b.actions({lampColour}).circle(lamp, "lamp", "lamp-ID");
+
+    CircleFields gauge;
+    gauge.x = 520, gauge.y = 120;
+    gauge.matrix[0] = gauge.matrix[3] = 0.8f;
+    gauge.start = 3.1415927f, gauge.end = 6.2831855f;
+    setColour(gauge.fill, kGreen);
+    setColour(gauge.stroke, kFrame);
+    // SAW 0..1 sweeps the end from the left, over the top, to the right: 180..360 degrees.
+    b.actions({action(4, 24, "SAW", 0, 1, 180, 360)}).arc(gauge, "gauge", "gauge-ID");
+
+    ActionFields alarmColour = action(5, 13, "ALARM", 0, 1, 0, 1);
+    alarmColour.blocks[kColourBlock] = thresholds(0, 1, {threshold(0, 0.5f, 0, kLampOff), threshold(0.5f, 1, 0, kRed)});
+    ActionFields alarmBlink = action(6, 25, "ALARM", 0, 1, 0, 1);
+    alarmBlink.blocks[kBlinkBlock] = thresholds(0, 1, {threshold(0, 0.5f, 0, kRed), threshold(0.5f, 1, 3, kRed)});
+    b.actions({alarmColour, alarmBlink}).rect(framed(450, 200, 590, 240, kLampOff, kFrame, 2), "alarm", "alarm-ID");
+
+    // Auto variables: wave form, frequency item (3: 0.1 Hz, 4: 0.2 Hz), MIN, MAX.
+    SourceFields signals;
+    signals.id = 1;
+    signals.varParamCount = 4;
+    signals.variables = {{0, "SIN", "", {{0, ""}, {4, ""}, {0, "-1.0"}, {0, "1.0"}}},
+                         {0, "TRIANGLE", "", {{4, ""}, {3, ""}, {0, "0.0"}, {0, "1.0"}}},
+                         {0, "SAW", "", {{5, ""}, {4, ""}, {0, "0.0"}, {0, "1.0"}}},
+                         {0, "ALARM", "", {{7, ""}, {3, ""}, {0, "0.0"}, {0, "1.0"}}}};
+    b.dataSection({signals});
+    return b.bytes();
+}
+
 bool writeFile(const std::string& path, const std::vector<uint8_t>& bytes)
 {
     FILE* file = std::fopen(path.c_str(), "wb");
@@ -366,7 +442,7 @@ int main(int argc, char** argv)
     const struct {
         const char* name;
         std::vector<uint8_t> bytes;
-    } samples[] = {{"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}};
+    } samples[] = {{"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()}};
     for (const auto& sample : samples) {
         std::string path = std::string(argv[1]) + "/" + sample.name;
         if (!writeFile(path, sample.bytes))

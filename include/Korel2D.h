@@ -572,6 +572,28 @@ int krdDeleteAllVariables(DD_DATA_TYPE_STRUCT* source);
 char** krdGetAllVariables(DD_DATA_TYPE_STRUCT* source);
 VARIABLE_STRUCT** krdGetAllVariablesS(DD_DATA_TYPE_STRUCT* source);
 
+/* Binding, at each start: every action gets its variable's value buffer, a held copy of its
+ * own and the mapping through (a0, b0), (a1, b1). Variables that mouse actions write are
+ * marked read-write (also at load). getAB: the line through (x0, y0), (x1, y1) as
+ * y = a + b x; a = 0, b = 1 when x0 equals x1. */
+int assignVariables(ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* sources);
+int assignVariablesAction(ELEMENT_STRUCT* list, DD_DATA_TYPE_STRUCT* sources);
+int assignVariablesReadWrite(ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* sources);
+void getAB(float* a, float* b, float x0, float y0, float x1, float y1);
+
+/* Animation, once per frame and element of a running view, inside the element's translation:
+ * each action's value becomes a matrix operation or a change of attr. halt non-zero keeps
+ * the values held when the halt began. */
+int doAction(ELEMENT_STRUCT* element, int halt);
+/* which: 0 the held copy, 1 the value buffer, 2 the second variable's; dt in filter time units. */
+double getActionFloatData(ACTION_STRUCT* action, int which, float dt);
+/* Writes v to the action's variable by its type, clamped if the action limits; marks it written. */
+void putFloatData(ACTION_STRUCT* action, double v);
+/* glTranslatef to the point cg (1..8 around the box, others: the centre) of the element, or back. */
+int objMove(ELEMENT_STRUCT* element, int cg, int back);
+/* Visibility, flagged, for the element and everything below it. */
+void setVisible(ELEMENT_STRUCT* element, int flag);
+
 /* The value pipeline: fresh zeroed value buffers at each start (256 bytes for text, else 8),
  * defaults written through Set, and one data cycle over all sources. */
 int makeValueBuffers(DD_DATA_TYPE_STRUCT* sources);
@@ -673,6 +695,13 @@ int drawGroup(ELEMENT_STRUCT* element, ELEMENT_ATTR* attr);
 int scissorSetPickSticky(ELEMENT_STRUCT* element);
 int drawScissor(SCISSOR_STRUCT* record, ELEMENT_ATTR* attr, int selected);
 
+/* dx, dy are added to both end points; the walk passes 0 and places the line itself. */
+int drawLine(LINE_STRUCT* record, ELEMENT_ATTR* attr, int selected, float dx, float dy);
+/* Circle and arc: the section from start to attr->arcEnd about the centre. */
+int drawCircle(CIRCLE_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+/* Non-zero when (x, y) lies inside the whole ellipse, whatever section is drawn. */
+int pickCircle(ELEMENT_STRUCT* element, float x, float y);
+
 /* Geometry pass of each kind: bounds, centre, size, local fields and pick shape from the
  * record, then the run-time look seeded from it (...SetAttr). Circle and arc share one. */
 int graphSetAttr(ELEMENT_STRUCT* element);
@@ -691,6 +720,35 @@ int buttonSetAttr(ELEMENT_STRUCT* element);
 int buttonSetPickSticky(ELEMENT_STRUCT* element);
 int sliderSetAttr(ELEMENT_STRUCT* element);
 int sliderSetPickSticky(ELEMENT_STRUCT* element);
+
+/* Polygons: the fill as a display list tessellated from the points (useFill non-zero: from
+ * the level-cut points when there are some); the level cuts, each from fillLevel. */
+int polyMakeList(POLY_STRUCT* record, int useFill);
+int polyCreateFillCoordLeft(ELEMENT_STRUCT* element);
+int polyCreateFillCoordRight(ELEMENT_STRUCT* element);
+int polyCreateFillCoordUp(ELEMENT_STRUCT* element);
+int polyCreateFillCoordDown(ELEMENT_STRUCT* element);
+/* Makes the list first if there is none yet, so a view loaded without a context fills at its first draw. */
+int drawPoly(POLY_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+/* Even-odd rule over the closed ring of points in view units; an open polyline counts as closed. */
+int pickPoly(ELEMENT_STRUCT* element, float x, float y);
+/* fillLevel -1 on every polyline (kind 2) of the tree, groups included. Always 0. */
+int resetAllPoly(ELEMENT_STRUCT* list);
+/* Tessellator callbacks for callers with a GLU tessellator of their own: begin, end and vertex
+ * draw, combine hands back a new vertex of three doubles that the caller frees with free(). */
+void errorCB(unsigned int code);
+void beginCB(unsigned int mode);
+void endCB(void);
+void vertexCB(void* vertex);
+void combineCB(double coords[3], void* data[4], float weights[4], void** out);
+
+/* Segment crossings. lineCross (in float): 1 when the segments (x1, y1)-(x2, y2) and
+ * (x3, y3)-(x4, y4) meet, ends included; parallel segments never do. KLineCross2 (in double)
+ * also writes where the infinite lines meet, even where the segments don't reach; parallel
+ * lines write nothing. */
+int lineCross(float x1, float y1, float x2, float y2, float x3, float y3, float x4, float y4);
+int KLineCross2(double* ox, double* oy, double x1, double y1, double x2, double y2, double x3, double y3, double x4,
+                double y4);
 
 /* Process-wide picture store of image elements. txCreate copies width x height RGBA pixels
  * and returns a new id (ids are never reused), or -1 for no pixels, a size not above 0 or

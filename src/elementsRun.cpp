@@ -160,6 +160,7 @@ bool drawsAtOffset(const ELEMENT_STRUCT* e)
 {
     switch (e->type) {
     case KR_RECT:
+    case KR_LINE:
     case KR_GROUP:
     case KR_SCISSOR:
         return !e->actions;
@@ -173,6 +174,19 @@ void drawElement(ELEMENT_STRUCT* e, int run, int halt, int clip, DRAW_SETTINGS* 
     switch (e->type) {
     case KR_RECT:
         drawRect(static_cast<RECT_STRUCT*>(e->data), &e->attr, e->selected);
+        break;
+    case KR_POLYLINE:
+    case KR_CPOLY:
+        // The fill is a display list of points about the centre: always under the pushed matrix.
+        drawPoly(static_cast<POLY_STRUCT*>(e->data), &e->attr, e->selected);
+        break;
+    case KR_CIRCLE:
+    case KR_ARC:
+        drawCircle(static_cast<CIRCLE_STRUCT*>(e->data), &e->attr, e->selected);
+        break;
+    case KR_LINE:
+        // Placed by the offset or the pushed matrix like every kind: no offset of its own.
+        drawLine(static_cast<LINE_STRUCT*>(e->data), &e->attr, e->selected, 0, 0);
         break;
     case KR_GROUP:
         if (settings->scissorType == 1)
@@ -228,6 +242,7 @@ int drawUserElements(ELEMENT_STRUCT* list, ELEMENT_ATTR* parentAttr, int run, in
             e->attr.live = 0;
             drawElement(e, run, halt, clip, settings, depth);
         } else {
+            doAction(e, halt);
             e->attr.live = 1;
             if (e->attr.visible && blink)
                 drawElement(e, run, halt, clip, settings, depth);

@@ -22,8 +22,8 @@ void* createImageDefault()
 const KindInfo kinds[15] = {
     /* 0 */ {"GRAPH", createDefault<GRAPH_STRUCT, createGraph>, graphFreeData, graphSetPickSticky, nullptr, nullptr},
     /* 1 */ {"RECTANGLE", createDefault<RECT_STRUCT, createRect>, nullptr, rectSetPickSticky, nullptr, nullptr},
-    /* 2 */ {"POLYGON", createDefault<POLY_STRUCT, createPoly>, polyFreeData, polySetPickSticky, nullptr, nullptr},
-    /* 3 */ {"CIRCLE", createDefault<CIRCLE_STRUCT, createCircle>, nullptr, circleSetPickSticky, nullptr, nullptr},
+    /* 2 */ {"POLYGON", createDefault<POLY_STRUCT, createPoly>, polyFreeData, polySetPickSticky, nullptr, pickPoly},
+    /* 3 */ {"CIRCLE", createDefault<CIRCLE_STRUCT, createCircle>, nullptr, circleSetPickSticky, nullptr, pickCircle},
     /* 4 */ {"TEXT", createTextDefault, textFreeData, textSetPickSticky, nullptr, nullptr},
     /* 5 */ {"LINE", createDefault<LINE_STRUCT, createLine>, nullptr, lineSetPickSticky, nullptr, nullptr},
     /* 6 */ {"ARC", createDefault<CIRCLE_STRUCT, createArc>, nullptr, circleSetPickSticky, nullptr, nullptr},
@@ -33,7 +33,7 @@ const KindInfo kinds[15] = {
     /* 10 */ {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     /* 11 */ {"BUTTON", createDefault<BUTTON_STRUCT, createButton>, nullptr, buttonSetPickSticky, nullptr, nullptr},
     /* 12 */ {"SLIDER", createDefault<SLIDER_STRUCT, createSlider>, nullptr, sliderSetPickSticky, nullptr, nullptr},
-    /* 13 */ {"POLYGON", createDefault<POLY_STRUCT, createCPoly>, polyFreeData, polySetPickSticky, nullptr, nullptr},
+    /* 13 */ {"POLYGON", createDefault<POLY_STRUCT, createCPoly>, polyFreeData, polySetPickSticky, nullptr, pickPoly},
     /* 14 */ {"SCISSOR", createDefault<SCISSOR_STRUCT, createScissor>, nullptr, scissorSetPickSticky, nullptr, nullptr},
 };
 

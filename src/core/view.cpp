@@ -78,6 +78,7 @@ VIEW_STRUCT* krViewLoad(const char* path)
     kriLoadDataSources(&view->knownTypes);
     updateDataTypes(view->knownTypes, view->dataTypes);
     deleteSources(&view->knownTypes, 1);
+    assignVariablesReadWrite(view->elements, view->dataTypes);
     return view;
 }
 

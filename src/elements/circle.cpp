@@ -1,5 +1,8 @@
 // Circle (kind 3) and arc (kind 6): a unit shape under a 2x2 matrix, between two angles.
 #include "elements/kindCommon.h"
+#include "graphics/glState.h"
+
+#include <GL/gl.h>
 
 #include <algorithm>
 #include <cmath>
@@ -45,29 +48,41 @@ int circleSetAttr(ELEMENT_STRUCT* element)
     return 0;
 }
 
-// Visits the angles from start to end, `step` apart; the last one lands on end. At most
-// maxPoints angles, so that angles too large for the step to move still end the walk.
-template <class Visit> static void walkArc(float start, float end, float step, int maxPoints, Visit visit)
+// Most angles one walk visits. Far beyond any sensible drawing (over forty turns at the
+// finest step), it keeps an end animated or edited to an absurd angle from stalling a frame.
+constexpr int kMaxArcPoints = 1 << 16;
+
+// Visits the angles from start to end, `step` apart; the last one lands exactly on end, so an
+// end that is a whole number of steps away is visited twice. Nothing for an end before the
+// start. Where the step no longer moves the angle (angles too large for it, a step that is
+// not a number) or the walk reaches kMaxArcPoints, the next step goes straight to end.
+template <class Visit> static void walkArc(float start, float end, float step, Visit visit)
 {
     if (!(end >= start))
         return;
     float a = start;
-    bool lastStep = false;
-    for (int n = 0; n < maxPoints; ++n) {
+    for (int n = 1;; ++n) {
         visit(a);
-        if (lastStep)
+        const float next = a + step;
+        if (next > end || !(next > a) || n == kMaxArcPoints - 1) {
+            visit(end);
             return;
-        float next = a + step;
-        if (next > end) {
-            step = end - a;
-            a += step;
-            lastStep = true;
-        } else {
-            a = next;
         }
-        if (a > end)
-            return;
+        a = next;
     }
+}
+
+// Angular step for drawing: coarse for small circles, fine for large ones, about one unit
+// of rim in between.
+static float drawStep(const CIRCLE_STRUCT* c)
+{
+    const float* m = c->matrix;
+    const float r = std::max(std::fabs(c->rx * m[0] + c->ry * m[1]), std::fabs(c->rx * m[2] + c->ry * m[3]));
+    if (r < 8)
+        return 0.7853982f;
+    if (r > 100)
+        return 0.06283186f;
+    return float(6.283185308 / double(r));
 }
 
 // The point of angle a on the rim, relative to the centre: angles grow clockwise.
@@ -78,18 +93,24 @@ static void rimPoint(const CIRCLE_STRUCT* c, float a, float* x, float* y)
     *y = c->matrix[2] * u + c->matrix[3] * v;
 }
 
-// The box is that of the drawn section and its centre, so a pie-shaped arc reaches the centre.
+static void rimVertices(const CIRCLE_STRUCT* c, float end, float step)
+{
+    walkArc(c->start, end, step, [c](float a) {
+        float x, y;
+        rimPoint(c, a, &x, &y);
+        tkVertex2f(x, y);
+    });
+}
+
+// The box is that of the stored section and its centre, so a pie-shaped arc reaches the
+// centre. It is walked at the finest step whatever the size, so it doesn't change with zoom.
 int circleSetPickSticky(ELEMENT_STRUCT* element)
 {
     CIRCLE_STRUCT* c = static_cast<CIRCLE_STRUCT*>(element->data);
     c->fanX = 0;
     c->fanY = 0;
-    const float step = 0.06283186f;
-    const float turn = 6.2831855f;
-    // Beyond one turn the rim only repeats itself.
-    const float end = c->end - c->start > turn ? c->start + turn : c->end;
     float local[4] = {0, 0, 0, 0};
-    walkArc(c->start, end, step, int(turn / step) + 3, [&](float a) {
+    walkArc(c->start, c->end, 0.06283186f, [&](float a) {
         float x, y;
         rimPoint(c, a, &x, &y);
         boxInclude(local, x, y);
@@ -98,4 +119,55 @@ int circleSetPickSticky(ELEMENT_STRUCT* element)
     boxGeometry(element, c->x + local[0], c->y + local[1], c->x + local[2], c->y + local[3]);
     placeCentre(element, c->x, c->y);
     return circleSetAttr(element);
+}
+
+// Drawn about the centre, which the walk's matrix has placed; the end is the run-time one,
+// so an arc action sweeps the section without touching the record.
+int drawCircle(CIRCLE_STRUCT* c, ELEMENT_ATTR* attr, int selected)
+{
+    const float step = drawStep(c);
+    if (c->fillOn) {
+        tkAliasBlend(0, attr->fillColor[3]);
+        kvColor4f(attr->fillColor[0], attr->fillColor[1], attr->fillColor[2], attr->fillColor[3]);
+        setStipple(c->fillStyle, c->fillPattern);
+        tkBegin(GL_TRIANGLE_FAN);
+        tkVertex2f(c->fanX, c->fanY);
+        rimVertices(c, attr->arcEnd, step);
+        tkEnd();
+        setStipple(0, nullptr);
+    }
+    if (c->strokeOn) {
+        tkLineStipple(attr->stippleFactor, attr->stipplePattern);
+        tkLineWidth(attr->lineWidth);
+        tkAliasBlend(c->antialias, attr->strokeColor[3]);
+        kvColor4f(attr->strokeColor[0], attr->strokeColor[1], attr->strokeColor[2], attr->strokeColor[3]);
+        tkBegin(GL_LINE_STRIP);
+        rimVertices(c, attr->arcEnd, step);
+        tkEnd();
+    }
+    if (selected && !attr->live) {
+        tkLineStipple(1, 0xF0F0);
+        tkLineWidth(1);
+        kvColor4f(1, 0, 0, 1);
+        tkAliasBlend(0, 1.0f);
+        tkBegin(GL_LINE_STRIP);
+        rimVertices(c, attr->arcEnd, step);
+        tkEnd();
+    }
+    return 0;
+}
+
+// Inside the whole ellipse, whatever section is drawn: the point is taken back through the
+// matrix to find its direction, and compared with the rim in that direction. A singular
+// matrix yields no number and so no hit.
+int pickCircle(ELEMENT_STRUCT* element, float x, float y)
+{
+    const CIRCLE_STRUCT* c = static_cast<CIRCLE_STRUCT*>(element->data);
+    const double m00 = c->matrix[0], m01 = c->matrix[1], m10 = c->matrix[2], m11 = c->matrix[3];
+    const double dx = double(x) - c->x, dy = double(y) - c->y;
+    const double d = 1.0 / (m00 * m11 - m01 * m10);
+    const double a = std::atan2(d * (m00 * dy - m10 * dx), d * (m11 * dx - m01 * dy));
+    const double u = c->rx * std::cos(a), v = c->ry * std::sin(a);
+    const double rimX = m00 * u + m01 * v, rimY = m10 * u + m11 * v;
+    return std::sqrt(rimX * rimX + rimY * rimY) >= std::sqrt(dx * dx + dy * dy);
 }

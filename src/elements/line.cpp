@@ -1,5 +1,8 @@
 // Line: two end points with a width, a style and a colour.
 #include "elements/kindCommon.h"
+#include "graphics/glState.h"
+
+#include <GL/gl.h>
 
 static LINE_STRUCT lineDefaults()
 {
@@ -45,4 +48,29 @@ int lineSetPickSticky(ELEMENT_STRUCT* element)
     element->pickLine[2] = l->x2;
     element->pickLine[3] = l->y2;
     return lineSetAttr(element);
+}
+
+// The walk places a line without actions by its vertex offset, which tkVertex2f adds, and
+// one with actions by a pushed matrix; either way it passes dx = dy = 0. A caller drawing
+// outside a walk, where the offset is zero, places the line through dx and dy instead.
+int drawLine(LINE_STRUCT* l, ELEMENT_ATTR* attr, int selected, float dx, float dy)
+{
+    const auto segment = [&] {
+        tkBegin(GL_LINES);
+        tkVertex2f(dx + l->localX1, dy + l->localY1);
+        tkVertex2f(dx + l->localX2, dy + l->localY2);
+        tkEnd();
+    };
+    tkLineStipple(attr->stippleFactor, attr->stipplePattern);
+    tkLineWidth(attr->lineWidth);
+    tkAliasBlend(l->antialias, attr->strokeColor[3]);
+    kvColor4f(attr->strokeColor[0], attr->strokeColor[1], attr->strokeColor[2], attr->strokeColor[3]);
+    segment();
+    if (selected && !attr->live) {
+        tkLineStipple(1, 0xF0F0);
+        tkLineWidth(1);
+        kvColor4f(1, 0, 0, 1);
+        segment();
+    }
+    return 0;
 }

@@ -2,7 +2,11 @@
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 
+#include <GL/gl.h>
+#include <GL/glu.h>
+
 #include <algorithm>
+#include <cstdlib>
 
 static POLY_STRUCT polyDefaults(int closed)
 {
@@ -36,6 +40,10 @@ void polyFreeData(void* data)
         delCoord(&p->coords, p->coords);
     while (p->fillCoords)
         delCoord(&p->fillCoords, p->fillCoords);
+    // A list lives in its context: without a current one there is nothing to give it back to.
+    if (p->displayList && getGlContext())
+        glDeleteLists(p->displayList, 1);
+    p->displayList = 0;
 }
 
 int polySetAttr(ELEMENT_STRUCT* element)
@@ -76,5 +84,246 @@ int polySetPickSticky(ELEMENT_STRUCT* element)
     std::copy(local, local + 4, p->localBounds);
     while (p->fillCoords)
         delCoord(&p->fillCoords, p->fillCoords);
+    polyMakeList(p, 0);
     return polySetAttr(element);
+}
+
+// ---------------------------------------------------------------- fill
+
+void errorCB(unsigned int code)
+{
+    (void)gluErrorString(code);
+}
+
+void beginCB(unsigned int mode)
+{
+    tkBegin(mode);
+}
+
+void endCB(void)
+{
+    tkEnd();
+}
+
+void vertexCB(void* vertex)
+{
+    const double* v = static_cast<const double*>(vertex);
+    glVertex3f(float(v[0]), float(v[1]), float(v[2]));
+}
+
+// The new vertex belongs to the caller's tessellation; the caller frees it with free().
+void combineCB(double coords[3], void* data[4], float weights[4], void** out)
+{
+    (void)data;
+    (void)weights;
+    double* vertex = static_cast<double*>(malloc(3 * sizeof(double)));
+    if (vertex)
+        std::copy(coords, coords + 3, vertex);
+    *out = vertex;
+}
+
+// The fill is tessellated once into a display list and replayed each frame. No combine
+// callback: a self-crossing outline fills only as far as GLU gets without new vertices,
+// which for most such shapes is nothing.
+int polyMakeList(POLY_STRUCT* record, int useFill)
+{
+    if (!getGlContext()) {
+        // The old name may belong to a context that is gone; forget it, the next draw retries.
+        logMsg(2, "Warning polyMakeList: no valid openGL context !\n");
+        record->displayList = 0;
+        return -1;
+    }
+    if (record->displayList)
+        glDeleteLists(record->displayList, 1);
+    const COORD_STRUCT* source = useFill && record->fillCoords ? record->fillCoords : record->coords;
+
+    GLUtesselator* tess = gluNewTess();
+    if (!tess) {
+        record->displayList = 0;
+        return -1;
+    }
+    using Callback = void (*)();
+    gluTessCallback(tess, GLU_TESS_VERTEX, reinterpret_cast<Callback>(&glVertex3dv));
+    gluTessCallback(tess, GLU_TESS_BEGIN, reinterpret_cast<Callback>(&tkBegin));
+    gluTessCallback(tess, GLU_TESS_END, reinterpret_cast<Callback>(&tkEnd));
+    gluTessCallback(tess, GLU_TESS_ERROR, reinterpret_cast<Callback>(&errorCB));
+
+    record->displayList = glGenLists(1);
+    glNewList(record->displayList, GL_COMPILE);
+    gluBeginPolygon(tess);
+    // GLU keeps pointers to the points until gluEndPolygon; the list holds its own copy after.
+    for (const COORD_STRUCT* c = source; c; c = c->next) {
+        double* vertex = const_cast<double*>(c->vertex);
+        gluTessVertex(tess, vertex, vertex);
+    }
+    gluEndPolygon(tess);
+    glEndList();
+    gluDeleteTess(tess);
+    return 0;
+}
+
+// ---------------------------------------------------------------- level fill
+
+namespace {
+
+enum Axis { kAxisX = 0, kAxisY = 1 };
+
+// Keeps the part of the polygon on one side of a line across `axis` at `level` of its
+// extent, in one pass over the closed ring: inside vertices stay, and an outside vertex is
+// replaced by where its edges to inside neighbours meet the line. fromLow grows the kept
+// part from the lower bound (left or bottom), else from the upper bound. A concave
+// polygon may give a ring that touches itself along the line; the tessellator copes.
+void clipFill(ELEMENT_STRUCT* element, Axis axis, bool fromLow)
+{
+    POLY_STRUCT* p = static_cast<POLY_STRUCT*>(element->data);
+    while (p->fillCoords)
+        delCoord(&p->fillCoords, p->fillCoords);
+    if (!p->coords)
+        return;
+
+    const float lo = p->localBounds[axis], hi = p->localBounds[axis + 2];
+    const float limit = fromLow ? lo + (hi - lo) * p->fillLevel : hi - (hi - lo) * p->fillLevel;
+    auto inside = [&](const COORD_STRUCT* c) { return fromLow ? limit >= c->vertex[axis] : c->vertex[axis] >= limit; };
+    // The limit line as two points; only its direction and position matter.
+    double lx1 = 1.0, ly1 = limit, lx2 = -1.0, ly2 = limit;
+    if (axis == kAxisX) {
+        lx1 = lx2 = limit;
+        ly1 = 1.0;
+        ly2 = -1.0;
+    }
+
+    COORD_STRUCT* last = p->coords;
+    while (last->next)
+        last = last->next;
+    COORD_STRUCT* tail = nullptr;
+    auto append = [&](const COORD_STRUCT* from, double x, double y) {
+        COORD_STRUCT* c = createCoord();
+        if (!c)
+            return;
+        c->x = float(element->x + x);
+        c->y = float(element->y + y);
+        c->vertex[0] = x;
+        c->vertex[1] = y;
+        c->vertex[2] = from->vertex[2];
+        // Linked here rather than by appendCoord, which walks the list for every point.
+        c->prev = tail;
+        if (tail)
+            tail->next = c;
+        else
+            p->fillCoords = c;
+        tail = c;
+    };
+    auto appendCrossing = [&](const COORD_STRUCT* v, const COORD_STRUCT* neighbour) {
+        // The two points lie on both sides of the line, so the lines always meet.
+        double x = v->vertex[0], y = v->vertex[1];
+        KLineCross2(&x, &y, v->vertex[0], v->vertex[1], neighbour->vertex[0], neighbour->vertex[1], lx1, ly1, lx2,
+                    ly2);
+        append(v, x, y);
+    };
+
+    for (const COORD_STRUCT* v = p->coords; v; v = v->next) {
+        if (inside(v)) {
+            append(v, v->vertex[0], v->vertex[1]);
+            continue;
+        }
+        const COORD_STRUCT* before = v->prev ? v->prev : last;
+        const COORD_STRUCT* after = v->next ? v->next : p->coords;
+        if (inside(before))
+            appendCrossing(v, before);
+        if (inside(after))
+            appendCrossing(v, after);
+    }
+}
+
+} // namespace
+
+int polyCreateFillCoordRight(ELEMENT_STRUCT* element)
+{
+    clipFill(element, kAxisX, true);
+    return 0;
+}
+
+int polyCreateFillCoordLeft(ELEMENT_STRUCT* element)
+{
+    clipFill(element, kAxisX, false);
+    return 0;
+}
+
+int polyCreateFillCoordUp(ELEMENT_STRUCT* element)
+{
+    clipFill(element, kAxisY, true);
+    return 0;
+}
+
+int polyCreateFillCoordDown(ELEMENT_STRUCT* element)
+{
+    clipFill(element, kAxisY, false);
+    return 0;
+}
+
+// ---------------------------------------------------------------- drawing and picking
+
+namespace {
+
+// The outline is always the whole polygon, whatever the level of the fill.
+void outline(const POLY_STRUCT* p)
+{
+    tkBegin(p->closed ? GL_LINE_LOOP : GL_LINE_STRIP);
+    for (const COORD_STRUCT* c = p->coords; c; c = c->next)
+        glVertex2f(float(c->vertex[0]), float(c->vertex[1]));
+    tkEnd();
+}
+
+} // namespace
+
+int drawPoly(POLY_STRUCT* record, ELEMENT_ATTR* attr, int selected)
+{
+    tkAliasBlend(record->antialias, attr->fillColor[3]);
+    // A view loaded without a context gets its fill here, at its first draw.
+    if (!record->displayList)
+        polyMakeList(record, 0);
+    if (record->fillOn) {
+        kvColor4f(attr->fillColor[0], attr->fillColor[1], attr->fillColor[2], attr->fillColor[3]);
+        setStipple(record->fillStyle, record->fillPattern);
+        if (record->displayList)
+            glCallList(record->displayList);
+        setStipple(0, nullptr);
+    }
+    tkAliasBlend(record->antialias, attr->strokeColor[3]);
+    if (record->strokeOn) {
+        tkLineStipple(attr->stippleFactor, attr->stipplePattern);
+        tkLineWidth(attr->lineWidth);
+        kvColor4f(attr->strokeColor[0], attr->strokeColor[1], attr->strokeColor[2], attr->strokeColor[3]);
+        outline(record);
+    }
+    if (selected && !attr->live) {
+        tkLineStipple(1, 0xF0F0);
+        tkLineWidth(1);
+        kvColor4f(1, 0, 0, 1);
+        outline(record);
+    }
+    return 0;
+}
+
+// Even-odd rule with a ray to the right; an open polyline is picked as if it were closed.
+int pickPoly(ELEMENT_STRUCT* element, float x, float y)
+{
+    const POLY_STRUCT* p = static_cast<POLY_STRUCT*>(element->data);
+    int crossings = 0;
+    for (const COORD_STRUCT* c = p->coords; c; c = c->next) {
+        const COORD_STRUCT* n = c->next ? c->next : p->coords;
+        crossings += lineCross(x, y, x + 1000000.0f, y, c->x, c->y, n->x, n->y);
+    }
+    return crossings & 1;
+}
+
+int resetAllPoly(ELEMENT_STRUCT* list)
+{
+    for (ELEMENT_STRUCT* e = list; e; e = e->next) {
+        if (e->type == KR_GROUP)
+            resetAllPoly(e->child);
+        else if (e->type == KR_POLYLINE)
+            static_cast<POLY_STRUCT*>(e->data)->fillLevel = -1.0f;
+    }
+    return 0;
 }

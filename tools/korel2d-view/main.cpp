@@ -28,7 +28,8 @@ namespace {
 const char* const kUsage = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z] [--dump]\n"
                            "       korel2d-view FILE --vars [--anim] [--frames N]\n"
                            "  --png OUT    render off-screen into the PNG file OUT instead of a window\n"
-                           "  --frames N   draw N frames, then quit (default: until the window is closed;\n"
+                           "  --frames N   draw N frames of the running view, then quit and print the mean\n"
+                           "               and worst frame time (default: until the window is closed;\n"
                            "               one frame off-screen)\n"
                            "  --size WxH   picture size in pixels (default: the page size times the zoom)\n"
                            "  --zoom Z     pixels per view unit (default 1)\n"
@@ -186,6 +187,43 @@ void drawFrame(WINDOW_STRUCT* window, VIEW_STRUCT* view, float zoom)
     krViewDraw(window, view, 0, 0, zoom);
 }
 
+// Mean and worst time of the frames drawn, each up to glFinish: what the library and the
+// driver took, without the wait for the display.
+class FrameTimes {
+public:
+    void drawTimed(WINDOW_STRUCT* window, VIEW_STRUCT* view, float zoom)
+    {
+        auto start = std::chrono::steady_clock::now();
+        drawFrame(window, view, zoom);
+        glFinish();
+        double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+        total_ += ms;
+        worst_ = std::max(worst_, ms);
+        ++count_;
+    }
+    int count() const { return count_; }
+    void print() const
+    {
+        if (count_ > 0)
+            std::printf("korel2d-view: %d frame%s, mean %.2f ms, worst %.2f ms\n", count_, count_ == 1 ? "" : "s",
+                        total_ / count_, worst_);
+    }
+
+private:
+    int count_ = 0;
+    double total_ = 0, worst_ = 0;
+};
+
+// Shown views run animated: the library's data thread feeds them every 10 ms while the
+// frames are drawn. A view without sources looks the same running or not.
+ViewPtr loadRunningView(const std::string& file)
+{
+    ViewPtr view = loadView(file);
+    if (view && krViewStartAnim(view.get()) != 0)
+        std::fprintf(stderr, "korel2d-view: %s did not start; it is shown as stored\n", file.c_str());
+    return view;
+}
+
 // No GL context is made: the library keeps the pictures of image records in its own store.
 // The page is read first only for its clearer report of a file that fails.
 int dumpToStdout(const Options& o)
@@ -330,10 +368,11 @@ int showInWindow(Display* display, const Options& o, int width, int height)
         std::fprintf(stderr, "korel2d-view: no window: %s\n", why.c_str());
         return 1;
     }
-    ViewPtr view = loadView(o.file);
+    ViewPtr view = loadRunningView(o.file);
     if (!view)
         return 1;
     WindowPtr window(krWindowCreate(), krWindowFree);
+    FrameTimes times;
 
     // Nothing here waits for the display's refresh, so frames are paced at about 60 per second
     // rather than spinning the processor.
@@ -374,13 +413,14 @@ int showInWindow(Display* display, const Options& o, int width, int height)
             krWindowInit(window.get(), width, height);
             sized = true;
         }
-        drawFrame(window.get(), view.get(), o.zoom);
+        times.drawTimed(window.get(), view.get(), o.zoom);
         glXSwapBuffers(display, x.window());
         ++drawn;
         next = std::max(next + period, Clock::now());
         std::this_thread::sleep_until(next);
     }
     std::printf("korel2d-view: drew %d frame%s in a %dx%d window\n", drawn, drawn == 1 ? "" : "s", width, height);
+    times.print();
     return 0;
 }
 
@@ -394,13 +434,14 @@ int renderToPng(const Options& o, int width, int height)
         std::fprintf(stderr, "korel2d-view: no off-screen GL context: %s\n", why.c_str());
         return 1;
     }
-    ViewPtr view = loadView(o.file);
+    ViewPtr view = loadRunningView(o.file);
     if (!view)
         return 1;
     WindowPtr window(krWindowCreate(), krWindowFree);
     krWindowInit(window.get(), width, height);
+    FrameTimes times;
     for (int i = 0; i < std::max(o.frames, 1); ++i)
-        drawFrame(window.get(), view.get(), o.zoom);
+        times.drawTimed(window.get(), view.get(), o.zoom);
 
     const size_t stride = size_t(width) * 3;
     std::vector<uint8_t> pixels(stride * size_t(height));
@@ -417,6 +458,7 @@ int renderToPng(const Options& o, int width, int height)
         return 1;
     }
     std::printf("korel2d-view: wrote a %dx%d picture to %s (off-screen, %s)\n", width, height, out.c_str(), gl.kind());
+    times.print();
     return 0;
 }
 

@@ -1,0 +1,300 @@
+// What an action does to its element in a frame: the value of its variable, filtered, mapped
+// and clamped, becomes a matrix operation inside the element's translation or a change of its
+// run-time look. Runs per element per frame: nothing here allocates but the level fill.
+#include "Korel2D.h"
+#include "actions/textFormat.h"
+#include "core/truncate.h"
+#include "data/valueBuffer.h"
+
+#include <GL/gl.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr float kFrameStep = 0.1f;
+constexpr double kDegreesToRadians = 0.017453292;
+constexpr size_t kTextBytes = sizeof(ELEMENT_ATTR::text);
+
+// Bytes of the buffers an action reads: they were made for its variable's type.
+size_t boundSize(const ACTION_STRUCT* action)
+{
+    return valueBufferSize(action->variable ? action->variable->type : action->varType);
+}
+
+double clampToRange(double v, float b0, float b1)
+{
+    double lower = std::fmin(b0, b1), upper = std::fmax(b0, b1);
+    return v < lower ? lower : v > upper ? upper : v;
+}
+
+double rawValue(const void* buffer, int type)
+{
+    switch (type) {
+    case 0: return *static_cast<const float*>(buffer);
+    case 1: return *static_cast<const double*>(buffer);
+    case 2: return *static_cast<const int8_t*>(buffer);
+    case 3: return *static_cast<const uint8_t*>(buffer);
+    case 4: return *static_cast<const int16_t*>(buffer);
+    case 5: return *static_cast<const uint16_t*>(buffer);
+    case 6: return *static_cast<const int32_t*>(buffer);
+    case 7: return *static_cast<const uint32_t*>(buffer);
+    case 8: return double(*static_cast<const int64_t*>(buffer));
+    case 9: return double(*static_cast<const uint64_t*>(buffer));
+    default: return 0.0;
+    }
+}
+
+// The entry that wins: the last in list order whose lower limit v exceeds, else the first.
+const TH_STRUCT* findThreshold(const TH_STRUCT* head, double v)
+{
+    const TH_STRUCT* found = head;
+    for (const TH_STRUCT* entry = head; entry; entry = entry->next)
+        if (v > double(entry->lower))
+            found = entry;
+    return found;
+}
+
+void translate(ELEMENT_STRUCT* element, double dx, double dy)
+{
+    glTranslatef(float(dx), float(dy), 0);
+    element->pickMatrix[2] += float(dx);
+    element->pickMatrix[5] += float(dy);
+}
+
+// Scale and rotation work about the point cg of the element; 9 means its centre as it stands.
+template <class Operation> void aboutPoint(ELEMENT_STRUCT* element, int cg, Operation operation)
+{
+    if (cg != 9)
+        objMove(element, cg, 0);
+    operation();
+    if (cg != 9)
+        objMove(element, cg, 1);
+}
+
+void fillStep(ELEMENT_STRUCT* element, double v, bool vertical, int (*rebuild)(ELEMENT_STRUCT*))
+{
+    if (element->type != KR_CPOLY || !element->data)
+        return;
+    POLY_STRUCT* poly = static_cast<POLY_STRUCT*>(element->data);
+    double lo = element->bounds[vertical ? 1 : 0], hi = element->bounds[vertical ? 3 : 2];
+    v = v < 0.0 ? 0.0 : v > 1.0 ? 1.0 : v;
+    // Only a move of more than one view unit re-tessellates.
+    if (std::fabs(poly->fillLevel - v) > 1.0 / (hi - lo)) {
+        poly->fillLevel = float(v);
+        rebuild(element);
+        polyMakeList(poly, 1);
+    }
+}
+
+FormatArgument formatArgument(const ACTION_STRUCT* action, double v)
+{
+    FormatArgument a{FormatArgument::Signed, 0, 0, 0};
+    switch (action->varType) {
+    case 0: a = {FormatArgument::Real, double(float(v)), 0, 0}; break;
+    case 1: a = {FormatArgument::Real, v, 0, 0}; break;
+    case 2: a.integer = int8_t(truncToInt64(v)); break;
+    case 3: a.integer = uint8_t(truncToInt64(v)); break;
+    case 4: a.integer = int16_t(truncToInt64(v)); break;
+    case 5: a.integer = uint16_t(truncToInt64(v)); break;
+    case 6:
+        if (strchr(action->format, 'f'))
+            a = {FormatArgument::Real, double(float(v)), 0, 0};
+        else
+            a.integer = truncToInt(v);
+        break;
+    case 7:
+    case 8: a.integer = truncToInt64(v); break;
+    default: a = {FormatArgument::Unsigned, 0, 0, truncToUint64(v)}; break;
+    }
+    return a;
+}
+
+void formatText(ELEMENT_STRUCT* element, const ACTION_STRUCT* action, double v)
+{
+    if (element->type != KR_TEXT)
+        return;
+    ELEMENT_ATTR& attr = element->attr;
+    attr.textSet = 1;
+    if (action->varType > kTextType)
+        return;
+    char text[512];
+    if (action->varType == kTextType) {
+        if (!action->value)
+            snprintf(text, sizeof text, "Var %s not found", action->var);
+        else if (action->heldValue && boundSize(action) == kTextBufferSize)
+            storeText(text, static_cast<const char*>(action->heldValue));
+        else
+            text[0] = '\0';
+    } else {
+        formatActionText(text, sizeof text, action->format, formatArgument(action, v));
+    }
+    storeText(attr.text, text);
+    static_assert(kTextBytes == kTextBufferSize, "the shown text holds what a text variable holds");
+}
+
+void applyThresholdVisibility(ELEMENT_STRUCT* element, const ACTION_STRUCT* action, double v)
+{
+    if (action->visibleMode == 0) {
+        if (const TH_STRUCT* entry = findThreshold(action->visibleThresholds, v))
+            setVisible(element, entry->value);
+    } else if (action->visibleMode == 1) {
+        setVisible(element, std::fabs(v - action->visibleValue) < 0.1);
+    }
+}
+
+void apply(ELEMENT_STRUCT* element, ACTION_STRUCT* action, double v)
+{
+    ELEMENT_ATTR& attr = element->attr;
+    switch (action->type) {
+    case 0: formatText(element, action, v); break;
+    case 1: translate(element, v, 0); break;
+    case 2: translate(element, 0, v); break;
+    case 3: aboutPoint(element, action->cg, [v] { glScalef(float(v), 1, 1); }); break;
+    case 4: aboutPoint(element, action->cg, [v] { glScalef(1, float(v), 1); }); break;
+    case 5: aboutPoint(element, action->cg, [v] { glRotatef(float(-v), 0, 0, 1); }); break;
+    case 7: translate(element, element->width * v, 0); break;
+    case 8: translate(element, 0, element->height * v); break;
+    case 9: translate(element, v - element->x, 0); break;
+    case 10: translate(element, 0, v - element->y); break;
+    case 12:
+    case 13: {
+        float* colour = action->type == 12 ? attr.strokeColor : attr.fillColor;
+        (action->type == 12 ? attr.strokeColorSet : attr.fillColorSet) = 1;
+        if (const TH_STRUCT* entry = findThreshold(action->colorThresholds, v))
+            memcpy(colour, entry->color, sizeof entry->color); // alpha stays
+        break;
+    }
+    case 14:
+        attr.lineWidthSet = 1;
+        if (const TH_STRUCT* entry = findThreshold(action->widthThresholds, v))
+            attr.lineWidth = int8_t(entry->value);
+        break;
+    case 15:
+        attr.lineStyleSet = 1;
+        if (const TH_STRUCT* entry = findThreshold(action->styleThresholds, v)) {
+            attr.lineStyle = uint8_t(entry->value);
+            attr.stippleFactor = entry->stippleFactor;
+            attr.stipplePattern = entry->stipplePattern;
+        }
+        break;
+    case 16: aboutPoint(element, action->cg, [v] { glScalef(float(v), float(v), 1); }); break;
+    case 17: applyThresholdVisibility(element, action, v); break;
+    case 18: fillStep(element, v, true, polyCreateFillCoordUp); break;
+    case 19: fillStep(element, v, true, polyCreateFillCoordDown); break;
+    case 20: fillStep(element, v, false, polyCreateFillCoordLeft); break;
+    case 21: fillStep(element, v, false, polyCreateFillCoordRight); break;
+    case 23:
+        // On a button this byte is its pressed state.
+        attr.lineStyle = uint8_t(truncToInt(v));
+        attr.strokeColorSet = 1;
+        break;
+    case 24: attr.arcEnd = float(v * kDegreesToRadians); break;
+    case 25:
+        attr.blinkSet = 1;
+        if (const TH_STRUCT* entry = findThreshold(action->blinkThresholds, v)) {
+            attr.blinkRate = uint8_t(entry->value);
+            attr.blink = entry->value != 0;
+        }
+        break;
+    default: break; // 6 and 22 are read elsewhere; 11 moves along a polyline, not yet drawn
+    }
+}
+
+} // namespace
+
+int objMove(ELEMENT_STRUCT* element, int cg, int back)
+{
+    const double s = back ? -1.0 : 1.0;
+    const double w = element->width * 0.5 * s, h = element->height * 0.5 * s;
+    double x = 0, y = 0;
+    switch (cg) {
+    case 1: x = -w, y = h; break;
+    case 2: y = h; break;
+    case 3: x = w, y = h; break;
+    case 4: x = w; break;
+    case 5: x = w, y = -h; break;
+    case 6: y = -h; break;
+    case 7: x = -w, y = -h; break;
+    case 8: x = -w; break;
+    default: break;
+    }
+    glTranslatef(float(x), float(y), 0);
+    return 0;
+}
+
+void setVisible(ELEMENT_STRUCT* element, int flag)
+{
+    element->attr.visible = uint8_t(flag);
+    element->attr.visibleSet = 1;
+    for (ELEMENT_STRUCT* child = element->child; child; child = child->next)
+        setVisible(child, flag);
+}
+
+double getActionFloatData(ACTION_STRUCT* action, int which, float dt)
+{
+    if (!action)
+        return 0.0;
+    const void* buffer = which == 0 ? action->heldValue : which == 1 ? action->value : action->value2;
+    if (!buffer)
+        return 0.0;
+    double raw = rawValue(buffer, action->varType);
+    switch (action->filter) {
+    case 0:
+        return raw;
+    case 1:
+        action->filterElapsed += dt;
+        if (action->filterElapsed > action->filterTime) {
+            action->filterElapsed = 0;
+            action->filterValue = float(raw);
+            return raw;
+        }
+        return action->filterValue;
+    case 2:
+        action->filterValue = float((raw * dt + action->filterValue * action->filterTime) / (dt + action->filterTime));
+        return action->filterValue;
+    default:
+        return 0.0;
+    }
+}
+
+void putFloatData(ACTION_STRUCT* action, double v)
+{
+    if (!action || !action->value)
+        return;
+    if (action->limit)
+        v = clampToRange(v, action->b0, action->b1);
+    const int type = action->varType;
+    uint64_t before = firstEightBytes(action->value);
+    if (type == 0 || type == 1)
+        storeReal(action->value, type, v);
+    else if (type == 9)
+        storeInteger(action->value, 8, int64_t(truncToUint64(v)));
+    else if (isIntegerType(type))
+        storeInteger(action->value, integerSize(type), truncToInt64(v));
+    if (action->variable)
+        action->variable->written = type <= 9 && firstEightBytes(action->value) != before;
+}
+
+int doAction(ELEMENT_STRUCT* element, int halt)
+{
+    static const float kIdentity[6] = {1, 0, 0, 0, 1, 0};
+    memcpy(element->pickMatrix, kIdentity, sizeof kIdentity);
+    for (ACTION_STRUCT* action = element->actions; action; action = action->next) {
+        // Halted, the action goes on with the value it held when the halt began.
+        if (!halt && action->value && action->heldValue)
+            memcpy(action->heldValue, action->value, boundSize(action));
+        double v = 0;
+        if (action->value) {
+            if (action->type == 6)
+                continue;
+            v = action->offset + action->slope * getActionFloatData(action, 0, kFrameStep);
+            if (action->limit)
+                v = clampToRange(v, action->b0, action->b1);
+        }
+        apply(element, action, v);
+    }
+    return 0;
+}

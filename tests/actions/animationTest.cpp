@@ -1,0 +1,350 @@
+// Running views move: values written by the host between frames reach the screen through the
+// actions of each element, drawn for real in mode 1 (one data cycle per draw).
+#include "LoadedView.h"
+#include "PluginDirs.h"
+#include "ViewFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace k2dtest;
+using namespace korelgen;
+
+constexpr Rgb kBlack{0, 0, 0};
+constexpr Rgb kRed{255, 0, 0};
+
+ActionFields act(int type, const char* var, int cg = 0)
+{
+    ActionFields a;
+    a.type = type;
+    a.var = var;
+    a.cg = cg;
+    return a;
+}
+
+ThresholdFields entry(float lower, int value, float r = 0, float g = 0, float b = 0)
+{
+    ThresholdFields t;
+    t.lower = lower;
+    t.upper = lower + 10;
+    t.value = value;
+    t.color[0] = r, t.color[1] = g, t.color[2] = b;
+    return t;
+}
+
+// Float variables of the internal source, which keep what the host writes.
+SourceFields internals(const std::vector<std::string>& names)
+{
+    SourceFields s;
+    s.id = 5;
+    for (const std::string& name : names)
+        s.variables.push_back({0, name, "", {}});
+    return s;
+}
+
+RectFields box(float x0, float y0, float x1, float y1)
+{
+    RectFields r;
+    r.x0 = x0, r.y0 = y0, r.x1 = x1, r.y1 = y1;
+    return r;
+}
+
+// A red 40 x 40 square centred on (100, 100).
+RectFields square()
+{
+    return box(80, 80, 120, 120);
+}
+
+class Animation : public ViewTest {
+protected:
+    // Loads and starts in mode 1; the view's variables are `names`.
+    VIEW_STRUCT* start(ViewBuilder& b, const std::vector<std::string>& names)
+    {
+        b.dataSection({internals(names)});
+        view = load(b);
+        EXPECT_NE(view, nullptr);
+        if (view) {
+            EXPECT_EQ(krViewStart(view), 0);
+        }
+        return view;
+    }
+    void set(const char* name, float value) { EXPECT_EQ(krVarSet(view, name, &value), 1) << name; }
+    Frame frameWith(const char* name, float value)
+    {
+        set(name, value);
+        return draw(view);
+    }
+    ELEMENT_STRUCT* firstElement() const { return view->elements; }
+
+    VIEW_STRUCT* view = nullptr;
+};
+
+// Red exactly inside [x0, x1) x [y0, y1), black in a two-pixel ring around it.
+void expectRedBox(const Frame& f, int x0, int y0, int x1, int y1)
+{
+    EXPECT_TRUE(PixelIs(f, (x0 + x1) / 2, (y0 + y1) / 2, kRed));
+    EXPECT_TRUE(PixelIs(f, x0 + 1, y0 + 1, kRed));
+    EXPECT_TRUE(PixelIs(f, x1 - 2, y1 - 2, kRed));
+    EXPECT_TRUE(PixelIs(f, x0 - 2, (y0 + y1) / 2, kBlack));
+    EXPECT_TRUE(PixelIs(f, x1 + 1, (y0 + y1) / 2, kBlack));
+    EXPECT_TRUE(PixelIs(f, (x0 + x1) / 2, y0 - 2, kBlack));
+    EXPECT_TRUE(PixelIs(f, (x0 + x1) / 2, y1 + 1, kBlack));
+}
+
+TEST_F(Animation, TranslationsAndScalesPlaceTheElement)
+{
+    struct Case {
+        int type, cg;
+        float value;
+        int x0, y0, x1, y1;
+    } cases[] = {
+        {1, 0, 50, 130, 80, 170, 120},   // by v in x
+        {2, 0, 30, 80, 110, 120, 150},   // by v in y
+        {7, 0, 0.5f, 100, 80, 140, 120}, // by v widths
+        {8, 0, -1, 80, 40, 120, 80},     // by v heights
+        {9, 0, 200, 180, 80, 220, 120},  // to x = v
+        {10, 0, 50, 80, 30, 120, 70},    // to y = v
+        {3, 7, 2, 80, 80, 160, 120},     // wider about the lower left corner
+        {4, 7, 2, 80, 80, 120, 160},     // taller about it
+        {16, 7, 0.5f, 80, 80, 100, 100}, // both about it
+        {16, 9, 2, 60, 60, 140, 140},    // both about the centre
+        {16, 3, 0.5f, 100, 100, 120, 120}, // both about the upper right corner
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE("type " + std::to_string(c.type) + " cg " + std::to_string(c.cg));
+        ViewBuilder b = blackPage();
+        b.actions({act(c.type, "v", c.cg)}).rect(square());
+        start(b, {"v"});
+        expectRedBox(frameWith("v", c.value), c.x0, c.y0, c.x1, c.y1);
+    }
+}
+
+TEST_F(Animation, NeedleTurnsClockwiseAboutItsEnd)
+{
+    LineFields needle;
+    needle.x1 = 100, needle.y1 = 150, needle.x2 = 200, needle.y2 = 150;
+    needle.strokeWidth = 3;
+    needle.stroke[0] = needle.stroke[1] = needle.stroke[2] = 1;
+    ViewBuilder b = blackPage();
+    b.actions({act(5, "angle", 8)}).line(needle);
+    start(b, {"angle"});
+    const Rgb white{255, 255, 255};
+    Frame level = frameWith("angle", 0);
+    EXPECT_TRUE(PixelIs(level, 150, 150, white));
+    EXPECT_TRUE(PixelIs(level, 100, 100, kBlack));
+    Frame down = frameWith("angle", 90);
+    EXPECT_TRUE(PixelIs(down, 100, 100, white));
+    EXPECT_TRUE(PixelIs(down, 100, 60, white));
+    EXPECT_TRUE(PixelIs(down, 150, 150, kBlack));
+}
+
+TEST_F(Animation, ColourThresholdsPickByStrictLowerLimitAndKeepAlpha)
+{
+    RectFields r = square();
+    r.fill[3] = 0.8f; // drawn over black: each channel at 80 %
+    ActionFields colour = act(13, "level");
+    colour.blocks[0].entries = {entry(0, 0, 1, 0, 0), entry(10, 0, 0, 1, 0), entry(20, 0, 0, 0, 1)};
+    ViewBuilder b = blackPage();
+    b.actions({colour}).rect(r);
+    start(b, {"level"});
+    const Rgb first{204, 0, 0}, second{0, 204, 0}, third{0, 0, 204};
+    struct Case {
+        float value;
+        Rgb expected;
+    } cases[] = {{5, first}, {10, first}, {10.5f, second}, {25, third}, {-1, first}};
+    for (const Case& c : cases)
+        EXPECT_TRUE(PixelIs(frameWith("level", c.value), 100, 100, c.expected)) << "value " << c.value;
+    EXPECT_FLOAT_EQ(firstElement()->attr.fillColor[3], 0.8f);
+}
+
+TEST_F(Animation, WidthAndStyleThresholdsChangeTheOutline)
+{
+    RectFields r = box(100, 100, 300, 200);
+    r.fillOn = 0, r.strokeOn = 1;
+    ActionFields width = act(14, "w");
+    width.blocks[1].entries = {entry(0, 1), entry(10, 9)};
+    ActionFields style = act(15, "s");
+    style.blocks[2].entries = {entry(0, 0), entry(10, 2)};
+    ViewBuilder b = blackPage();
+    b.actions({width, style}).rect(r);
+    start(b, {"w", "s"});
+    const Rgb white{255, 255, 255};
+    set("s", 0);
+    Frame thin = frameWith("w", 5);
+    Frame thick = frameWith("w", 15);
+    // Rows lit across the lower edge at x = 200.
+    EXPECT_LE(thin.count(200, 90, 201, 110, white), 2);
+    EXPECT_GE(thick.count(200, 90, 201, 110, white), 8);
+    // Along the upper edge: solid, then with gaps.
+    set("w", 5);
+    Frame solid = frameWith("s", 5);
+    Frame dashed = frameWith("s", 15);
+    EXPECT_GE(solid.count(110, 199, 290, 201, white), 175);
+    int lit = dashed.count(110, 199, 290, 201, white);
+    EXPECT_GT(lit, 20);
+    EXPECT_LT(lit, 160);
+}
+
+TEST_F(Animation, VisibilityHidesAGroupWithEverythingBelowIt)
+{
+    ActionFields visible = act(17, "show");
+    visible.blocks[3].entries = {entry(0, 1), entry(10, 0)};
+    ViewBuilder b = blackPage();
+    b.beginGroup(2);
+    b.rect(box(20, 20, 60, 60));
+    b.beginGroup(1).rect(box(200, 200, 240, 240)).endGroup();
+    b.actions({visible}).endGroup(); // a group's record closes at its end
+    start(b, {"show"});
+    for (float value : {5.0f, 15.0f, 5.0f}) {
+        Rgb expected = value < 10 ? kRed : kBlack;
+        Frame f = frameWith("show", value);
+        EXPECT_TRUE(PixelIs(f, 40, 40, expected)) << value;
+        EXPECT_TRUE(PixelIs(f, 220, 220, expected)) << value;
+    }
+}
+
+TEST_F(Animation, BlinkClockShowsBothStates)
+{
+    ActionFields blink = act(25, "alarm");
+    blink.blocks[4].entries = {entry(0, 3)};
+    ViewBuilder b = blackPage();
+    b.actions({blink}).rect(square());
+    start(b, {"alarm"});
+    set("alarm", 1);
+    bool on = false, off = false;
+    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(1200);
+    while (!(on && off) && std::chrono::steady_clock::now() < end) {
+        Frame f = draw(view);
+        (f.at(100, 100).r > 128 ? on : off) = true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(40));
+    }
+    EXPECT_TRUE(on);
+    EXPECT_TRUE(off);
+}
+
+TEST_F(Animation, MappingLimitsAndFiltersShapeTheValue)
+{
+    ActionFields limited = act(1, "raw");
+    limited.b0 = 10, limited.b1 = 0, limited.limit = 1; // v = 10 - 10 raw, kept within 0..10
+    ActionFields timed = act(2, "raw");
+    timed.filter = 1, timed.filterTime = 0.25f;
+    ActionFields lagged = act(2, "raw");
+    lagged.filter = 2, lagged.filterTime = 0.1f;
+    ViewBuilder b = blackPage();
+    b.actions({limited}).rect(square()).actions({timed}).rect(square()).actions({lagged}).rect(square());
+    start(b, {"raw"});
+    ELEMENT_STRUCT* limitedRect = firstElement();
+    ELEMENT_STRUCT* timedRect = limitedRect->next;
+    ELEMENT_STRUCT* laggedRect = timedRect->next;
+    // Each frame counts as a step of 0.1 for the filters.
+    struct Step {
+        float raw, limited, timed, lagged;
+    } steps[] = {
+        {0.25f, 7.5f, 0, 0.125f},
+        {-5, 10, 0, -2.4375f},    // clamped at the upper end
+        {5, 0, 5, 1.28125f},      // at the lower; 0.3 > 0.25: the time filter passes the value
+        {1, 0, 5, 1.140625f},     // and holds it for the next 0.25
+    };
+    for (const Step& s : steps) {
+        set("raw", s.raw);
+        draw(view);
+        SCOPED_TRACE(s.raw);
+        EXPECT_FLOAT_EQ(limitedRect->pickMatrix[2], s.limited);
+        EXPECT_FLOAT_EQ(timedRect->pickMatrix[5], s.timed);
+        EXPECT_FLOAT_EQ(laggedRect->pickMatrix[5], s.lagged);
+    }
+}
+
+TEST_F(Animation, HaltFreezesTheScreenWhileValuesGoOn)
+{
+    ViewBuilder b = blackPage();
+    b.actions({act(1, "x")}).rect(square());
+    start(b, {"x"});
+    expectRedBox(frameWith("x", 50), 130, 80, 170, 120);
+    ASSERT_EQ(krViewSetHaltMode(view, 1), 0);
+    expectRedBox(frameWith("x", 150), 130, 80, 170, 120);
+    char text[256];
+    krVarGetStr(view, "x", text);
+    EXPECT_STREQ(text, "150.000000");
+    ASSERT_EQ(krViewSetHaltMode(view, 0), 0);
+    expectRedBox(draw(view), 230, 80, 270, 120);
+}
+
+TEST_F(Animation, MissingVariableReadsZeroAndLeavesOthersAlone)
+{
+    ActionFields missing = act(1, "nosuch");
+    missing.b0 = 5, missing.b1 = 6; // a mapping that would move even a zero
+    setLogLevel(1);
+    getLogMsg(nullptr, 0);
+    ViewBuilder b = blackPage();
+    b.actions({missing, act(2, "y")}).rect(square());
+    start(b, {"y"});
+    char log[1024];
+    getLogMsg(log, sizeof log);
+    EXPECT_NE(std::string(log).find("error: var <nosuch> not found\n"), std::string::npos) << log;
+    expectRedBox(frameWith("y", 30), 80, 110, 120, 150);
+}
+
+TEST_F(Animation, StoppedViewLooksAsBeforeTheStart)
+{
+    RectFields r = square();
+    r.strokeOn = 1;
+    ActionFields colour = act(12, "c");
+    colour.blocks[0].entries = {entry(0, 0, 0, 0, 1)};
+    ActionFields hide = act(17, "c");
+    hide.visibleMode = 1, hide.visibleValue = 3;
+    ViewBuilder b = blackPage();
+    b.actions({act(1, "c"), colour}).rect(r).actions({hide}).rect(box(200, 200, 240, 240));
+    start(b, {"c"});
+    ASSERT_EQ(krViewStop(view), 0);
+    Frame before = draw(view);
+    ASSERT_EQ(krViewStart(view), 0);
+    Frame moved = frameWith("c", 40);
+    EXPECT_FALSE(PixelIs(moved, 100, 100, before.at(100, 100)) && PixelIs(moved, 220, 220, before.at(220, 220)));
+    ASSERT_EQ(krViewStop(view), 0);
+    Frame after = draw(view);
+    for (int y = 0; y < after.height(); ++y)
+        for (int x = 0; x < after.width(); ++x)
+            ASSERT_TRUE(PixelIs(after, x, y, before.at(x, y), 0)) << x << "," << y;
+}
+
+// A variable that a mouse action writes gets Set calls before its source's Get, so a host's
+// write reaches the plug-in and comes back; without such an action the plug-in's Get wins.
+TEST_F(Animation, InputActionsMakeVariablesReadWrite)
+{
+    PluginDirs dirs(PluginDirs::Home::PluginDir);
+    for (bool withInput : {true, false}) {
+        SourceFields example;
+        example.id = 100;
+        example.dataParams = {{0, "0"}, {0, ""}};
+        example.varParamCount = 1;
+        example.variables = {{0, "lastSet", "", {{1, ""}}}};
+        ViewBuilder b = blackPage();
+        if (withInput)
+            b.actions({act(22, "lastSet")});
+        b.rect(square()).dataSection({example});
+        VIEW_STRUCT* v = load(b);
+        ASSERT_NE(v, nullptr);
+        int count = 0;
+        DD_DATA_TYPE_STRUCT** sources = krDataSourceGetAll(v, &count);
+        ASSERT_EQ(count, 1);
+        EXPECT_EQ(krVarReadWrite(sources[0]->variables), withInput ? 1 : 0);
+        krFree(sources);
+        ASSERT_EQ(krViewStart(v), 0);
+        const float written = 7.5f;
+        EXPECT_EQ(krVarSet(v, "lastSet", &written), 1);
+        draw(v);
+        char text[256];
+        krVarGetStr(v, "lastSet", text);
+        EXPECT_STREQ(text, withInput ? "7.500000" : "0.000000") << withInput;
+        krViewStop(v);
+    }
+}
+
+} // namespace
