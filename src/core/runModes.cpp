@@ -112,6 +112,7 @@ int startView(VIEW_STRUCT* view, uint32_t mode)
         return -3;
     finishPendingStop(view);
     view->startTime = apiGetTime();
+    resetAllPoly(view->elements);
     openDataSources(view->dataTypes);
     callStartView(view->dataTypes);
     view->sourcesOpen = 1;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
@@ -228,6 +229,33 @@ TEST_F(Animation, BlinkClockShowsBothStates)
     EXPECT_TRUE(off);
 }
 
+TEST_F(Animation, ArcEndAndFillLevelCutTheFill)
+{
+    CircleFields disc;
+    disc.x = 100, disc.y = 150;
+    disc.strokeOn = 0;
+    disc.fill[0] = 1, disc.fill[1] = 0, disc.fill[2] = 0;
+    PolyFields bar;
+    bar.closed = 1, bar.fillOn = 1, bar.strokeOn = 0;
+    bar.fill[0] = 1, bar.fill[1] = 0, bar.fill[2] = 0;
+    bar.points = {{0, 250, 50}, {1, 350, 50}, {2, 350, 250}, {3, 250, 250}};
+    ViewBuilder b = blackPage();
+    b.actions({act(24, "end")}).circle(disc).actions({act(18, "level")}).cpoly(bar);
+    start(b, {"end", "level"});
+    set("end", 180);
+    Frame f = frameWith("level", 0.5f);
+    // Angles run clockwise from the right: 0 to 180 degrees sweeps the lower half.
+    EXPECT_TRUE(PixelIs(f, 100, 120, kRed));
+    EXPECT_TRUE(PixelIs(f, 100, 180, kBlack));
+    EXPECT_TRUE(PixelIs(f, 60, 140, kRed));
+    EXPECT_TRUE(PixelIs(f, 60, 160, kBlack));
+    // Filled up to half its height.
+    EXPECT_TRUE(PixelIs(f, 300, 100, kRed));
+    EXPECT_TRUE(PixelIs(f, 300, 200, kBlack));
+    EXPECT_EQ(f.count(260, 60, 340, 146, kRed), 80 * 86);
+    EXPECT_EQ(f.count(260, 60, 340, 240, kRed), f.count(260, 60, 340, 152, kRed));
+}
+
 TEST_F(Animation, MappingLimitsAndFiltersShapeTheValue)
 {
     ActionFields limited = act(1, "raw");
@@ -345,6 +373,41 @@ TEST_F(Animation, InputActionsMakeVariablesReadWrite)
         EXPECT_STREQ(text, withInput ? "7.500000" : "0.000000") << withInput;
         krViewStop(v);
     }
+}
+
+// The shipped live panel, animated by the Auto source in mode 2 for a second: each instrument
+// shows its signal. Values move with real time, so the checks are of kind, not of position.
+TEST_F(Animation, LivePanelShowsNeedleBarLampAndGauge)
+{
+    std::vector<uint8_t> bytes;
+    {
+        FILE* file = fopen(KOREL2D_EXAMPLES_DIR "/live.k2d", "rb");
+        ASSERT_NE(file, nullptr);
+        for (int c; (c = fgetc(file)) != EOF;)
+            bytes.push_back(uint8_t(c));
+        fclose(file);
+    }
+    VIEW_STRUCT* live = krViewLoadData(bytes.data(), bytes.size());
+    ASSERT_NE(live, nullptr);
+    views.push_back(live);
+    ASSERT_EQ(krViewStartAnim(live), 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+    const float zoom = 0.6f; // the 640 x 400 page on the 400 x 300 surface
+    Frame f = draw(live, 0, 0, zoom);
+    auto at = [zoom](float units) { return int(units * zoom); };
+    const Rgb yellow{242, 204, 26}, cyan{38, 178, 230}, green{26, 217, 64}, amber{255, 178, 13}, red{230, 31, 26};
+    // The needle, somewhere on the dial.
+    EXPECT_GT(f.count(at(60), at(60), at(280), at(280), yellow, 24), 20);
+    // The bar has risen from its foot.
+    EXPECT_TRUE(PixelIs(f, at(360), at(45), cyan, 24));
+    // The lamp is lit in one of its three colours.
+    Rgb lamp = f.at(at(520), at(310));
+    EXPECT_TRUE(PixelIs(f, at(520), at(310), green, 24) || PixelIs(f, at(520), at(310), amber, 24) ||
+                PixelIs(f, at(520), at(310), red, 24))
+        << lamp;
+    // The gauge has swept past its start, up from the left.
+    EXPECT_GT(f.count(at(440), at(120), at(520), at(200), green, 24), 10);
+    EXPECT_EQ(krViewStop(live), 0);
 }
 
 } // namespace
