@@ -1,12 +1,13 @@
 #!/bin/sh
-# Installs what is missing, builds, and shows the shipped sample panel with the demo host:
-# in a window when there is a display, otherwise rendered off-screen into korel2d-panel.png.
+# Installs what is missing, builds, and shows the shipped live panel with the demo host, running:
+# in a window when there is a display, otherwise 300 frames rendered off-screen, the last one
+# written to korel2d-live.png.
 set -e
 cd "$(dirname "$0")/.."
 sh scripts/setup.sh
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build build -j"$(nproc)" --target korel2d-view
 if [ -z "$DISPLAY" ]; then
-  set -- --png korel2d-panel.png "$@"
+  set -- --png korel2d-live.png --frames 300 "$@"
 fi
-exec ./build/tools/korel2d-view/korel2d-view examples/panel.k2d "$@"
+exec ./build/tools/korel2d-view/korel2d-view examples/live.k2d "$@"
