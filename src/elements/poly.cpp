@@ -6,6 +6,7 @@
 #include <GL/glu.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 static POLY_STRUCT polyDefaults(int closed)
@@ -153,6 +154,9 @@ int polyMakeList(POLY_STRUCT* record, int useFill)
     gluBeginPolygon(tess);
     // GLU keeps pointers to the points until gluEndPolygon; the list holds its own copy after.
     for (const COORD_STRUCT* c = source; c; c = c->next) {
+        // GLU clamps huge coordinates but not NaN, which breaks its sweep and crashes it.
+        if (std::isnan(c->vertex[0]) || std::isnan(c->vertex[1]))
+            continue;
         double* vertex = const_cast<double*>(c->vertex);
         gluTessVertex(tess, vertex, vertex);
     }

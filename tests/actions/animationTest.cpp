@@ -2,6 +2,7 @@
 // actions of each element, drawn for real in mode 1 (one data cycle per draw).
 #include "LoadedView.h"
 #include "PluginDirs.h"
+#include "actionViews.h"
 #include "ViewFixture.h"
 
 #include <gtest/gtest.h>
@@ -20,46 +21,13 @@ using namespace korelgen;
 constexpr Rgb kBlack{0, 0, 0};
 constexpr Rgb kRed{255, 0, 0};
 
-ActionFields act(int type, const char* var, int cg = 0)
-{
-    ActionFields a;
-    a.type = type;
-    a.var = var;
-    a.cg = cg;
-    return a;
-}
-
-ThresholdFields entry(float lower, int value, float r = 0, float g = 0, float b = 0)
-{
-    ThresholdFields t;
-    t.lower = lower;
-    t.upper = lower + 10;
-    t.value = value;
-    t.color[0] = r, t.color[1] = g, t.color[2] = b;
-    return t;
-}
-
-// Float variables of the internal source, which keep what the host writes.
+// Float variables of the internal source.
 SourceFields internals(const std::vector<std::string>& names)
 {
-    SourceFields s;
-    s.id = 5;
+    std::vector<VariableFields> variables;
     for (const std::string& name : names)
-        s.variables.push_back({0, name, "", {}});
-    return s;
-}
-
-RectFields box(float x0, float y0, float x1, float y1)
-{
-    RectFields r;
-    r.x0 = x0, r.y0 = y0, r.x1 = x1, r.y1 = y1;
-    return r;
-}
-
-// A red 40 x 40 square centred on (100, 100).
-RectFields square()
-{
-    return box(80, 80, 120, 120);
+        variables.push_back({0, name, "", {}});
+    return internalSource(variables);
 }
 
 class Animation : public ViewTest {

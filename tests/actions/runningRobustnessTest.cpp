@@ -1,0 +1,541 @@
+// Running views under what the field sends them: damaged files started and drawn, thousands of
+// frames of noise, and values no sensor should produce. The sanitizers judge memory and
+// undefined behaviour; these tests check that every call still answers, that the values shown
+// are sane, and that the panel comes back once the values do.
+#include "LoadedView.h"
+#include "PluginDirs.h"
+#include "ViewFixture.h"
+#include "actionViews.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace k2dtest;
+using namespace korelgen;
+
+std::vector<uint8_t> shippedSample(const std::string& name)
+{
+    std::ifstream in(std::string(KOREL2D_EXAMPLES_DIR) + "/" + name, std::ios::binary);
+    return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});
+}
+
+// Every pixel in one number, to tell frames apart without keeping them.
+uint64_t frameHash(const Frame& frame)
+{
+    uint64_t hash = 1469598103934665603ull;
+    for (int y = 0; y < frame.height(); ++y)
+        for (int x = 0; x < frame.width(); ++x) {
+            const Rgb c = frame.at(x, y);
+            hash = (hash ^ uint64_t(c.r << 16 | c.g << 8 | c.b)) * 1099511628211ull;
+        }
+    return hash;
+}
+
+// ---------------------------------------------------------------- damaged samples, running
+
+class RunningFile : public ViewTest {
+protected:
+    // The samples are up to 640 x 400: half size shows all of them on the surface.
+    static constexpr float kZoom = 0.5f;
+
+    Frame frame(VIEW_STRUCT* view)
+    {
+        krWindowClear(window, view);
+        krViewDraw(window, view, 0, 0, kZoom);
+        return Frame::grab();
+    }
+
+    // Loads the bytes, starts in `mode`, draws `frames` frames and stops. A damaged file may
+    // lose elements, never the ability to run; with `compare`, the stopped view must look
+    // as it did before the start.
+    ::testing::AssertionResult runBriefly(const std::vector<uint8_t>& bytes, int mode, int frames, bool compare)
+    {
+        LoadedView loaded(bytes);
+        VIEW_STRUCT* view = loaded.view;
+        if (!view)
+            return ::testing::AssertionFailure() << "no view";
+        const uint64_t before = compare ? frameHash(frame(view)) : 0;
+        if (int started = mode == 2 ? krViewStartAnim(view) : krViewStart(view))
+            return ::testing::AssertionFailure() << "start in mode " << mode << " answered " << started;
+        for (int i = 0; i < frames; ++i) {
+            krWindowClear(window, view);
+            if (int drawn = krViewDraw(window, view, 0, 0, kZoom))
+                return ::testing::AssertionFailure() << "draw " << i << " answered " << drawn;
+        }
+        if (int stopped = krViewStop(view))
+            return ::testing::AssertionFailure() << "stop answered " << stopped;
+        if (compare && frameHash(frame(view)) != before)
+            return ::testing::AssertionFailure() << "stopped, the view looks other than before the start";
+        return ::testing::AssertionSuccess();
+    }
+};
+
+class RunningSample : public RunningFile, public ::testing::WithParamInterface<const char*> {};
+
+// Damaged files name variables that don't exist by the thousand: their errors stay out of the
+// test's output.
+struct QuietLog {
+    QuietLog() { setLogLevel(0); }
+    ~QuietLog() { setLogLevel(1); }
+};
+
+// With the sample plug-in where views look for it, so that sources.k2d runs its real source.
+// Every cut and every garbled copy is started and stopped; to keep a sample near 20 s under
+// the sanitizers, only every fourth cut is drawn, and every eighth copy compared before and after.
+TEST_P(RunningSample, RunsWholeCutAtEveryOffsetAndGarbled)
+{
+    constexpr size_t kDrawEveryCut = 4;
+    constexpr int kCompareEveryCopy = 8;
+    PluginDirs dirs(PluginDirs::Home::PluginDir);
+    QuietLog quiet;
+    const std::vector<uint8_t> whole = shippedSample(GetParam());
+    ASSERT_GT(whole.size(), 100u);
+    const bool live = std::string(GetParam()) == "live.k2d";
+    ASSERT_TRUE(runBriefly(whole, 1, 20, true));
+    if (live) {
+        ASSERT_TRUE(runBriefly(whole, 2, 20, true));
+    }
+
+    for (size_t n = 9; n < whole.size(); ++n) {
+        const int frames = n % kDrawEveryCut == 0 ? 2 : 0;
+        ASSERT_TRUE(runBriefly(std::vector<uint8_t>(whole.begin(), whole.begin() + long(n)), 1, frames, false))
+            << "cut at " << n;
+    }
+    std::mt19937 random(4711);
+    for (int round = 0; round < 2000; ++round) {
+        const std::vector<uint8_t> garbled = withGarbledBytes(whole, random);
+        ASSERT_TRUE(runBriefly(garbled, 1, 2, round % kCompareEveryCopy == 0)) << "garbled copy " << round;
+        // The data thread of mode 2 reads the same damaged sources while frames are drawn.
+        if (live) {
+            ASSERT_TRUE(runBriefly(garbled, 2, 2, false)) << "garbled copy " << round << " animated";
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Running, RunningSample,
+                         ::testing::Values("panel.k2d", "everykind.k2d", "sources.k2d", "live.k2d"),
+                         [](const ::testing::TestParamInfo<const char*>& info) {
+                             std::string name = info.param;
+                             return name.substr(0, name.find('.'));
+                         });
+
+// ---------------------------------------------------------------- the live panel on noise
+
+class RunningLivePanel : public ViewTest {};
+
+// The data thread writes a new random value every cycle while frames are drawn as fast as the
+// host can: the longest run a view sees in a test.
+TEST_F(RunningLivePanel, TenThousandFramesOfRandomValues)
+{
+    constexpr int kFrames = 10000, kRandomWave = 8;
+    VIEW_STRUCT* view = krViewLoad((std::string(KOREL2D_EXAMPLES_DIR) + "/live.k2d").c_str());
+    ASSERT_NE(view, nullptr);
+    views.push_back(view);
+
+    // Each variable keeps the range of its own wave and draws random numbers in it.
+    struct Range {
+        std::string name;
+        double min, max;
+    };
+    std::vector<Range> ranges;
+    int sourceCount = 0;
+    DD_DATA_TYPE_STRUCT** sources = krDataSourceGetAll(view, &sourceCount);
+    for (int s = 0; s < sourceCount; ++s) {
+        int count = 0;
+        VARIABLE_STRUCT** variables = krVarGetAll(sources[s], &count);
+        for (int v = 0; v < count; ++v) {
+            EXPECT_EQ(krVarSetPara(variables[v], 0, kRandomWave, nullptr), 0);
+            char min[256] = "", max[256] = "";
+            krVarGetPara(variables[v], 2, nullptr, min);
+            krVarGetPara(variables[v], 3, nullptr, max);
+            ranges.push_back({krVarName(variables[v]), std::atof(min), std::atof(max)});
+        }
+        krFree(variables);
+    }
+    krFree(sources);
+    ASSERT_EQ(ranges.size(), 4u);
+
+    ASSERT_EQ(krViewStartAnim(view), 0);
+    std::set<uint64_t> frames;
+    std::set<std::string> values;
+    for (int i = 0; i < kFrames; ++i) {
+        krWindowClear(window, view);
+        ASSERT_EQ(krViewDraw(window, view, 0, 0, 0.5f), 0) << "frame " << i;
+        if (i % 100 != 0)
+            continue;
+        frames.insert(frameHash(Frame::grab()));
+        for (const Range& r : ranges) {
+            char text[256];
+            ASSERT_GE(krVarGetStr(view, r.name.c_str(), text), 0) << r.name;
+            const double value = std::atof(text);
+            EXPECT_TRUE(value >= r.min && value <= r.max) << r.name << " = " << text;
+            values.insert(r.name + text);
+        }
+    }
+    ASSERT_EQ(krViewStop(view), 0);
+    // A hundred looks at the panel, spread over the run: the noise must show.
+    EXPECT_GE(frames.size(), 20u);
+    EXPECT_GE(values.size(), 4u * 20);
+}
+
+// ---------------------------------------------------------------- hostile values
+
+// Internal variables of every numeric code and one text, which keep what the host writes.
+const char* const kNumericVariables[] = {"f", "d", "i8", "u8", "i16", "u16", "i32", "u32", "i64", "u64"};
+
+SourceFields hostileSource()
+{
+    SourceFields s;
+    s.id = 5;
+    for (int type = 0; type < 10; ++type)
+        s.variables.push_back({type, kNumericVariables[type], "", {}});
+    s.variables.push_back({10, "t", "", {}});
+    return s;
+}
+
+// An action of `type` on `var` with blocks that hold absurd entries past a harmless first one:
+// at zero every block picks its first entry, so the panel can come back.
+ActionFields hostileAction(int type, const char* var, int index)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
+    ActionFields a;
+    a.type = type;
+    a.var = var;
+    a.cg = index % 10; // every centre of scale and rotation, and numbers that aren't one
+    a.format = "%5.1f";
+    for (int block = 0; block < 5; ++block) {
+        a.blocks[block].entries = {entry(0, block == 3 ? 1 : 0), entry(10, 1000, nan, inf, -1),
+                                   entry(1e20f, -1, 1e30f, -inf, 0), entry(nan, 255)};
+        if (block == 4)
+            a.blocks[block].entries.push_back(entry(100, 3)); // a clock that really blinks
+    }
+    a.visibleMode = index % 2;
+    a.visibleValue = 0;
+    return a;
+}
+
+std::vector<ActionFields> onEveryVariable(int type)
+{
+    std::vector<ActionFields> list;
+    for (int i = 0; i < 10; ++i)
+        list.push_back(hostileAction(type, kNumericVariables[i], i));
+    return list;
+}
+
+// Formats a panel designer may type, good and bad.
+const char* const kFormats[] = {"%5.1f", "%d", "%s", "%n", "%*d", "%99999d", "%%", "abc",
+                                "%x%n", "%.999f", "%.9999f", "%c", "%lld", "%-+ #0e", "%", "%5.1f %d"};
+
+// Whether a format may only be shown as it stands: anything but one plain conversion.
+bool shownLiterally(const std::string& format)
+{
+    return format == "%s" || format == "%n" || format == "%*d" || format == "%99999d" || format == "%x%n" ||
+           format == "%.9999f" || format == "%" || format == "%5.1f %d";
+}
+
+// Elements of every kind that an action acts on, each with actions of one type on every
+// numeric variable, and text elements for each format on each variable.
+ViewBuilder hostilePanel()
+{
+    ViewBuilder b = blackPage();
+    RectFields r;
+    r.x0 = 150, r.y0 = 100, r.x1 = 250, r.y1 = 200;
+    r.strokeOn = 1;
+    PolyFields bar;
+    bar.closed = 1, bar.fillOn = 1;
+    bar.points = {{0, 20, 20}, {1, 60, 20}, {2, 60, 200}, {3, 20, 200}};
+    PolyFields flat = bar; // no height and no width: a level has nowhere to go
+    flat.points = {{0, 300, 50}, {1, 300, 50}, {2, 300, 50}};
+    CircleFields disc;
+    LineFields needle;
+    needle.x1 = 200, needle.y1 = 150, needle.x2 = 300, needle.y2 = 150;
+    for (int type = 0; type <= 25; ++type) {
+        const std::vector<ActionFields> list = onEveryVariable(type);
+        switch (type) {
+        case 0: break; // the text elements below
+        case 5: b.actions(list).line(needle); break;
+        case 6: b.actions(list).slider(SliderFields()); break;
+        case 17:
+            b.beginGroup(2).rect(r).circle(disc);
+            b.actions(list).endGroup();
+            break;
+        case 18:
+        case 19:
+        case 20:
+        case 21: b.actions(list).cpoly(bar).actions(list).cpoly(flat).actions(list).rect(r); break;
+        case 22:
+        case 23: b.actions(list).button(ButtonFields()); break;
+        case 24: b.actions(list).arc(disc).actions(list).circle(disc); break;
+        default: b.actions(list).rect(r).actions(list).circle(disc); break;
+        }
+    }
+    for (const char* format : kFormats)
+        for (const char* var : kNumericVariables) {
+            ActionFields a;
+            a.type = 0;
+            a.var = var;
+            a.format = format;
+            b.actions({a}).text(TextFields());
+        }
+    ActionFields shown;
+    shown.type = 0;
+    shown.var = "t";
+    shown.format = "%d"; // a text variable is shown as it is, whatever the format
+    b.actions({shown}).text(TextFields(), "textVariable");
+    b.dataSection({hostileSource()});
+    return b;
+}
+
+// Text elements in file order, with the format and the variable each shows.
+struct ShownText {
+    const ELEMENT_STRUCT* element;
+    std::string format, var;
+};
+
+std::vector<ShownText> formattedTexts(const VIEW_STRUCT* view)
+{
+    std::vector<ShownText> texts;
+    for (const ELEMENT_STRUCT* e = view->elements; e; e = e->next)
+        if (e->type == KR_TEXT && e->actions && e->actions->var[0] != 't')
+            texts.push_back({e, e->actions->format, e->actions->var});
+    return texts;
+}
+
+class RunningHostileValues : public ViewTest {
+protected:
+    VIEW_STRUCT* startHostilePanel()
+    {
+        VIEW_STRUCT* view = load(hostilePanel());
+        EXPECT_NE(view, nullptr);
+        if (view) {
+            EXPECT_EQ(krViewStart(view), 0);
+        }
+        return view;
+    }
+
+    // Writes one value to every numeric variable, each as its code stores it. krVarSet moves the
+    // low four bytes of a 64-bit code; the whole of it is written through its buffer.
+    static void setAll(VIEW_STRUCT* view, double real, int64_t integer)
+    {
+        const float f = float(real);
+        EXPECT_EQ(krVarSet(view, "f", &f), 1);
+        EXPECT_EQ(krVarSet(view, "d", &real), 1);
+        const int8_t i8 = int8_t(integer);
+        const uint8_t u8 = uint8_t(integer);
+        const int16_t i16 = int16_t(integer);
+        const uint16_t u16 = uint16_t(integer);
+        const int32_t i32 = int32_t(integer);
+        const uint32_t u32 = uint32_t(integer);
+        EXPECT_EQ(krVarSet(view, "i8", &i8), 1);
+        EXPECT_EQ(krVarSet(view, "u8", &u8), 1);
+        EXPECT_EQ(krVarSet(view, "i16", &i16), 1);
+        EXPECT_EQ(krVarSet(view, "u16", &u16), 1);
+        EXPECT_EQ(krVarSet(view, "i32", &i32), 1);
+        EXPECT_EQ(krVarSet(view, "u32", &u32), 1);
+        for (const char* wide : {"i64", "u64"}) {
+            void* buffer = krVarGetAddr(view, wide);
+            ASSERT_NE(buffer, nullptr) << wide;
+            memcpy(buffer, &integer, sizeof integer);
+        }
+    }
+};
+
+TEST_F(RunningHostileValues, EveryActionTypeSurvivesAndThePanelComesBack)
+{
+    VIEW_STRUCT* view = startHostilePanel();
+    ASSERT_NE(view, nullptr);
+    setAll(view, 0, 0);
+    const uint64_t calm = frameHash(draw(view));
+
+    const double inf = std::numeric_limits<double>::infinity();
+    const struct {
+        double real;
+        int64_t integer;
+    } hostile[] = {
+        {std::numeric_limits<double>::quiet_NaN(), INT64_MIN},
+        {inf, INT64_MAX},
+        {-inf, -1},
+        {1e30, INT32_MIN},
+        {-1e30, INT32_MAX},
+        {1e-40, 0x7F7F7F7F7F7F7F7Fll},   // a float denormal
+        {5e-324, int64_t(0x8000000080000000ull)}, // the smallest double denormal
+        {-0.0, 255},
+        {1e300, 65535}, // beyond any float
+        {3.4e38, -128},
+    };
+    for (const auto& h : hostile) {
+        SCOPED_TRACE(h.real);
+        setAll(view, h.real, h.integer);
+        // Two frames: the second starts from what the first left behind.
+        draw(view);
+        draw(view);
+        for (const ShownText& t : formattedTexts(view))
+            EXPECT_LT(strlen(t.element->attr.text), sizeof t.element->attr.text) << t.format << " " << t.var;
+    }
+    setAll(view, 0, 0);
+    draw(view); // a blink clock may still be off for the frame that ends it
+    EXPECT_EQ(frameHash(draw(view)), calm) << "the panel stays as the hostile values left it";
+}
+
+TEST_F(RunningHostileValues, FormatsShowNumbersOrThemselves)
+{
+    VIEW_STRUCT* view = startHostilePanel();
+    ASSERT_NE(view, nullptr);
+    const std::vector<ShownText> texts = formattedTexts(view);
+    ASSERT_EQ(texts.size(), std::size(kFormats) * std::size(kNumericVariables));
+    for (double real : {std::numeric_limits<double>::quiet_NaN(), 1e30, -1e30, -2.5}) {
+        SCOPED_TRACE(real);
+        setAll(view, real, -2);
+        draw(view);
+        for (const ShownText& t : texts) {
+            const std::string shown = t.element->attr.text;
+            SCOPED_TRACE(t.format + " of " + t.var + " shows \"" + shown + "\"");
+            if (shownLiterally(t.format)) {
+                EXPECT_EQ(shown, t.format);
+            } else if (t.format == "%%") {
+                EXPECT_EQ(shown, "%");
+            } else if (t.format == "abc") {
+                EXPECT_EQ(shown, "abc");
+            } else if (t.var == "f" && t.format == "%5.1f") {
+                if (std::isnan(real))
+                    EXPECT_EQ(shown, "  nan");
+                else
+                    EXPECT_DOUBLE_EQ(std::strtod(shown.c_str(), nullptr), double(float(real)));
+            } else if (t.var == "d" && t.format == "%d") {
+                // Truncated, clamped at the ends of the range, and nothing for NaN.
+                const char* expected = std::isnan(real) ? "0" : real > 0 ? "9223372036854775807"
+                                       : real < -3 ? "-9223372036854775808" : "-2";
+                EXPECT_EQ(shown, expected);
+            } else if (t.var == "i8" && t.format == "%d") {
+                EXPECT_EQ(shown, "-2");
+            } else if (t.var == "u16" && t.format == "%d") {
+                EXPECT_EQ(shown, "65534");
+            }
+        }
+    }
+}
+
+// A text variable is shown as the host wrote it, up to the 255 characters it holds, even when
+// it looks like a format.
+TEST_F(RunningHostileValues, LongTextVariableIsShownWhole)
+{
+    VIEW_STRUCT* view = startHostilePanel();
+    ASSERT_NE(view, nullptr);
+    const ELEMENT_STRUCT* shown = view->elements;
+    while (shown && strcmp(shown->name, "textVariable") != 0)
+        shown = shown->next;
+    ASSERT_NE(shown, nullptr);
+    std::string longest;
+    for (int i = 0; longest.size() < 255; ++i)
+        longest += "%n%s%d"[i % 6];
+    const std::string tooLong = longest + "beyond the buffer";
+    for (const std::string& text : {longest, tooLong}) {
+        EXPECT_EQ(krVarSet(view, "t", text.c_str()), 1);
+        draw(view);
+        EXPECT_EQ(std::string(shown->attr.text), longest);
+        char back[256];
+        krVarGetStr(view, "t", back);
+        EXPECT_EQ(std::string(back), longest);
+    }
+}
+
+// A name whose stored length runs past it makes the reader take the rest of a closed polygon
+// from the bytes that follow: hundreds of points, many at NaN. The tessellator of the fill
+// must never see those, at load or at a level change.
+TEST_F(RunningFile, PolygonReadFromTheWrongBytesLoadsAndRuns)
+{
+    std::vector<uint8_t> bytes = shippedSample("everykind.k2d");
+    const std::string name("\0\0\0\x08pointer\0", 12);
+    const auto at = std::search(bytes.begin(), bytes.end(), name.begin(), name.end());
+    ASSERT_NE(at, bytes.end()) << "the sample no longer holds the polygon";
+    at[3] = 0x5E;
+    ASSERT_TRUE(runBriefly(bytes, 1, 5, true));
+}
+
+// ---------------------------------------------------------------- binding
+
+class RunningBinding : public ViewTest {
+protected:
+    // The red square's centre, the mean of its red pixels, is within a pixel of (x, y).
+    static ::testing::AssertionResult redCentreAt(const Frame& f, double x, double y)
+    {
+        double sx = 0, sy = 0, n = 0;
+        for (int py = 0; py < f.height(); ++py)
+            for (int px = 0; px < f.width(); ++px)
+                if (f.at(px, py).r > 200 && f.at(px, py).g < 50)
+                    sx += px, sy += py, ++n;
+        if (n == 0)
+            return ::testing::AssertionFailure() << "no red square";
+        if (std::fabs(sx / n - x) > 1 || std::fabs(sy / n - y) > 1)
+            return ::testing::AssertionFailure() << "the red square is centred on (" << sx / n << ", " << sy / n << ")";
+        return ::testing::AssertionSuccess();
+    }
+};
+
+// A second variable of another code, or a name used twice in one action, reads within its buffer.
+TEST_F(RunningBinding, SecondVariableOfAnotherTypeReadsSafely)
+{
+    ViewBuilder b = blackPage();
+    b.actions({act(1, "x", 0, "label"), act(2, "label", 0, "x"), act(1, "x", 0, "x"), act(0, "label", 0, "wide")})
+        .rect(square());
+    b.actions({act(0, "x", 0, "label"), act(0, "small", 0, "label")}).text(TextFields());
+    b.dataSection({internalSource({{0, "x", "", {}}, {10, "label", "", {}}, {1, "wide", "", {}}, {2, "small", "", {}}})});
+    VIEW_STRUCT* view = load(b);
+    ASSERT_NE(view, nullptr);
+    for (int round = 0; round < 3; ++round) {
+        ASSERT_EQ(krViewStart(view), 0);
+        const float x = 20;
+        EXPECT_EQ(krVarSet(view, "x", &x), 1);
+        EXPECT_EQ(krVarSet(view, "label", std::string(255, '7').c_str()), 1);
+        const double wide = 1e300;
+        EXPECT_EQ(krVarSet(view, "wide", &wide), 1);
+        const Frame f = draw(view);
+        EXPECT_GT(f.count(0, 0, kSurfaceWidth, kSurfaceHeight, Rgb{255, 0, 0}), 0) << "the square is gone";
+        ASSERT_EQ(krViewStop(view), 0);
+    }
+}
+
+// Absurd sample counts in a damaged graph are refused with a word in the log; the graph and
+// everything else still draw, start after start.
+TEST_F(RunningBinding, GraphWithAbsurdSampleCountStillRuns)
+{
+    for (int samples : {-1, 0, (1 << 20) + 1, 2000000000, INT32_MIN}) {
+        SCOPED_TRACE(samples);
+        GraphFields g;
+        g.samples = samples;
+        ViewBuilder b = blackPage();
+        b.actions({act(1, "x", 0, "x")}).graph(g).actions({act(1, "x")}).rect(square());
+        b.dataSection({internalSource({{0, "x", "", {}}})});
+        setLogLevel(1);
+        getLogMsg(nullptr, 0);
+        VIEW_STRUCT* view = load(b);
+        ASSERT_NE(view, nullptr);
+        for (int start = 0; start < 3; ++start) {
+            ASSERT_EQ(krViewStart(view), 0);
+            const float x = 100;
+            EXPECT_EQ(krVarSet(view, "x", &x), 1);
+            EXPECT_TRUE(redCentreAt(draw(view), 200, 100));
+            ASSERT_EQ(krViewStop(view), 0);
+        }
+        char log[4096];
+        getLogMsg(log, sizeof log);
+        if (samples < 0 || samples > (1 << 20)) {
+            EXPECT_NE(std::string(log).find("samples not sampled"), std::string::npos) << log;
+        }
+    }
+}
+
+} // namespace
