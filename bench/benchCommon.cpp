@@ -2,7 +2,10 @@
 
 #include "Korel2D.h"
 
+#include <GL/gl.h>
+
 #include <cstdio>
+#include <string>
 #include <unistd.h>
 
 namespace korelbench {
@@ -68,3 +71,49 @@ void SummaryReporter::ReportRuns(const std::vector<Run>& runs)
 }
 
 } // namespace korelbench
+
+void korelbench::setUpLikeTheLibrary(int width, int height, const float page[3])
+{
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(0, width, 0, height, -1, 1);
+    glViewport(0, 0, width - 1, height - 1);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glDisable(GL_BLEND);
+    glDisable(GL_LINE_SMOOTH);
+    glDisable(GL_LINE_STIPPLE);
+    glDisable(GL_POLYGON_STIPPLE);
+    glLineWidth(1);
+    glClearColor(page[0], page[1], page[2], 0);
+}
+
+std::vector<uint8_t> korelbench::readFrame(int width, int height)
+{
+    std::vector<uint8_t> pixels(size_t(width) * size_t(height) * 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    return pixels;
+}
+
+long korelbench::countDifferingPixels(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b)
+{
+    long differing = 0;
+    for (size_t i = 0; i + 3 < a.size() && i + 3 < b.size(); i += 4)
+        differing += a[i] != b[i] || a[i + 1] != b[i + 1] || a[i + 2] != b[i + 2];
+    return differing;
+}
+
+bool korelbench::startDrawingProgram(int* argc, char** argv, const char* program, const ViewFile& file,
+                                     korelgen::OffscreenGl& gl, int width, int height)
+{
+    benchmark::Initialize(argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(*argc, argv))
+        return false;
+    std::string why = "cannot write the view file";
+    if (file.path.empty() || !gl.open(width, height, &why)) {
+        std::fprintf(stderr, "%s: %s\n", program, why.c_str());
+        return false;
+    }
+    return true;
+}

@@ -3,6 +3,8 @@
 // summary each program prints after its run.
 #pragma once
 
+#include "OffscreenGl.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -45,6 +47,21 @@ public:
 void readFileReference(benchmark::State& state, const ViewFile* file);
 // krViewLoad and krViewFree of the file; `reference` names the benchmark it is held against.
 void loadView(benchmark::State& state, const ViewFile* file, const char* reference);
+
+// The start every drawing benchmark program shares: its arguments taken by Google Benchmark,
+// the view file written, an off-screen context of width x height made current. False, with
+// the reason on standard error under the program's name, if any of it fails.
+bool startDrawingProgram(int* argc, char** argv, const char* program, const ViewFile& file,
+                         korelgen::OffscreenGl& gl, int width, int height);
+
+// The projection and state the library's window set-up leaves, for a hand-written reference:
+// window pixels as units, the viewport one pixel short in both directions, opaque colours
+// without blending, no smoothing or stipples, lines one pixel wide, the page as clear colour.
+void setUpLikeTheLibrary(int width, int height, const float page[3]);
+// The colour buffer, RGBA rows from the bottom.
+std::vector<uint8_t> readFrame(int width, int height);
+// Pixels whose colour differs between two frames of readFrame, alpha aside.
+long countDifferingPixels(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b);
 
 // Keeps each benchmark's real seconds per iteration, the median where runs are repeated.
 class SummaryReporter : public benchmark::ConsoleReporter {

@@ -94,23 +94,6 @@ void BM_DrawFrame(benchmark::State& state, const Panel* panel)
     state.SetLabel("reference BM_ImmediateReference");
 }
 
-// The projection and state the library's window set-up leaves: window pixels as units, the
-// viewport one pixel short in both directions, opaque colours without blending.
-void setUpByHand()
-{
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glOrtho(0, kWidth, 0, kHeight, -1, 1);
-    glViewport(0, 0, kWidth - 1, kHeight - 1);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    glDisable(GL_BLEND);
-    glDisable(GL_LINE_SMOOTH);
-    glDisable(GL_LINE_STIPPLE);
-    glDisable(GL_POLYGON_STIPPLE);
-    glLineWidth(1);
-    glClearColor(kPage[0], kPage[1], kPage[2], 0);
-}
 
 void drawByHand(const std::vector<RectFields>& rects)
 {
@@ -137,20 +120,12 @@ void drawByHand(const std::vector<RectFields>& rects)
 // one glBegin/glEnd per fill and per outline, with none of the library's walk or state handling.
 void BM_ImmediateReference(benchmark::State& state, const Panel* panel)
 {
-    setUpByHand();
+    korelbench::setUpLikeTheLibrary(kWidth, kHeight, kPage);
     for (auto _ : state) {
         drawByHand(panel->rects);
         glFinish();
     }
     state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(panel->rects.size()));
-}
-
-std::vector<uint8_t> readFrame()
-{
-    std::vector<uint8_t> pixels(size_t(kWidth) * kHeight * 4);
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadPixels(0, 0, kWidth, kHeight, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    return pixels;
 }
 
 // A ratio means something only if both sides draw the same picture: the pixels that differ.
@@ -161,34 +136,23 @@ long differingPixels(const Panel& panel)
     krWindowInit(window, kWidth, kHeight);
     krWindowClear(window, view);
     krViewDraw(window, view, 0, 0, 1);
-    std::vector<uint8_t> library = readFrame();
+    std::vector<uint8_t> library = korelbench::readFrame(kWidth, kHeight);
     krWindowFree(window);
     krViewFree(view);
 
-    setUpByHand();
+    korelbench::setUpLikeTheLibrary(kWidth, kHeight, kPage);
     drawByHand(panel.rects);
-    std::vector<uint8_t> reference = readFrame();
-    long differing = 0;
-    for (size_t i = 0; i < library.size(); i += 4)
-        differing += library[i] != reference[i] || library[i + 1] != reference[i + 1] ||
-                     library[i + 2] != reference[i + 2];
-    return differing;
+    return korelbench::countDifferingPixels(library, korelbench::readFrame(kWidth, kHeight));
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
     Panel panel;
     korelgen::OffscreenGl gl;
-    std::string why;
-    if (panel.file.path.empty() || !gl.open(kWidth, kHeight, &why)) {
-        std::fprintf(stderr, "korel2d_bench_rects: %s\n", panel.file.path.empty() ? "cannot write the view file" : why.c_str());
+    if (!korelbench::startDrawingProgram(&argc, argv, "korel2d_bench_rects", panel.file, gl, kWidth, kHeight))
         return 1;
-    }
     std::printf("%zu rectangles, %zu bytes; %s on %s\n", panel.rects.size(), panel.file.bytes.size(), gl.kind(),
                 reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
     if (long differing = differingPixels(panel)) {
