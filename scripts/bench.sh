@@ -34,12 +34,12 @@ function keep() {
   if (!(run in ms)) order[++n] = run
   ms[run] = real * scale[unit]; median[run] = (agg == "median")
   rate[run] = bps + 0 >= 1e9 ? sprintf("%.1f GB/s", bps / 1e9) : bps != "" ? sprintf("%.1f MB/s", bps / 1e6) : \
-    ips != "" ? sprintf("%.0fk rectangles/s", ips / 1e3) : ""
+    ips != "" ? sprintf("%.0fk elements/s", ips / 1e3) : ""
   ref[run] = label ~ /^reference / ? substr(label, 11) : ""
 }
 BEGIN { scale["ns"] = 1e-6; scale["us"] = 1e-3; scale["ms"] = 1; scale["s"] = 1e3 }
 /^ *"name":/ { keep(); run = type = agg = label = bps = ips = "" }
-/^ *"run_name":/ { run = value($0); sub(/\/real_time$/, "", run) }
+/^ *"run_name":/ { run = value($0); sub(/\/real_time$/, "", run); sub(/\/min_warmup_time:[0-9.]+/, "", run) }
 /^ *"run_type":/ { type = value($0) }
 /^ *"aggregate_name":/ { agg = value($0) }
 /^ *"real_time":/ { real = value($0) }
