@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <string>
 #include <thread>
@@ -340,6 +341,32 @@ TEST_F(Animation, InputActionsMakeVariablesReadWrite)
         krVarGetStr(v, "lastSet", text);
         EXPECT_STREQ(text, withInput ? "7.500000" : "0.000000") << withInput;
         krViewStop(v);
+    }
+}
+
+// What an input action writes: clamped to its range, converted to the variable's type, and
+// flagged for a host that polls with krVarGetStr only when the stored value changed.
+TEST_F(Animation, WrittenValuesAreClampedConvertedAndFlagged)
+{
+    ActionFields limited = act(1, "count");
+    limited.b0 = 10, limited.b1 = 0, limited.limit = 1;
+    ViewBuilder b = blackPage();
+    b.actions({limited}).rect(square());
+    b.dataSection({internalSource({{6, "count", "", {}}})});
+    view = load(b);
+    ASSERT_NE(view, nullptr);
+    ASSERT_EQ(krViewStart(view), 0);
+    ACTION_STRUCT* action = firstElement()->actions;
+    struct Case {
+        double written;
+        const char* reads;
+        int flagged;
+    } cases[] = {{7.9, "7", 1}, {7.2, "7", 0}, {25, "10", 1}, {-3, "0", 1}, {NAN, "0", 0}};
+    char text[256];
+    for (const Case& c : cases) {
+        putFloatData(action, c.written);
+        EXPECT_EQ(krVarGetStr(view, "count", text), c.flagged) << c.written;
+        EXPECT_STREQ(text, c.reads) << c.written;
     }
 }
 
