@@ -245,8 +245,16 @@ void autoWaveTable(double t, float r, float table[kAutoWaveRows][kAutoFrequencie
     }
 }
 
-const BuiltinSource autoSource = {
-    krdAutoVarInfo,        krdAutoVarOpen,    krdAutoVarClose,       krdAutoVarRun, nullptr,
-    krdAutoVarGet,         nullptr,           krdAutoVarStartView,   nullptr,       emptySourceEntry,
-    krdAutoVarNewVariable, emptyCallbackData, krdAutoVarCallbackVar,
-};
+void autoSourceEntries(DD_DATA_TYPE_STRUCT* source)
+{
+    source->info = krdAutoVarInfo;
+    source->open = krdAutoVarOpen;
+    source->close = krdAutoVarClose;
+    source->run = krdAutoVarRun;
+    source->get = krdAutoVarGet;
+    source->startView = krdAutoVarStartView;
+    source->newData = emptySourceEntry;
+    source->newVariable = krdAutoVarNewVariable;
+    source->callbackData = emptyCallbackData;
+    source->callbackVar = krdAutoVarCallbackVar;
+}

@@ -30,8 +30,12 @@ int krdConstVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT*)
 
 } // namespace
 
-const BuiltinSource constantSource = {
-    krdConstVarInfo, emptySourceEntry, emptySourceEntry, emptySourceEntry, nullptr,
-    krdConstVarGet,  nullptr,          emptySourceEntry, nullptr,          emptySourceEntry,
-    emptyNewVariable, emptyCallbackData, emptyCallbackVar,
-};
+void constantSourceEntries(DD_DATA_TYPE_STRUCT* source)
+{
+    source->info = krdConstVarInfo;
+    source->open = source->close = source->run = source->startView = source->newData = emptySourceEntry;
+    source->get = krdConstVarGet;
+    source->newVariable = emptyNewVariable;
+    source->callbackData = emptyCallbackData;
+    source->callbackVar = emptyCallbackVar;
+}

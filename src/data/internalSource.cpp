@@ -38,8 +38,12 @@ int emptyCallbackVar(int, int, void*, VARIABLE_STRUCT*)
     return 0;
 }
 
-const BuiltinSource internalSource = {
-    krdIntVarInfo,      emptySourceEntry, emptySourceEntry, emptySourceEntry, nullptr,
-    emptyVariableEntry, emptyVariableEntry, emptySourceEntry, nullptr, emptySourceEntry,
-    emptyNewVariable,   emptyCallbackData, emptyCallbackVar,
-};
+void internalSourceEntries(DD_DATA_TYPE_STRUCT* source)
+{
+    source->info = krdIntVarInfo;
+    source->open = source->close = source->run = source->startView = source->newData = emptySourceEntry;
+    source->get = source->set = emptyVariableEntry;
+    source->newVariable = emptyNewVariable;
+    source->callbackData = emptyCallbackData;
+    source->callbackVar = emptyCallbackVar;
+}

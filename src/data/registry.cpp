@@ -17,7 +17,7 @@ constexpr int kPathSize = 256;
 constexpr int kSymbolSize = 256 + 32;
 
 // In type-number order; the first holder of a number stays, so plug-ins can't take these.
-const BuiltinSource* const kBuiltinSources[] = {&autoSource, &constantSource, &internalSource};
+void (*const kBuiltinSources[])(DD_DATA_TYPE_STRUCT*) = {autoSourceEntries, constantSourceEntries, internalSourceEntries};
 
 void setServices(DD_DATA_TYPE_STRUCT* source, bool plugin)
 {
@@ -30,23 +30,6 @@ void setServices(DD_DATA_TYPE_STRUCT* source, bool plugin)
         source->getAllVariablesS = krdGetAllVariablesS;
         source->log = logMsgData;
     }
-}
-
-void setBuiltinEntries(DD_DATA_TYPE_STRUCT* source, const BuiltinSource& entries)
-{
-    source->info = entries.info;
-    source->open = entries.open;
-    source->close = entries.close;
-    source->run = entries.run;
-    source->postRun = entries.postRun;
-    source->get = entries.get;
-    source->set = entries.set;
-    source->startView = entries.startView;
-    source->startViewAll = entries.startViewAll;
-    source->newData = entries.newData;
-    source->newVariable = entries.newVariable;
-    source->callbackData = entries.callbackData;
-    source->callbackVar = entries.callbackVar;
 }
 
 // Every entry point but StartViewAll, which only built-ins have.
@@ -207,13 +190,13 @@ int kriLoadStaticDataSources(DD_DATA_TYPE_STRUCT** knownTypes)
 {
     if (!knownTypes)
         return -1;
-    for (const BuiltinSource* entries : kBuiltinSources) {
+    for (auto setEntries : kBuiltinSources) {
         DD_DATA_TYPE_STRUCT* source = createDataType(kKnownSlots);
         if (!source)
             return -1;
         source->isStatic = 1;
         setServices(source, false);
-        setBuiltinEntries(source, *entries);
+        setEntries(source);
         source->info(source);
         logMsg(3, "Korel Static Data Source: <type=%d> %s \n", source->id, source->name);
         keepFirstOfType(knownTypes, source);
