@@ -5,6 +5,7 @@
 #include "Korel2D.h"
 #include "OffscreenGl.h"
 #include "ViewBuilder.h"
+#include "actions/actions.h"
 #include "benchCommon.h"
 
 #include <GL/gl.h>

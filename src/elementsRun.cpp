@@ -1,8 +1,11 @@
 // The walk of one frame over the element tree: groups hand their flagged looks down,
 // blink and visibility decide what shows, groups clip their children, kinds draw.
-#include "Korel2D.h"
+#include "KorelEdit.h"
+#include "actions/actions.h"
+#include "base/base.h"
+#include "core/core.h"
 #include "core/truncate.h"
-#include "graphics/glState.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 #include <GL/glu.h>

@@ -1,5 +1,5 @@
 // Action records and the operations on an element's action list.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "core/linkedList.h"
 
 #include <cstdlib>

@@ -1,7 +1,8 @@
 // What an action does to its element in a frame: the value of its variable, filtered, mapped
 // and clamped, becomes a matrix operation inside the element's translation or a change of its
 // run-time look. Runs per element per frame: nothing here allocates but the level fill.
-#include "Korel2D.h"
+#include "KorelEdit.h"
+#include "actions/actions.h"
 #include "actions/textFormat.h"
 #include "core/truncate.h"
 #include "data/valueBuffer.h"

@@ -1,6 +1,7 @@
 // Binding actions to variables by name. Names are compared once per start; afterwards a frame
 // and a data cycle only follow the pointers made here.
-#include "Korel2D.h"
+#include "KorelEdit.h"
+#include "actions/actions.h"
 #include "data/valueBuffer.h"
 
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // The road of a value from its source to the variable's buffer: buffers made at each start,
 // default values written through Set, and the data cycle that runs every source.
-#include "Korel2D.h"
+#include "actions/actions.h"
 #include "data/valueBuffer.h"
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // Open-addressing hash table with linear probing and prime sizes, keyed either by an
 // unsigned integer or by a zero-terminated name. A null value marks an empty slot.
 
-#include "Korel2D.h"
+#include "base/base.h"
 
 #include <algorithm>
 #include <cstdlib>

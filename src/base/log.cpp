@@ -1,7 +1,7 @@
 // The library's one log: messages filtered by level, printed on standard output and kept
 // in a memory buffer that a host fetches to show what the library said.
 
-#include "Korel2D.h"
+#include "base/base.h"
 
 #include <algorithm>
 #include <atomic>

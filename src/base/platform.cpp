@@ -1,7 +1,7 @@
 // Thin wrappers over the system for time, directories and dynamic loading, and the
 // release texts of the library.
 
-#include "Korel2D.h"
+#include "base/base.h"
 
 #include <GL/glx.h>
 #include <dirent.h>

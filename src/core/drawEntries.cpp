@@ -1,7 +1,11 @@
 // The draw entries a host calls once per frame. Each saves the GL state it touches, sets up
 // what the walk needs, refreshes the groups' clip data when position or zoom changed, and walks.
+#include "actions/actions.h"
+#include "base/base.h"
+#include "core/core.h"
 #include "core/handles.h"
 #include "core/truncate.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

@@ -1,4 +1,5 @@
 // Element records and the operations on element lists.
+#include "KorelEdit.h"
 #include "core/linkedList.h"
 #include "elements/elementKinds.h"
 

@@ -1,4 +1,5 @@
 // Which record and which operations each element kind code brings.
+#include "KorelEdit.h"
 #include "elements/elementKinds.h"
 
 namespace {

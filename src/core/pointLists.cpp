@@ -1,5 +1,5 @@
 // Polygon points and action thresholds: small doubly linked lists owned by their holder.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "core/linkedList.h"
 
 #include <cstdlib>

@@ -3,8 +3,12 @@
 // A stop gives the data thread 0.5 s to end. A thread still inside a source after that (a
 // plug-in blocking in Run) is not waited for, but nothing is closed or unloaded under it: the
 // sources stay open until the thread has ended, which the next start or the free waits for.
-#include "core/runModes.h"
+#include "KorelEdit.h"
+#include "actions/actions.h"
+#include "base/base.h"
 #include "core/handles.h"
+#include "core/runModes.h"
+#include "data/data.h"
 
 #include <pthread.h>
 

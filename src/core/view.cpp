@@ -1,8 +1,11 @@
 // Loading, freeing and configuring a view handle.
-#include "Korel2D.h"
+#include "KorelEdit.h"
+#include "actions/actions.h"
+#include "base/base.h"
 #include "core/handles.h"
 #include "core/runModes.h"
 #include "core/truncate.h"
+#include "data/data.h"
 #include "glyph/GlyphKit.h"
 
 #include <GL/gl.h>

@@ -1,5 +1,6 @@
 // The window handle: the size of the host's drawing surface and the settings of the last draw.
 #include "core/handles.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

@@ -1,5 +1,5 @@
 // Data-source and variable records and their lists.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "core/linkedList.h"
 #include "data/sourceRecords.h"
 

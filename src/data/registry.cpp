@@ -1,7 +1,9 @@
 // Which sources exist: the built-ins, the plug-ins found on disk, and how a view's stored
 // sources are matched with them; loading and unloading plug-ins as a view starts and stops.
-#include "Korel2D.h"
+#include "KorelEdit.h"
+#include "base/base.h"
 #include "data/builtinSources.h"
+#include "data/data.h"
 #include "data/sourceRecords.h"
 
 #include <cstdio>

@@ -1,6 +1,7 @@
 // The services a source reaches through its record: it names itself, declares its parameters
 // and makes its variables with them, in Info and StartView.
-#include "Korel2D.h"
+#include "KorelEdit.h"
+#include "data/data.h"
 
 #include <cstdarg>
 #include <cstdio>

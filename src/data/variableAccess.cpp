@@ -1,6 +1,6 @@
 // What a host sees of sources and variables: listing them, their parameters, and reading and
 // writing values by name while the view runs.
-#include "Korel2D.h"
+#include "base/base.h"
 #include "core/handles.h"
 #include "data/valueBuffer.h"
 

@@ -1,5 +1,5 @@
 // Crossings of two segments, for picking, for cutting polygons at a level and for the editor.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
 // Button: a bevelled face that shows a pressed state.
+#include "KorelEdit.h"
 #include "elements/kindCommon.h"
 
 static BUTTON_STRUCT buttonDefaults()

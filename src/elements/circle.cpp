@@ -1,6 +1,7 @@
 // Circle (kind 3) and arc (kind 6): a unit shape under a 2x2 matrix, between two angles.
+#include "KorelEdit.h"
 #include "elements/kindCommon.h"
-#include "graphics/glState.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

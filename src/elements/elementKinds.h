@@ -2,7 +2,7 @@
 // operations a kind puts into its elements.
 #pragma once
 
-#include "Korel2D.h"
+#include "KorelEdit.h"
 
 struct KindInfo {
     const char* prefix;                 // start of generated names
@@ -20,3 +20,13 @@ void polyFreeData(void* data);
 void textFreeData(void* data);
 void graphFreeData(void* data);
 void imageFreeData(void* data);
+
+// Tessellator callbacks for callers with a GLU tessellator of their own: begin, end and vertex
+// draw, combine hands back a new vertex of three doubles that the caller frees with free().
+extern "C" {
+KOREL2D_API void errorCB(unsigned int code);
+KOREL2D_API void beginCB(unsigned int mode);
+KOREL2D_API void endCB(void);
+KOREL2D_API void vertexCB(void* vertex);
+KOREL2D_API void combineCB(double coords[3], void* data[4], float weights[4], void** out);
+}

@@ -1,4 +1,5 @@
 // Graph: a strip chart or xy plot with frame, grid, ticks and labels.
+#include "KorelEdit.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "glyph/GlyphKit.h"

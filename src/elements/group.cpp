@@ -1,7 +1,8 @@
 // Group: holds children whose x, y are kept relative to the group's centre, so that
 // moving the group moves them. It has no look of its own but the editing outline.
+#include "KorelEdit.h"
 #include "elements/kindCommon.h"
-#include "graphics/glState.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

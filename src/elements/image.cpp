@@ -1,4 +1,5 @@
 // Image: a texture on four corners, tinted by the fill colour.
+#include "KorelEdit.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 

@@ -1,5 +1,5 @@
 #include "elements/kindCommon.h"
-#include "graphics/glState.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

@@ -1,6 +1,7 @@
 // Line: two end points with a width, a style and a colour.
+#include "KorelEdit.h"
 #include "elements/kindCommon.h"
-#include "graphics/glState.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

@@ -1,6 +1,9 @@
 // Polyline (kind 2) and closed polygon (kind 13): a list of points, outlined and filled.
+#include "KorelEdit.h"
+#include "base/base.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 #include <GL/glu.h>

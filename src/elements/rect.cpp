@@ -1,5 +1,7 @@
 // Rectangle: four corners, an optional fill with a pattern and an optional outline.
+#include "KorelEdit.h"
 #include "elements/kindCommon.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

@@ -1,6 +1,8 @@
 // Scissor: marks the clip area of its group. It has no look in a running view; the
 // editing tool sees it as an orange frame.
+#include "KorelEdit.h"
 #include "elements/kindCommon.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

@@ -1,4 +1,5 @@
 // Slider: a groove with a knob.
+#include "KorelEdit.h"
 #include "elements/kindCommon.h"
 
 static SLIDER_STRUCT sliderDefaults()

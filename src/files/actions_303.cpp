@@ -1,4 +1,5 @@
 // Action lists of revisions 303 and 304, which close every element record.
+#include "KorelEdit.h"
 #include "core/linkedList.h"
 #include "files/Reader.h"
 #include "files/viewFileReaders.h"

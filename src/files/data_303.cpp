@@ -1,5 +1,5 @@
 // Data-source sections of revisions 303 and 304: sources with their parameters and variables.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "core/linkedList.h"
 #include "files/Reader.h"
 #include "files/viewFileReaders.h"

@@ -1,5 +1,7 @@
 // Opening a binary view file: header, choice of the reader generation, finishing pass.
+#include "KorelEdit.h"
 #include "files/viewFileReaders.h"
+#include "graphics/graphics.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,5 +1,5 @@
 // Reader of revisions 303 and 304: configuration block, element runs, data sections.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "core/linkedList.h"
 #include "files/Reader.h"
 #include "files/viewFileReaders.h"

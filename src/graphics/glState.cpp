@@ -1,8 +1,7 @@
 // Every colour and line width of the library passes through here, so that one colour factor
 // and one line scale reach all element kinds. OpenGL state is only ever written, never read
 // back: a read would stall the pipeline once per element.
-#include "Korel2D.h"
-#include "graphics/glState.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

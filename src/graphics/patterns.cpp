@@ -1,7 +1,6 @@
 // The line styles and fill patterns that style numbers in view files refer to. Stored views
 // depend on every bit, so the patterns are generated from their defining rules at compile time.
-#include "Korel2D.h"
-#include "graphics/glState.h"
+#include "graphics/graphics.h"
 
 namespace {
 

@@ -1,7 +1,8 @@
 // The process-wide store of pictures behind image elements. It keeps every picture in
 // memory under a small integer id, so that views load before any GL context exists and
 // their pictures survive the loss of one.
-#include "Korel2D.h"
+#include "KorelEdit.h"
+#include "base/base.h"
 
 #include <cstdint>
 #include <cstdlib>

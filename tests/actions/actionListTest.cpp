@@ -1,5 +1,5 @@
 // Action records: defaults, the list operations an editing tool uses, copies, and ownership.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,9 @@
 // actions of each element, drawn for real in mode 1 (one data cycle per draw).
 #include "LoadedView.h"
 #include "PluginDirs.h"
-#include "actionViews.h"
 #include "ViewFixture.h"
+#include "actionViews.h"
+#include "actions/actions.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Korel2D.h"
+#include "base/base.h"
 
 #include <gtest/gtest.h>
 

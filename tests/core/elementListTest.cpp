@@ -1,5 +1,5 @@
 // Element records and the list operations an editing tool and the readers use.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 
 #include <gtest/gtest.h>
 

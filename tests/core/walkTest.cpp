@@ -1,6 +1,8 @@
 // The walk of one frame as a running view sees it: visibility, blinking, looks handed down
 // by groups, and line widths that follow the zoom.
 #include "ViewFixture.h"
+#include "core/core.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

@@ -1,8 +1,11 @@
 // Auto Data, the built-in test-signal source: the waves at chosen moments, and what a started
 // view reads from it as real time passes.
+#include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewFixture.h"
+#include "actions/actions.h"
 #include "data/autoWaves.h"
+#include "data/data.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Source and variable records: what they are made with and what they own.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,11 @@
 //
 // Conversion tables run one data cycle with fillDP and need no GL context; tests about what a
 // cycle leaves behind draw instead, since in mode 1 a draw is where a host's cycle happens.
+#include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewFixture.h"
+#include "actions/actions.h"
+#include "data/data.h"
 
 #include <gtest/gtest.h>
 

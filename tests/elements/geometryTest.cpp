@@ -1,6 +1,6 @@
 // The geometry every kind derives after loading: box, centre, size, local coordinates and
 // how it is picked; the look seeded from the record; and groups built from all of them.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewBuilder.h"
 #include "glyph/GlyphKit.h"

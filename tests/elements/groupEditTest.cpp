@@ -1,6 +1,6 @@
 // An edit of a group reaches its children, nested groups included, with the group's own
 // handles and arguments, and leaves the group's box fitted to what the children became.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "ViewBuilder.h"
 
 #include <gtest/gtest.h>

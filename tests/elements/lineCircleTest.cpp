@@ -1,5 +1,6 @@
 // Lines, circles and arcs as a user sees them: drawn through the flat interface into a real
 // GL surface and read back, picked through the element's own hit test, boxed for picking.
+#include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewFixture.h"
 

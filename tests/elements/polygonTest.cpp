@@ -1,5 +1,6 @@
 // Polylines and closed polygons on the screen: the tessellated fill, the outline, the fill cut
 // at a level, the display list's life, and picking by the even-odd rule.
+#include "KorelEdit.h"
 #include "ViewFixture.h"
 
 #include <GL/gl.h>

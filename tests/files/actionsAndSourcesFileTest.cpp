@@ -2,9 +2,9 @@
 // threshold blocks, and data-source sections with variables and parameters. Cut and garbled
 // files are the damaged-files tests' concern.
 #include "GlContext.h"
-#include "Korel2D.h"
 #include "LoadedView.h"
 #include "ViewBuilder.h"
+#include "graphics/graphics.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Reading the bodies of every element kind: stored fields arrive in the records, fonts are
 // made or replaced as the reader decides, pictures reach the picture store, and bodies cut
 // short or garbled load without harm.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewBuilder.h"
 #include "glyph/GlyphKit.h"

@@ -1,9 +1,10 @@
 // Reading binary view files: header checks, revisions, the element tree, hostile counts, and the
 // handles' refusals. Cut and garbled files are the damaged-files tests' concern.
 #include "GlContext.h"
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewBuilder.h"
+#include "graphics/graphics.h"
 
 #include <gtest/gtest.h>
 

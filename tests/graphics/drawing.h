@@ -2,7 +2,7 @@
 #pragma once
 
 #include "GlContext.h"
-#include "Korel2D.h"
+#include "graphics/graphics.h"
 
 #include <GL/gl.h>
 

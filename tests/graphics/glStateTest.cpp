@@ -1,4 +1,5 @@
 #include "drawing.h"
+#include "graphics/graphics.h"
 
 #include <cmath>
 #include <vector>

@@ -1,5 +1,5 @@
 #include "drawing.h"
-#include "graphics/glState.h"
+#include "graphics/graphics.h"
 
 #include <array>
 #include <climits>

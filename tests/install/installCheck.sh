@@ -12,6 +12,7 @@ trap 'rm -rf "$PREFIX"' EXIT
 cmake --install "$BUILD" --prefix "$PREFIX" >/dev/null
 LIBDIR=$(dirname "$(find "$PREFIX" -name libKorel2D.so.3 | head -n 1)")
 test -f "$PREFIX/include/Korel2D.h"
+test -f "$PREFIX/include/KorelEdit.h"
 test -f "$PREFIX/include/KorelDataSource.h"
 test -L "$LIBDIR/libKorel2D.so"
 test -f "$PREFIX/bin/libKrdExample.so"

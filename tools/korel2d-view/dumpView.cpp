@@ -1,6 +1,6 @@
 #include "dumpView.h"
 
-#include "Korel2D.h"
+#include "KorelEdit.h"
 
 #include <cstring>
 #include <string>

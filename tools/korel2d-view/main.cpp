@@ -1,6 +1,6 @@
 // korel2d-view: shows a view file in a GLX window, or renders it off-screen into a PNG file
 // when asked to or when no X display answers, or lists its records as text.
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "OffscreenGl.h"
 #include "dumpView.h"
 #include "pngWrite.h"

@@ -1,0 +1,475 @@
+/**
+ * @file KorelEdit.h
+ * libKorel2D for an editing tool: the records of each element kind, the lists a view is made of,
+ * the families of functions of each kind, the data-source lists and the view-file readers.
+ *
+ * Sections:
+ *  1. Records of the element kinds
+ *  2. Element, point, threshold and action lists
+ *  3. Element kinds: create, geometry pass, draw, pick, edit
+ *  4. Polygons
+ *  5. Geometry helpers, picture store, graph labels
+ *  6. Data-source and variable lists
+ *  7. Binary view files
+ *
+ * Includes Korel2D.h. Units as there: view units, y upwards; colours 0..1; angles in radians.
+ * A list operation takes the address of the list's head and keeps the prev/next links and the
+ * head consistent; it returns 0, and does nothing for null arguments. A record made by a create
+ * function is the caller's until it goes into a list or an element, whose delete frees it.
+ */
+#ifndef KOREL_EDIT_H
+#define KOREL_EDIT_H
+
+#include "Korel2D.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ================================================================ 1. records of the element kinds */
+
+/** Font handle of the font layer; 0 means no font. */
+typedef uint64_t KR_FONT;
+
+/* One point of a polygon. */
+typedef struct COORD_STRUCT {
+    int32_t id;
+    float x, y;
+    float distance;
+    double vertex[3];
+    struct COORD_STRUCT* next;
+    struct COORD_STRUCT* prev;
+} COORD_STRUCT;
+
+/** Corner order of corner-based kinds: lower left, upper left, upper right, lower right. */
+typedef struct RECT_STRUCT {
+    float cornerX[4], cornerY[4];
+    float localX[4], localY[4];
+    int32_t strokeOn;
+    float strokeWidth;
+    int32_t strokeStyle;
+    float strokeColor[4];
+    int32_t fillOn;
+    int32_t fillStyle;
+    float fillColor[4];
+    int32_t antialias;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} RECT_STRUCT;
+
+typedef struct POLY_STRUCT {
+    int32_t closed;
+    int32_t strokeOn;
+    float strokeWidth;
+    int32_t strokeStyle;
+    float strokeColor[4];
+    int32_t fillOn;
+    int32_t fillStyle;
+    float fillColor[4];
+    COORD_STRUCT* coords;
+    COORD_STRUCT* fillCoords;
+    float fillLevel;
+    float localBounds[4];
+    float length;
+    int32_t antialias;
+    uint32_t displayList;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} POLY_STRUCT;
+
+typedef struct CIRCLE_STRUCT {
+    float x, y;
+    float fanX, fanY;
+    float localBounds[4];
+    float rx, ry;
+    float start, end;
+    float matrix[4];
+    int32_t strokeOn;
+    float strokeWidth;
+    int32_t strokeStyle;
+    float strokeColor[4];
+    int32_t fillOn;
+    int32_t fillStyle;
+    float fillColor[4];
+    int32_t antialias;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} CIRCLE_STRUCT;
+
+typedef struct LINE_STRUCT {
+    float x1, y1, x2, y2;
+    float localX1, localY1, localX2, localY2;
+    float strokeWidth;
+    int32_t strokeStyle;
+    float strokeColor[4];
+    int32_t antialias;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+} LINE_STRUCT;
+
+typedef struct TEXT_STRUCT {
+    float x, y;
+    char text[256];
+    int32_t align;
+    KR_FONT font;
+    char fontFamily[64];
+    int32_t fontStyle;
+    int32_t underline;
+    int32_t fontSize;
+    int32_t scalable;
+    int32_t textSize;
+    int32_t fontId;
+    float cornerX[4], cornerY[4];
+    float span[4];
+    float matrix[4];
+    int32_t fillStyle;
+    float strokeColor[4];
+    float fillColor[4];
+    float strokeWidth;
+    int32_t strokeStyle;
+    int32_t antialias;
+    int32_t strokeStyleId;
+    int32_t stippleFactor;
+    uint16_t stipplePattern;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} TEXT_STRUCT;
+
+typedef struct IMAGE_STRUCT {
+    float cornerX[4], cornerY[4];
+    float localX[4], localY[4];
+    int32_t width, height; /* of the pixel data */
+    int32_t texture;       /* texture store id, -1 or 0 while none */
+    int32_t fillStyle;
+    float fillColor[4];
+    int32_t imageId;
+    int32_t fillStyleId;
+    uint8_t fillPattern[128];
+} IMAGE_STRUCT;
+
+typedef struct BUTTON_STRUCT {
+    float cornerX[4], cornerY[4];
+    float localX[4], localY[4];
+    float color0[4], color1[4], color2[4]; /* face, light edge, dark edge */
+    float strokeWidth;
+    int32_t state;
+} BUTTON_STRUCT;
+
+typedef struct SLIDER_STRUCT {
+    float x, y;
+    float width, height;
+    float faceColor[4];
+    float darkColor[4];
+    float lightColor[4];
+    float bevelWidth;
+    float knobHalfSize;
+    int32_t reserved1;
+    float reserved2;
+} SLIDER_STRUCT;
+
+typedef struct SCISSOR_STRUCT {
+    float cornerX[4], cornerY[4];
+    float localX[4], localY[4];
+} SCISSOR_STRUCT;
+
+typedef struct GRAPH_STRUCT {
+    int32_t type;
+    float x, y;
+    float width, height;
+    float ymin, ymax;
+    float xmin, xmax;
+    float rate;
+    int32_t autoscale;
+    float minspready;
+    int32_t autoscalex;
+    float minspreadx;
+    int32_t samples;
+    int32_t bars;
+    char labelYFormat[32];
+    char labelXFormat[32];
+    float outlineColor[4];
+    float backgroundColor[4];
+    float outlineWidth;
+    int32_t gridx, gridy;
+    int32_t gridxAuto, gridyAuto;
+    float gridxSpace, gridySpace;
+    float gridxRef, gridyRef;
+    int32_t gridStyleId;
+    int32_t gridStippleFactor;
+    uint16_t gridStipplePattern;
+    int32_t gridStyle;
+    float gridColor[4];
+    int32_t labelx, labely, labelyr;
+    int32_t labelFixx, labelFixy;
+    float labelXmin, labelXmax;
+    float labelYmin, labelYmax;
+    int32_t tickx, ticky, tickyr;
+    int32_t tickxAuto, tickyAuto;
+    float tickxSpace, tickySpace;
+    float tickxRef, tickyRef;
+    int32_t tickxSub, tickySub;
+    float tickWidth;
+    KR_FONT font;
+    char fontFamily[64];
+    int32_t fontStyle;
+    int32_t fontSize;
+    int32_t fontId;
+    float smoothYmin, smoothYmax;
+    float smoothXmin, smoothXmax;
+    double startTime;
+    double lastTime;
+} GRAPH_STRUCT;
+/* ================================================================ 2. lists */
+
+/** A new element of kind `type` (KR_TEXT_OLD becomes KR_TEXT) with its kind's record and
+ *  defaults and a fresh name; in no list. Null when out of memory. */
+KOREL2D_API ELEMENT_STRUCT* elementCreate(uint32_t type);
+/** Appends the element at the tail of the list. */
+KOREL2D_API int elementAppend(ELEMENT_STRUCT* element, ELEMENT_STRUCT** head);
+/** Unlinks the element and destroys it with its children, actions and kind record. */
+KOREL2D_API int elementDelete(ELEMENT_STRUCT* element, ELEMENT_STRUCT** head);
+/** Deletes every element of the list; the head is null afterwards. */
+KOREL2D_API int elementDeleteAll(ELEMENT_STRUCT** head);
+/** Gives the element a name "<kind>-<number>" (and id "<name>-ID") that no element of the list,
+ *  groups included, has; list may be null. */
+KOREL2D_API int elementNewName(ELEMENT_STRUCT* element, ELEMENT_STRUCT* list);
+/** 1 if an element of the list or of its groups has this name, else 0. */
+KOREL2D_API int elementCheckName(ELEMENT_STRUCT* list, const char* name);
+/** Runs each element's setPickSticky over the whole tree, children before their group. @return 0. */
+KOREL2D_API int setElementAttr(ELEMENT_STRUCT* list);
+
+/** A zeroed point in no list; null when out of memory. */
+KOREL2D_API COORD_STRUCT* createCoord(void);
+/** Appends the point at the tail. */
+KOREL2D_API int appendCoord(COORD_STRUCT** head, COORD_STRUCT* coord);
+/** Unlinks and frees the point. */
+KOREL2D_API int delCoord(COORD_STRUCT** head, COORD_STRUCT* coord);
+
+/** A threshold with its defaults in no list; null when out of memory. */
+KOREL2D_API TH_STRUCT* createTh(void);
+/** Appends the threshold at the tail. */
+KOREL2D_API int appendTh(TH_STRUCT** head, TH_STRUCT* th);
+/** Inserts before `position`, or before the head for a null position. */
+KOREL2D_API int thInsertBefore(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head);
+/** Inserts after `position`, or after the head for a null position. */
+KOREL2D_API int thInsertAfter(TH_STRUCT* th, TH_STRUCT* position, TH_STRUCT** head);
+/** Unlinks and frees the threshold. */
+KOREL2D_API int delTh(TH_STRUCT** head, TH_STRUCT* th);
+
+/** A new action with its defaults, in no list; null when out of memory. */
+KOREL2D_API ACTION_STRUCT* createAction(void);
+/** Appends the action at the tail. */
+KOREL2D_API int appendAction(ACTION_STRUCT** head, ACTION_STRUCT* action);
+/** Inserts before `position`, or before the head for a null position; into an empty list as its
+ *  only entry. */
+KOREL2D_API int actionInsertBefore(ACTION_STRUCT* action, ACTION_STRUCT* position, ACTION_STRUCT** head);
+/** Inserts after `position`, or after the head for a null position; into an empty list as its
+ *  only entry. */
+KOREL2D_API int actionInsertAfter(ACTION_STRUCT* action, ACTION_STRUCT* position, ACTION_STRUCT** head);
+/** Takes the action out of the list without freeing it; its own links stay as they were. */
+KOREL2D_API int actionCut(ACTION_STRUCT* action, ACTION_STRUCT** head);
+/** Moves the action one place towards the head; nothing at the head. */
+KOREL2D_API int actionUp(ACTION_STRUCT* action, ACTION_STRUCT** head);
+/** Moves the action one place towards the tail; nothing at the tail. */
+KOREL2D_API int actionDown(ACTION_STRUCT* action, ACTION_STRUCT** head);
+/** Unlinks and destroys the action with its thresholds and run-time buffers. */
+KOREL2D_API int delAction(ACTION_STRUCT** head, ACTION_STRUCT* action);
+/** A new action (in no list) with the stored content of `source` and copies of its thresholds;
+ *  run-time state fresh. Null for a null source or when out of memory. */
+KOREL2D_API ACTION_STRUCT* actionCopy(const ACTION_STRUCT* source);
+
+/* ================================================================ 3. element kinds */
+
+/** A new rectangle record, a copy of `source` or the defaults for null; the caller's (free()) until
+ *  it becomes an element's data. Null when out of memory. The other create functions alike. */
+KOREL2D_API RECT_STRUCT* createRect(const RECT_STRUCT* source);
+/** A new open polyline record; copies the fields of `source`, not its points. */
+KOREL2D_API POLY_STRUCT* createPoly(const POLY_STRUCT* source);
+/** A new closed polygon record; copies the fields of `source`, not its points. */
+KOREL2D_API POLY_STRUCT* createCPoly(const POLY_STRUCT* source);
+/** A new circle record (a whole turn). */
+KOREL2D_API CIRCLE_STRUCT* createCircle(const CIRCLE_STRUCT* source);
+/** A new arc record. */
+KOREL2D_API CIRCLE_STRUCT* createArc(const CIRCLE_STRUCT* source);
+/** A new line record. */
+KOREL2D_API LINE_STRUCT* createLine(const LINE_STRUCT* source);
+/** A new button record. */
+KOREL2D_API BUTTON_STRUCT* createButton(const BUTTON_STRUCT* source);
+/** A new slider record. */
+KOREL2D_API SLIDER_STRUCT* createSlider(const SLIDER_STRUCT* source);
+/** A new clip-area record. */
+KOREL2D_API SCISSOR_STRUCT* createScissor(const SCISSOR_STRUCT* source);
+/** A new graph record. */
+KOREL2D_API GRAPH_STRUCT* createGraph(const GRAPH_STRUCT* source);
+/** A new image record with no picture. */
+KOREL2D_API IMAGE_STRUCT* createImage(void);
+/** A new text record; only textSize is used: it sets fontSize and textSize (pixels). */
+KOREL2D_API TEXT_STRUCT* createText(const char* family, int size, int textSize);
+
+/** Geometry pass of a rectangle: bounds, centre, size, local corners and pick shape from the
+ *  record. The other ...SetPickSticky functions alike for their kind. @return 0. */
+KOREL2D_API int rectSetPickSticky(ELEMENT_STRUCT* element);
+/** Seeds the element's run-time look (attr) from its rectangle record. The other ...SetAttr
+ *  functions alike for their kind. @return 0. */
+KOREL2D_API int rectSetAttr(ELEMENT_STRUCT* element);
+/** Draws a rectangle with the look in attr; selected non-zero adds the selection outline.
+ *  Needs a current GL context. @return 0. */
+KOREL2D_API int drawRect(RECT_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+
+/** Geometry pass of a group: its box from its children's. */
+KOREL2D_API int groupSetPickSticky(ELEMENT_STRUCT* element);
+/** Look of a group. */
+KOREL2D_API int groupSetAttr(ELEMENT_STRUCT* element);
+/** Hands the edit to every child with the group's own handle list, then re-derives the group. @return 0. */
+KOREL2D_API int editGroup(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** Draws a group's own part, its selection outline in an editing tool; the walk draws the
+ *  children. @return 0. */
+KOREL2D_API int drawGroup(ELEMENT_STRUCT* element, ELEMENT_ATTR* attr);
+
+/** Geometry pass of a clip area. */
+KOREL2D_API int scissorSetPickSticky(ELEMENT_STRUCT* element);
+/** Draws a clip area's outline, for an editing tool. @return 0. */
+KOREL2D_API int drawScissor(SCISSOR_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+
+/** Draws a line; dx, dy (view units) are added to both end points (the walk passes 0). @return 0. */
+KOREL2D_API int drawLine(LINE_STRUCT* record, ELEMENT_ATTR* attr, int selected, float dx, float dy);
+/** Draws a circle or an arc: the section from start to attr->arcEnd (radians) about the centre. @return 0. */
+KOREL2D_API int drawCircle(CIRCLE_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+/** Non-zero when (x, y) (view units) lies inside the whole ellipse, whatever section is drawn. */
+KOREL2D_API int pickCircle(ELEMENT_STRUCT* element, float x, float y);
+
+/** Geometry pass of a graph. */
+KOREL2D_API int graphSetPickSticky(ELEMENT_STRUCT* element);
+/** Look of a graph. */
+KOREL2D_API int graphSetAttr(ELEMENT_STRUCT* element);
+/** Geometry pass of a polyline or polygon. */
+KOREL2D_API int polySetPickSticky(ELEMENT_STRUCT* element);
+/** Look of a polyline or polygon. */
+KOREL2D_API int polySetAttr(ELEMENT_STRUCT* element);
+/** Geometry pass of a circle or arc. */
+KOREL2D_API int circleSetPickSticky(ELEMENT_STRUCT* element);
+/** Look of a circle or arc. */
+KOREL2D_API int circleSetAttr(ELEMENT_STRUCT* element);
+/** Geometry pass of a text. */
+KOREL2D_API int textSetPickSticky(ELEMENT_STRUCT* element);
+/** Look of a text. */
+KOREL2D_API int textSetAttr(ELEMENT_STRUCT* element);
+/** Geometry pass of a line. */
+KOREL2D_API int lineSetPickSticky(ELEMENT_STRUCT* element);
+/** Look of a line. */
+KOREL2D_API int lineSetAttr(ELEMENT_STRUCT* element);
+/** Geometry pass of an image. */
+KOREL2D_API int imageSetPickSticky(ELEMENT_STRUCT* element);
+/** Look of an image. */
+KOREL2D_API int imageSetAttr(ELEMENT_STRUCT* element);
+/** Geometry pass of a button. */
+KOREL2D_API int buttonSetPickSticky(ELEMENT_STRUCT* element);
+/** Look of a button. */
+KOREL2D_API int buttonSetAttr(ELEMENT_STRUCT* element);
+/** Geometry pass of a slider. */
+KOREL2D_API int sliderSetPickSticky(ELEMENT_STRUCT* element);
+/** Look of a slider. */
+KOREL2D_API int sliderSetAttr(ELEMENT_STRUCT* element);
+
+/* ================================================================ 4. polygons */
+
+/** Tessellates the fill into a GL display list (needs a current context); useFill non-zero takes
+ *  the level-cut points when there are some. @return 0, -1 without a context. */
+KOREL2D_API int polyMakeList(POLY_STRUCT* record, int useFill);
+/** Level cut for a fill that grows leftwards: fillCoords become the part of the polygon from its
+ *  right edge to fillLevel (0..1) of its width. @return 0. */
+KOREL2D_API int polyCreateFillCoordLeft(ELEMENT_STRUCT* element);
+/** Level cut for a fill that grows rightwards, from the left edge. @return 0. */
+KOREL2D_API int polyCreateFillCoordRight(ELEMENT_STRUCT* element);
+/** Level cut for a fill that grows upwards, from the bottom edge. @return 0. */
+KOREL2D_API int polyCreateFillCoordUp(ELEMENT_STRUCT* element);
+/** Level cut for a fill that grows downwards, from the top edge. @return 0. */
+KOREL2D_API int polyCreateFillCoordDown(ELEMENT_STRUCT* element);
+/** Draws a polyline or polygon; makes the display list first if there is none yet, so a view
+ *  loaded without a context fills at its first draw. @return 0. */
+KOREL2D_API int drawPoly(POLY_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+/** Even-odd rule over the closed ring of points (view units); an open polyline counts as closed.
+ *  Non-zero on a hit. */
+KOREL2D_API int pickPoly(ELEMENT_STRUCT* element, float x, float y);
+/** Sets fillLevel to -1 (no cut) on every polyline of the tree, groups included. @return 0. */
+KOREL2D_API int resetAllPoly(ELEMENT_STRUCT* list);
+
+/* ================================================================ 5. geometry, pictures, graph labels */
+
+/** 1 when the segments (x1, y1)-(x2, y2) and (x3, y3)-(x4, y4) meet, ends included; parallel
+ *  segments never do. Else 0. */
+KOREL2D_API int lineCross(float x1, float y1, float x2, float y2, float x3, float y3, float x4, float y4);
+/** As lineCross in double; also writes to ox, oy where the infinite lines meet, even where the
+ *  segments don't reach; parallel lines write nothing. */
+KOREL2D_API int KLineCross2(double* ox, double* oy, double x1, double y1, double x2, double y2, double x3,
+                            double y3, double x4, double y4);
+
+/** Copies width x height RGBA pixels into the process-wide picture store of image elements.
+ *  @return a new id (ids are never reused), or -1 for no pixels, a size not above 0 or exhausted memory. */
+KOREL2D_API int txCreate(int width, int height, const void* pixels);
+/** Frees a stored picture. @return 0, or -1 for an unknown id. */
+KOREL2D_API int txDelete(int id);
+/** The stored pixels, owned by the store until txDelete; null for an unknown id. */
+KOREL2D_API const uint8_t* txData(int id);
+
+/** Rebuilds the printf format of the graph's x labels for a range lo..hi. @return 0. */
+KOREL2D_API int KGraphSetXLabel(GRAPH_STRUCT* record, float lo, float hi);
+/** Rebuilds the printf format of the graph's y labels for a range lo..hi. @return 0. */
+KOREL2D_API int KGraphSetYLabel(GRAPH_STRUCT* record, float lo, float hi);
+
+/* ================================================================ 6. data-source and variable lists */
+
+/** A zeroed source with found = 1 and `slots` empty 64-byte parameter slots, in no list; null
+ *  when out of memory. */
+KOREL2D_API DD_DATA_TYPE_STRUCT* createDataType(int slots);
+/** Appends the source at the tail. */
+KOREL2D_API int appendDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source);
+/** Unlinks and destroys the source with its variables and parameter slots; withOptions non-zero:
+ *  the item lists of its parameter descriptions go too. */
+KOREL2D_API int delDataType(DD_DATA_TYPE_STRUCT** head, DD_DATA_TYPE_STRUCT* source, int withOptions);
+/** 1 if the list holds a source of type number id, else 0. */
+KOREL2D_API int checkDataType(DD_DATA_TYPE_STRUCT* list, int id);
+/** Inserts before `before`, or before the head when that is null. */
+KOREL2D_API int KDataInsertBefore(DD_DATA_TYPE_STRUCT* source, DD_DATA_TYPE_STRUCT* before, DD_DATA_TYPE_STRUCT** head);
+/** Inserts after `after`, or after the head when that is null. */
+KOREL2D_API int KDataInsertAfter(DD_DATA_TYPE_STRUCT* source, DD_DATA_TYPE_STRUCT* after, DD_DATA_TYPE_STRUCT** head);
+
+/** A zeroed variable with `slots` empty 64-byte parameter slots and nrPara = slots; null when out
+ *  of memory. */
+KOREL2D_API VARIABLE_STRUCT* createVariable(int slots);
+/** Appends the variable at the tail. */
+KOREL2D_API int appendVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable);
+/** Inserts before `before`, or before the head when that is null. */
+KOREL2D_API int variableInsertBefore(VARIABLE_STRUCT* variable, VARIABLE_STRUCT* before, VARIABLE_STRUCT** head);
+/** Inserts after `after`, or after the head when that is null. */
+KOREL2D_API int variableInsertAfter(VARIABLE_STRUCT* variable, VARIABLE_STRUCT* after, VARIABLE_STRUCT** head);
+/** Unlinks and destroys the variable with its parameter slots and value buffer. */
+KOREL2D_API int delVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable);
+
+/* ================================================================ 7. binary view files */
+
+/** Reads a whole binary view file into the two lists (appended) and the view's page fields.
+ *  @return 0, or -1 for a file that can't be read or isn't a view file (reason in the log). */
+KOREL2D_API int loadFile(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes,
+                         VIEW_STRUCT* view);
+/** Reads only the header and the page fields. @return 0, -1 wrong format, or -errno. */
+KOREL2D_API int loadConfigFile(const char* path, VIEW_STRUCT* view);
+/** Expands stored style numbers of the element (and below) into stipples and patterns, then
+ *  re-derives its geometry. @return 0. */
+KOREL2D_API int definitionLoad(ELEMENT_STRUCT* element);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* KOREL_EDIT_H */
