@@ -21,13 +21,10 @@ using namespace korelgen;
 
 namespace {
 
-enum Wave {
-    kSin, kSinIncrease, kSinHalf, kSinRandom, kTriangle, kSaw1, kSaw2, kRectangle, kRandom, kFrequency, kDate, kTime
-};
 enum Hz { k0_01, k0_02, k0_05, k0_1, k0_2, k0_5, k1, k2, k5, k10 };
 
 struct WaveCase {
-    Wave wave;
+    AutoWave wave;
     Hz frequency;
     double t;
     float r;
@@ -66,7 +63,7 @@ TEST(AutoWaves, TableAtChosenMoments)
     EXPECT_LE(table[kSaw1][k10], 1);
 }
 
-VariableFields autoVar(int type, const std::string& name, Wave wave, Hz frequency, const std::string& min = "0",
+VariableFields autoVar(int type, const std::string& name, AutoWave wave, Hz frequency, const std::string& min = "0",
                        const std::string& max = "0")
 {
     return VariableFields{type, name, "", {{wave, ""}, {frequency, ""}, {0, min}, {0, max}}};
@@ -122,7 +119,7 @@ TEST(AutoSource, ViewReadsScaledWavesFromItsStart)
         {autoVar(0, "flatRandom", kRandom, k10, "5", "5"), 5},
         {autoVar(0, "hz", kFrequency, k0_1, "3", "7"), 0.1},
         // A form or a frequency past the lists stores nothing; so does a text into a float.
-        {autoVar(0, "noForm", Wave(12), k1, "1", "2"), 0},
+        {autoVar(0, "noForm", AutoWave(12), k1, "1", "2"), 0},
         {autoVar(0, "noFrequency", kSin, Hz(10), "1", "2"), 0},
         {autoVar(0, "dateAsFloat", kDate, k1), 0},
     };
