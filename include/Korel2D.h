@@ -50,7 +50,7 @@ extern "C" {
 /** Patch level. */
 #define KOREL2D_VERSION_PATCH 1
 
-/** Revision of the view files this library writes: 304 (3.04). */
+/** Release number: 304, for revision 3.04 of the view files. */
 KOREL2D_API int KGet_releasenr(void);
 /** "Korel2D <major>.<minor>.<patch> <year of the build>", in a buffer that the next call of this
  *  or KGet_releaseshort overwrites. */
@@ -92,7 +92,8 @@ typedef struct mpiHash mpiHash;
 
 /* ================================================================ 2. records a host reads */
 
-/* Run-time look of an element. Each value with a `...Set` flag was written by an action;
+/** @typedef ELEMENT_ATTR
+ * Run-time look of an element. Each value with a `...Set` flag was written by an action;
  * a group hands flagged values down to its children. Values and flags are laid out in
  * pairs so that they can be copied together. */
 typedef struct ELEMENT_ATTR {
@@ -117,11 +118,13 @@ typedef struct ELEMENT_ATTR {
     float arcEnd;
 } ELEMENT_ATTR;
 
-/* setPickSticky(element): rebuild handles and derived geometry, then seed attr. */
+/** A kind's geometry pass, ELEMENT_STRUCT.setPickSticky: rebuilds handles and derived geometry,
+ *  then seeds attr. */
 typedef int (*KR_SET_PICK_STICKY)(ELEMENT_STRUCT* element);
-/* edit(element, sticky list, attribute or handle id, phase, value pointer). */
+/** A kind's edit operation, ELEMENT_STRUCT.edit: (element, handle list, attribute or handle id,
+ *  phase, value pointer). */
 typedef int (*KR_EDIT)(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
-/* pick(element, x, y): non-zero on a hit. */
+/** A kind's hit test, ELEMENT_STRUCT.pick: non-zero when (x, y), in view units, hits the element. */
 typedef int (*KR_PICK)(ELEMENT_STRUCT* element, float x, float y);
 
 struct ELEMENT_STRUCT {
@@ -155,7 +158,8 @@ struct ELEMENT_STRUCT {
     ELEMENT_STRUCT* parent;
 };
 
-/* One threshold of an action. */
+/** @typedef TH_STRUCT
+ * One threshold of an action. */
 typedef struct TH_STRUCT {
     float lower;
     float upper;
@@ -234,6 +238,8 @@ struct ACTION_STRUCT {
 
 /* ================================================================ 3. view and window handles */
 
+/** @typedef DRAW_SETTINGS
+ * Settings of one draw pass, taken from the view and the window. */
 typedef struct DRAW_SETTINGS {
     float zoom;
     uint32_t scissorType;
@@ -241,6 +247,10 @@ typedef struct DRAW_SETTINGS {
     uint32_t useLineScaling;
 } DRAW_SETTINGS;
 
+/** @typedef VIEW_STRUCT
+ * A loaded view: page, element and source lists, run mode and clock, draw settings. Made by
+ * krViewLoad, destroyed by krViewFree; a host reads it and changes it only through the kr
+ * functions. */
 typedef struct VIEW_STRUCT {
     uint32_t magic;
     float pageColor[3];
@@ -276,6 +286,8 @@ typedef struct VIEW_STRUCT {
     uint32_t sourcesOpen;
 } VIEW_STRUCT;
 
+/** @typedef WINDOW_STRUCT
+ * A window record of the krWindow functions: its size in pixels and the last draw settings. */
 typedef struct WINDOW_STRUCT {
     uint32_t magic;
     int32_t width, height;
@@ -345,6 +357,7 @@ KOREL2D_API int krViewSetHaltMode(VIEW_STRUCT* view, int mode);
 
 /**
  * The view's data sources.
+ * @param view the view.
  * @param count set to the number of entries (0 on failure); may be null.
  * @return an array made for the caller, given back with krFree; the records stay the view's.
  *         Null for a bad view or when out of memory.
@@ -377,6 +390,8 @@ KOREL2D_API void krFree(void* pointer);
 
 /**
  * Writes a variable by name, between start and stop; the view sees it from the next data cycle.
+ * @param view a started view.
+ * @param name the variable's name.
  * @param value copied by the variable's type: 4 bytes for codes 0 and 6 to 9, 8 for 1, 1 for 2
  *        and 3, 2 for 4 and 5, a text of up to 255 characters for 10.
  * @return 1 if the variable exists, else 0; -1 null view, -2 not a view, -3 not started,
@@ -424,7 +439,10 @@ KOREL2D_API int krViewDrawWindow(VIEW_STRUCT* view);
 
 /**
  * Logs a printf-style message: printed to stderr and kept in the memory log if level is at most
- * the set level. @param level 1 error, 2 warning, 3 progress. @return 0.
+ * the set level.
+ * @param level 1 error, 2 warning, 3 progress.
+ * @param format printf format, followed by its arguments.
+ * @return 0.
  */
 KOREL2D_API int logMsg(int level, const char* format, ...)
 #if defined(__GNUC__)

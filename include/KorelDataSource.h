@@ -1,5 +1,12 @@
-/*
+/**
+ * @file KorelDataSource.h
  * libKorel2D data sources: what a data-source plug-in compiles against, and all it needs.
+ *
+ * Sections:
+ *  1. Interface version
+ *  2. Records: parameter slot, parameter description, variable
+ *  3. Services the library puts into every source record
+ *  4. Entry points of a source, and the source record
  *
  * The field order and widths of DD_DATA_TYPE_STRUCT, VARIABLE_STRUCT, PARA_STRUCT and
  * OPTION_STRUCT are a binary contract with plug-ins built separately, fixed by the interface
@@ -30,22 +37,32 @@
 extern "C" {
 #endif
 
+/* ================================================================ 1. interface version */
+
+/** What a plug-in's krdVersion() returns: the layout of the records below. */
 #define KRD_INTERFACE_VERSION 324
 
+/* ================================================================ 2. records */
+
 #ifndef KOREL_SOURCE_RECORDS_NAMED
+/** Set once the two record names below are declared, so that they are declared once. */
 #define KOREL_SOURCE_RECORDS_NAMED
+/** A data source: see struct DD_DATA_TYPE_STRUCT. */
 typedef struct DD_DATA_TYPE_STRUCT DD_DATA_TYPE_STRUCT;
+/** A variable of a source: see struct VARIABLE_STRUCT. */
 typedef struct VARIABLE_STRUCT VARIABLE_STRUCT;
 #endif
 
-/* One parameter slot, of a source or of a variable. */
+/** @typedef PARA_STRUCT
+ * One parameter slot, of a source or of a variable. */
 typedef struct PARA_STRUCT {
     int32_t ival; /* the item number of a list, free otherwise */
     char* sval;   /* text value, owned by the slot */
     uint32_t size; /* capacity of sval in bytes, 64 when created */
 } PARA_STRUCT;
 
-/* Description of one parameter, for an editing host to show a form. */
+/** @typedef OPTION_STRUCT
+ * Description of one parameter, for an editing host to show a form. */
 typedef struct OPTION_STRUCT {
     int32_t kind; /* 0 text field, 1 list, 2 button, 3 formula field */
     char title[32];
@@ -73,25 +90,43 @@ struct VARIABLE_STRUCT {
     uint8_t written;       /* an input action wrote the value */
 };
 
-/* Services the library puts into every source record. */
+/* ================================================================ 3. services in the source record */
+
+/** init(source, name, type number, mode): names the source; the first call of an Info. */
 typedef int (*KRD_INIT)(DD_DATA_TYPE_STRUCT* source, const char* name, int id, int mode);
-/* scope 0: data parameter, else variable parameter. Kind 1 takes item texts ending with a null
- * pointer, kind 2 its caption. */
+/** option(source, scope, kind, flags, title, ...): describes the next parameter. scope 0: data
+ *  parameter, else variable parameter. Kind 1 takes item texts ending with a null pointer, kind 2
+ *  its caption. */
 typedef int (*KRD_OPTION)(DD_DATA_TYPE_STRUCT* source, int scope, int kind, unsigned flags, const char* title, ...);
-/* The parameter values follow in the order of varOptions. */
+/** addVariable(source, name, type code, ...): adds a variable; the parameter values (texts)
+ *  follow in the order of varOptions. */
 typedef int (*KRD_ADD_VARIABLE)(DD_DATA_TYPE_STRUCT* source, const char* name, int type, ...);
+/** deleteAllVariables(source): empties the source's variable list. */
 typedef int (*KRD_DELETE_ALL_VARIABLES)(DD_DATA_TYPE_STRUCT* source);
+/** getAllVariables(source): the variables' names, an array ending with null that the library
+ *  keeps until the next call. */
 typedef char** (*KRD_GET_ALL_VARIABLES)(DD_DATA_TYPE_STRUCT* source);
+/** getAllVariablesS(source): the variables, an array ending with null that the library keeps
+ *  until the next call. */
 typedef VARIABLE_STRUCT** (*KRD_GET_ALL_VARIABLES_S)(DD_DATA_TYPE_STRUCT* source);
+/** log(format, ...): a printf-style progress message into the library's log. */
 typedef int (*KRD_LOG)(const char* format, ...);
 
-/* Entry points of a source; any of them may be null. */
+/* ================================================================ 4. entry points and the source record */
+
+/** krdVersion(): KRD_INTERFACE_VERSION of the plug-in. */
 typedef int (*KRD_VERSION)(void);
+/** Info, Open, Close, Run, PostRun, StartView, NewData (source). Any but Info may be null. */
 typedef int (*KRD_SOURCE_FN)(DD_DATA_TYPE_STRUCT* source);
+/** Get, Set (variable, source): moves one variable's value. May be null. */
 typedef int (*KRD_VARIABLE_FN)(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* source);
+/** StartViewAll (all sources of the view, source). May be null. */
 typedef int (*KRD_START_VIEW_ALL)(DD_DATA_TYPE_STRUCT* list, DD_DATA_TYPE_STRUCT* source);
+/** NewVariable (variable): defaults of a variable an editing tool adds. May be null. */
 typedef int (*KRD_NEW_VARIABLE)(VARIABLE_STRUCT* variable);
+/** CallbackData (parameter index, value, argument, source): a data parameter changed in a form. */
 typedef int (*KRD_CALLBACK_DATA)(int index, int value, void* argument, DD_DATA_TYPE_STRUCT* source);
+/** CallbackVar (parameter index, value, argument, variable): a variable parameter changed in a form. */
 typedef int (*KRD_CALLBACK_VAR)(int index, int value, void* argument, VARIABLE_STRUCT* variable);
 
 /* One data source: its type number, parameters, variables and entry points. */

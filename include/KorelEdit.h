@@ -31,7 +31,8 @@ extern "C" {
 /** Font handle of the font layer; 0 means no font. */
 typedef uint64_t KR_FONT;
 
-/* One point of a polygon. */
+/** @typedef COORD_STRUCT
+ * One point of a polygon. */
 typedef struct COORD_STRUCT {
     int32_t id;
     float x, y;
@@ -41,7 +42,9 @@ typedef struct COORD_STRUCT {
     struct COORD_STRUCT* prev;
 } COORD_STRUCT;
 
-/** Corner order of corner-based kinds: lower left, upper left, upper right, lower right. */
+/** @typedef RECT_STRUCT
+ * Record of a rectangle (KR_RECT): corners, stroke and fill. Corner order of the corner-based
+ * kinds: lower left, upper left, upper right, lower right. */
 typedef struct RECT_STRUCT {
     float cornerX[4], cornerY[4];
     float localX[4], localY[4];
@@ -60,6 +63,9 @@ typedef struct RECT_STRUCT {
     uint8_t fillPattern[128];
 } RECT_STRUCT;
 
+/** @typedef POLY_STRUCT
+ * Record of a polyline (KR_POLYLINE) or polygon (KR_CPOLY): its points, stroke, fill and
+ * level cut. */
 typedef struct POLY_STRUCT {
     int32_t closed;
     int32_t strokeOn;
@@ -83,6 +89,9 @@ typedef struct POLY_STRUCT {
     uint8_t fillPattern[128];
 } POLY_STRUCT;
 
+/** @typedef CIRCLE_STRUCT
+ * Record of a circle or arc (KR_CIRCLE, KR_ARC): centre, radii, section start and end in
+ * radians, stroke and fill. */
 typedef struct CIRCLE_STRUCT {
     float x, y;
     float fanX, fanY;
@@ -105,6 +114,8 @@ typedef struct CIRCLE_STRUCT {
     uint8_t fillPattern[128];
 } CIRCLE_STRUCT;
 
+/** @typedef LINE_STRUCT
+ * Record of a line (KR_LINE): end points, stroke. */
 typedef struct LINE_STRUCT {
     float x1, y1, x2, y2;
     float localX1, localY1, localX2, localY2;
@@ -117,6 +128,8 @@ typedef struct LINE_STRUCT {
     uint16_t stipplePattern;
 } LINE_STRUCT;
 
+/** @typedef TEXT_STRUCT
+ * Record of a text (KR_TEXT): position, text of up to 255 characters, alignment, font, colours. */
 typedef struct TEXT_STRUCT {
     float x, y;
     char text[256];
@@ -145,6 +158,8 @@ typedef struct TEXT_STRUCT {
     uint8_t fillPattern[128];
 } TEXT_STRUCT;
 
+/** @typedef IMAGE_STRUCT
+ * Record of an image (KR_IMAGE): corners, pixel size and its picture in the store (txCreate). */
 typedef struct IMAGE_STRUCT {
     float cornerX[4], cornerY[4];
     float localX[4], localY[4];
@@ -157,6 +172,8 @@ typedef struct IMAGE_STRUCT {
     uint8_t fillPattern[128];
 } IMAGE_STRUCT;
 
+/** @typedef BUTTON_STRUCT
+ * Record of a button (KR_BUTTON): corners, face and edge colours, state (pressed when non-zero). */
 typedef struct BUTTON_STRUCT {
     float cornerX[4], cornerY[4];
     float localX[4], localY[4];
@@ -165,6 +182,8 @@ typedef struct BUTTON_STRUCT {
     int32_t state;
 } BUTTON_STRUCT;
 
+/** @typedef SLIDER_STRUCT
+ * Record of a slider (KR_SLIDER): box, colours, bevel and knob size. */
 typedef struct SLIDER_STRUCT {
     float x, y;
     float width, height;
@@ -177,11 +196,15 @@ typedef struct SLIDER_STRUCT {
     float reserved2;
 } SLIDER_STRUCT;
 
+/** @typedef SCISSOR_STRUCT
+ * Record of a clip area (KR_SCISSOR): its corners. */
 typedef struct SCISSOR_STRUCT {
     float cornerX[4], cornerY[4];
     float localX[4], localY[4];
 } SCISSOR_STRUCT;
 
+/** @typedef GRAPH_STRUCT
+ * Record of a graph (KR_GRAPH): ranges, sampling, autoscale, grid, ticks, labels and font. */
 typedef struct GRAPH_STRUCT {
     int32_t type;
     float x, y;

@@ -1,7 +1,8 @@
 #!/bin/sh
 # Installs what is missing, builds the library twice (plain, and with AddressSanitizer and
 # UBSan) and runs the whole test suite in both builds; the tests of data sources and the data
-# thread also run under ThreadSanitizer. Ends with ctest's summary.
+# thread also run under ThreadSanitizer. Builds the API reference when doxygen is there. Ends
+# with ctest's summary.
 set -e
 cd "$(dirname "$0")/.."
 sh scripts/setup.sh
@@ -9,6 +10,10 @@ JOBS=$(nproc)
 
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build build -j"$JOBS"
+# The API reference: a public function without its documentation fails here.
+if command -v doxygen >/dev/null 2>&1; then
+  cmake --build build --target docs
+fi
 cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKOREL2D_SANITIZE=ON -DKOREL2D_BENCH=OFF >/dev/null
 cmake --build build-asan -j"$JOBS"
 cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKOREL2D_TSAN=ON -DKOREL2D_BENCH=OFF -DKOREL2D_TOOLS=OFF >/dev/null
