@@ -1,7 +1,7 @@
 // The walk of one frame over the element tree: groups hand their flagged looks down,
 // blink and visibility decide what shows, groups clip their children, kinds draw.
 #include "Korel2D.h"
-#include "core/truncate.h"
+#include "base/truncate.h"
 #include "graphics/glState.h"
 
 #include <GL/gl.h>

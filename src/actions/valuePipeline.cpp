@@ -14,11 +14,11 @@ void parseDefault(VARIABLE_STRUCT* variable)
 {
     const char* text = variable->defaultValue;
     int type = variable->type;
-    if (type == 0 || type == 1) {
+    if (type == KR_VAR_FLOAT || type == KR_VAR_DOUBLE) {
         storeReal(variable->value, type, strtod(text, nullptr));
     } else if (isIntegerType(type)) {
         storeInteger(variable->value, transferSize(type), strtol(text, nullptr, 0));
-    } else if (type == kTextType) {
+    } else if (type == KR_VAR_TEXT) {
         char* buffer = static_cast<char*>(variable->value);
         strncpy(buffer, text, kTextBufferSize - 1);
         buffer[kTextBufferSize - 1] = '\0';

@@ -1,7 +1,7 @@
 // Clip data of groups: where each group's scissor child lies, in the group's own
 // coordinates for the draw pass and in screen pixels for the host.
 #include "Korel2D.h"
-#include "core/truncate.h"
+#include "base/truncate.h"
 
 #include <algorithm>
 #include <cmath>

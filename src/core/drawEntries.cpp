@@ -1,7 +1,7 @@
 // The draw entries a host calls once per frame. Each saves the GL state it touches, sets up
 // what the walk needs, refreshes the groups' clip data when position or zoom changed, and walks.
+#include "base/truncate.h"
 #include "core/handles.h"
-#include "core/truncate.h"
 
 #include <GL/gl.h>
 
@@ -45,10 +45,10 @@ bool placementChanged(VIEW_STRUCT* view)
     return true;
 }
 
-// In mode 1 the draw runs the data cycle itself, right before the values are used.
+// Running synchronously, the draw runs the data cycle itself, right before the values are used.
 void walk(VIEW_STRUCT* view, DRAW_SETTINGS* settings)
 {
-    if (view->runMode == 1)
+    if (view->runMode == KR_RUN_SYNCHRONOUS)
         fillDP(view->dataTypes);
     drawUserElements(view->elements, nullptr, int(view->runMode), int(view->haltMode), 1, settings, 0);
 }

@@ -1,8 +1,8 @@
 // Loading, freeing and configuring a view handle.
 #include "Korel2D.h"
+#include "base/truncate.h"
 #include "core/handles.h"
 #include "core/runModes.h"
-#include "core/truncate.h"
 #include "glyph/GlyphKit.h"
 
 #include <GL/gl.h>
@@ -67,7 +67,7 @@ VIEW_STRUCT* krViewLoad(const char* path)
     if (getGlContext())
         glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
     int result = loadFile(path, &view->elements, &view->dataTypes, view);
-    view->runMode = 0;
+    view->runMode = KR_RUN_STOPPED;
     if (result != 0) {
         releaseView(view);
         return nullptr;
@@ -112,7 +112,7 @@ int krViewFree(VIEW_STRUCT* view)
 {
     if (int check = checkView(view))
         return check;
-    if (view->runMode != 0)
+    if (view->runMode != KR_RUN_STOPPED)
         krViewStop(view);
     finishPendingStop(view);
     if (view->planeTexture && getGlContext())

@@ -1,6 +1,7 @@
 // Auto Data (type 1): test signals, so that a view runs and animates with no process behind it.
 // Each variable picks a wave form, a frequency and a range; two more forms give the date and the
 // time as text. Run computes every wave once per cycle; Get only scales one entry.
+#include "base/angles.h"
 #include "data/autoWaves.h"
 #include "data/builtinSources.h"
 #include "data/valueBuffer.h"
@@ -178,19 +179,19 @@ int krdAutoVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* source)
 
     // The texts need the 256-byte buffer of a text variable; a shorter one gets nothing.
     if (wave == kDate || wave == kTime) {
-        if (variable->type == kTextType)
+        if (variable->type == KR_VAR_TEXT)
             storeText(variable->value, wave == kDate ? state.date : state.time);
         return 0;
     }
     // Not a signal: the selected frequency itself, in Hz, whatever the range.
     if (wave == kFrequency) {
-        storeReal(variable->value, 0, kAutoFrequencyHz[frequency]);
+        storeReal(variable->value, KR_VAR_FLOAT, kAutoFrequencyHz[frequency]);
         return 0;
     }
     const float v = state.table[wave][frequency];
     const float value = kWaves[wave].scaling == Scaling::Centred ? (max - min) / 2 * v + (min + max) / 2
                                                                  : (max - min) * v + min;
-    storeReal(variable->value, 0, value);
+    storeReal(variable->value, KR_VAR_FLOAT, value);
     return 0;
 }
 
@@ -201,7 +202,7 @@ int krdAutoVarNewVariable(VARIABLE_STRUCT* variable)
     variable->para[kTypePara].ival = 0;
     variable->para[kFrequencyPara].ival = 0;
     setRange(variable, -1, 1);
-    variable->type = 0;
+    variable->type = KR_VAR_FLOAT;
     return 0;
 }
 
@@ -211,13 +212,13 @@ int krdAutoVarCallbackVar(int index, int value, void*, VARIABLE_STRUCT* variable
     if (index != kTypePara || !hasAllParameters(variable))
         return 0;
     if (value == kDate || value == kTime) {
-        variable->type = kTextType;
+        variable->type = KR_VAR_TEXT;
         setRange(variable, 0, 0);
     } else if (value == kSinHalf || (value >= kTriangle && value <= kRectangle)) {
-        variable->type = 0;
+        variable->type = KR_VAR_FLOAT;
         setRange(variable, 0, 1);
     } else {
-        variable->type = 0;
+        variable->type = KR_VAR_FLOAT;
         setRange(variable, -1, 1);
     }
     return 0;
@@ -232,7 +233,7 @@ void autoWaveTable(double t, float r, float table[kAutoWaveRows][kAutoFrequencie
     const float climb = float(0.1 * t);
     for (int f = 0; f < kAutoFrequencies; ++f) {
         const float p = limitPhase(float(t * kAutoFrequencyHz[f] * 360.0));
-        const float s = float(std::sin(double(p) * 0.017453292));
+        const float s = float(std::sin(double(p) * kDegreesToRadians));
         table[kSin][f] = s;
         table[kSinIncrease][f] = s + climb;
         table[kSinHalf][f] = std::fabs(s);

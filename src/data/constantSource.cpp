@@ -19,11 +19,11 @@ int krdConstVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT*)
     if (!variable->value)
         return 0;
     const char* text = variable->para && variable->nrPara > 0 && variable->para[0].sval ? variable->para[0].sval : "";
-    if (variable->type == 0 || variable->type == 1)
+    if (variable->type == KR_VAR_FLOAT || variable->type == KR_VAR_DOUBLE)
         storeReal(variable->value, variable->type, strtod(text, nullptr));
     else if (isIntegerType(variable->type))
         storeInteger(variable->value, integerSize(variable->type), strtol(text, nullptr, 10));
-    else if (variable->type == kTextType)
+    else if (variable->type == KR_VAR_TEXT)
         storeText(variable->value, text);
     return 0;
 }

@@ -4,25 +4,25 @@
 
 size_t valueBufferSize(int type)
 {
-    return type == kTextType ? kTextBufferSize : 8;
+    return type == KR_VAR_TEXT ? kTextBufferSize : 8;
 }
 
 size_t transferSize(int type)
 {
     switch (type) {
-    case 1:
+    case KR_VAR_DOUBLE:
         return 8;
-    case 2:
-    case 3:
+    case KR_VAR_INT8:
+    case KR_VAR_UINT8:
         return 1;
-    case 4:
-    case 5:
+    case KR_VAR_INT16:
+    case KR_VAR_UINT16:
         return 2;
-    case 0:
-    case 6:
-    case 7:
-    case 8:
-    case 9:
+    case KR_VAR_FLOAT:
+    case KR_VAR_INT32:
+    case KR_VAR_UINT32:
+    case KR_VAR_INT64:
+    case KR_VAR_UINT64:
         return 4;
     default:
         return 0;
@@ -31,7 +31,9 @@ size_t transferSize(int type)
 
 size_t integerSize(int type)
 {
-    return type == 8 || type == 9 ? 8 : type >= 2 && type <= 7 ? transferSize(type) : 0;
+    if (type == KR_VAR_INT64 || type == KR_VAR_UINT64)
+        return 8;
+    return type >= KR_VAR_INT8 && type <= KR_VAR_UINT32 ? transferSize(type) : 0;
 }
 
 bool isIntegerType(int type)
@@ -46,10 +48,10 @@ void storeInteger(void* buffer, size_t bytes, int64_t value)
 
 void storeReal(void* buffer, int type, double value)
 {
-    if (type == 0) {
+    if (type == KR_VAR_FLOAT) {
         float single = float(value);
         memcpy(buffer, &single, sizeof single);
-    } else if (type == 1) {
+    } else if (type == KR_VAR_DOUBLE) {
         memcpy(buffer, &value, sizeof value);
     }
 }
@@ -65,7 +67,7 @@ void storeText(void* buffer, const char* text)
 
 void transferValue(void* destination, const void* source, int type)
 {
-    if (type == kTextType)
+    if (type == KR_VAR_TEXT)
         storeText(destination, static_cast<const char*>(source));
     else
         memcpy(destination, source, transferSize(type));

@@ -7,20 +7,19 @@
 #include <cstddef>
 #include <cstdint>
 
-constexpr int kTextType = 10;
 constexpr size_t kTextBufferSize = 256;
 
 // 256 bytes for a text variable, 8 for all others.
 size_t valueBufferSize(int type);
-// Bytes a copy between buffers moves: 4 for codes 0, 6 to 9 (only the low half of a long),
-// 8 for 1, 1 for 2 and 3, 2 for 4 and 5; 0 for text and unknown codes.
+// Bytes a copy between buffers moves: those of the type, but only the low half of a long;
+// 0 for text and unknown codes.
 size_t transferSize(int type);
 // Bytes an integer of this code occupies: 1, 2, 4 or 8; 0 for float, double, text, unknown.
 size_t integerSize(int type);
 bool isIntegerType(int type);
 // The low `bytes` bytes of value, as they lie in memory on this little-endian target.
 void storeInteger(void* buffer, size_t bytes, int64_t value);
-// A float for code 0, a double for code 1.
+// A float or a double, as the code says.
 void storeReal(void* buffer, int type, double value);
 // At most 255 characters and a terminator.
 void storeText(void* buffer, const char* text);

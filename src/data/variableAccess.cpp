@@ -40,7 +40,7 @@ int findRunning(VIEW_STRUCT* view, const char* name, const void* value, VARIABLE
 {
     if (int check = checkView(view))
         return check;
-    if (view->runMode == 0)
+    if (view->runMode == KR_RUN_STOPPED)
         return -3;
     if (!name)
         return -4;
@@ -53,13 +53,13 @@ int findRunning(VIEW_STRUCT* view, const char* name, const void* value, VARIABLE
 int64_t readSigned(const void* buffer, int type)
 {
     switch (type) {
-    case 2: return *static_cast<const int8_t*>(buffer);
-    case 3: return *static_cast<const uint8_t*>(buffer);
-    case 4: return *static_cast<const int16_t*>(buffer);
-    case 5: return *static_cast<const uint16_t*>(buffer);
-    case 6: return *static_cast<const int32_t*>(buffer);
+    case KR_VAR_INT8: return *static_cast<const int8_t*>(buffer);
+    case KR_VAR_UINT8: return *static_cast<const uint8_t*>(buffer);
+    case KR_VAR_INT16: return *static_cast<const int16_t*>(buffer);
+    case KR_VAR_UINT16: return *static_cast<const uint16_t*>(buffer);
+    case KR_VAR_INT32: return *static_cast<const int32_t*>(buffer);
     // Printed with %d as the other codes, so above 2^31 - 1 it reads negative.
-    case 7: return *static_cast<const int32_t*>(buffer);
+    case KR_VAR_UINT32: return *static_cast<const int32_t*>(buffer);
     default: return *static_cast<const int64_t*>(buffer);
     }
 }
@@ -67,15 +67,15 @@ int64_t readSigned(const void* buffer, int type)
 // Into 256 bytes: %f for float and double, %ld for the long codes, %d for the others.
 void printValue(char* text, const void* buffer, int type)
 {
-    if (type == 0)
+    if (type == KR_VAR_FLOAT)
         snprintf(text, kTextBufferSize, "%f", double(*static_cast<const float*>(buffer)));
-    else if (type == 1)
+    else if (type == KR_VAR_DOUBLE)
         snprintf(text, kTextBufferSize, "%f", *static_cast<const double*>(buffer));
-    else if (type == 8 || type == 9)
+    else if (type == KR_VAR_INT64 || type == KR_VAR_UINT64)
         snprintf(text, kTextBufferSize, "%" PRId64, readSigned(buffer, type));
     else if (isIntegerType(type))
         snprintf(text, kTextBufferSize, "%d", int(readSigned(buffer, type)));
-    else if (type == kTextType)
+    else if (type == KR_VAR_TEXT)
         storeText(text, static_cast<const char*>(buffer));
 }
 
@@ -203,14 +203,14 @@ int krVarSetStr(VIEW_STRUCT* view, const char* name, const char* text)
     if (!buffer)
         return 1;
     int type = variable->type;
-    if (type == 0 || type == 1)
+    if (type == KR_VAR_FLOAT || type == KR_VAR_DOUBLE)
         // A double passes through a float here and loses its low digits, as hosts expect.
         storeReal(buffer, type, double(float(strtod(text, nullptr))));
-    else if (type == 8 || type == 9)
+    else if (type == KR_VAR_INT64 || type == KR_VAR_UINT64)
         storeInteger(buffer, 8, int64_t(int32_t(strtol(text, nullptr, 10))));
     else if (isIntegerType(type))
         storeInteger(buffer, integerSize(type), strtol(text, nullptr, 10));
-    else if (type == kTextType)
+    else if (type == KR_VAR_TEXT)
         storeText(buffer, text);
     return 1;
 }
@@ -233,7 +233,7 @@ int krVarGetStr(VIEW_STRUCT* view, const char* name, char* text)
 
 void* krVarGetAddr(VIEW_STRUCT* view, const char* name)
 {
-    if (checkView(view) != 0 || view->runMode == 0 || !name)
+    if (checkView(view) != 0 || view->runMode == KR_RUN_STOPPED || !name)
         return nullptr;
     VARIABLE_STRUCT* variable = static_cast<VARIABLE_STRUCT*>(mpiHashSearchAscii(view->varHash, name));
     return variable ? variable->value : nullptr;

@@ -1,7 +1,7 @@
 // Text: a string in a font, anchored at one of nine positions of its box.
+#include "base/truncate.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
-#include "core/truncate.h"
 #include "glyph/GlyphKit.h"
 
 #include <algorithm>
