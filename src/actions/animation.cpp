@@ -30,23 +30,6 @@ double clampToRange(double v, float b0, float b1)
     return v < lower ? lower : v > upper ? upper : v;
 }
 
-double rawValue(const void* buffer, int type)
-{
-    switch (type) {
-    case KR_VAR_FLOAT: return *static_cast<const float*>(buffer);
-    case KR_VAR_DOUBLE: return *static_cast<const double*>(buffer);
-    case KR_VAR_INT8: return *static_cast<const int8_t*>(buffer);
-    case KR_VAR_UINT8: return *static_cast<const uint8_t*>(buffer);
-    case KR_VAR_INT16: return *static_cast<const int16_t*>(buffer);
-    case KR_VAR_UINT16: return *static_cast<const uint16_t*>(buffer);
-    case KR_VAR_INT32: return *static_cast<const int32_t*>(buffer);
-    case KR_VAR_UINT32: return *static_cast<const uint32_t*>(buffer);
-    case KR_VAR_INT64: return double(*static_cast<const int64_t*>(buffer));
-    case KR_VAR_UINT64: return double(*static_cast<const uint64_t*>(buffer));
-    default: return 0.0;
-    }
-}
-
 // The entry that wins: the last in list order whose lower limit v exceeds, else the first.
 const TH_STRUCT* findThreshold(const TH_STRUCT* head, double v)
 {
@@ -241,7 +224,7 @@ double getActionFloatData(ACTION_STRUCT* action, int which, float dt)
     const void* buffer = which == 0 ? action->heldValue : which == 1 ? action->value : action->value2;
     if (!buffer)
         return 0.0;
-    double raw = rawValue(buffer, action->varType);
+    double raw = readValue(buffer, action->varType);
     switch (action->filter) {
     case 0:
         return raw;
@@ -267,16 +250,11 @@ void putFloatData(ACTION_STRUCT* action, double v)
         return;
     if (action->limit)
         v = clampToRange(v, action->b0, action->b1);
-    const int type = action->varType;
     uint64_t before = firstEightBytes(action->value);
-    if (type == KR_VAR_FLOAT || type == KR_VAR_DOUBLE)
-        storeReal(action->value, type, v);
-    else if (type == KR_VAR_UINT64)
-        storeInteger(action->value, 8, int64_t(truncToUint64(v)));
-    else if (isIntegerType(type))
-        storeInteger(action->value, integerSize(type), truncToInt64(v));
+    writeValue(action->value, action->varType, v);
+    // A text or an unknown code takes nothing, so it never counts as written.
     if (action->variable)
-        action->variable->written = type <= KR_VAR_UINT64 && firstEightBytes(action->value) != before;
+        action->variable->written = firstEightBytes(action->value) != before;
 }
 
 int doAction(ELEMENT_STRUCT* element, int halt)

@@ -185,13 +185,13 @@ int krdAutoVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* source)
     }
     // Not a signal: the selected frequency itself, in Hz, whatever the range.
     if (wave == kFrequency) {
-        storeReal(variable->value, KR_VAR_FLOAT, kAutoFrequencyHz[frequency]);
+        writeValue(variable->value, KR_VAR_FLOAT, kAutoFrequencyHz[frequency]);
         return 0;
     }
     const float v = state.table[wave][frequency];
     const float value = kWaves[wave].scaling == Scaling::Centred ? (max - min) / 2 * v + (min + max) / 2
                                                                  : (max - min) * v + min;
-    storeReal(variable->value, KR_VAR_FLOAT, value);
+    writeValue(variable->value, KR_VAR_FLOAT, value);
     return 0;
 }
 

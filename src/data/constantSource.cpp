@@ -3,9 +3,10 @@
 #include "data/builtinSources.h"
 #include "data/valueBuffer.h"
 
-#include <cstdlib>
-
 namespace {
+
+// The stored VALUE is decimal, and a long takes all eight bytes of it.
+constexpr TextRules kValueText{10, false, LongWidth::Whole};
 
 int krdConstVarInfo(DD_DATA_TYPE_STRUCT* source)
 {
@@ -19,12 +20,7 @@ int krdConstVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT*)
     if (!variable->value)
         return 0;
     const char* text = variable->para && variable->nrPara > 0 && variable->para[0].sval ? variable->para[0].sval : "";
-    if (variable->type == KR_VAR_FLOAT || variable->type == KR_VAR_DOUBLE)
-        storeReal(variable->value, variable->type, strtod(text, nullptr));
-    else if (isIntegerType(variable->type))
-        storeInteger(variable->value, integerSize(variable->type), strtol(text, nullptr, 10));
-    else if (variable->type == KR_VAR_TEXT)
-        storeText(variable->value, text);
+    parseValue(variable->value, variable->type, text, kValueText);
     return 0;
 }
 

@@ -4,7 +4,6 @@
 #include "core/handles.h"
 #include "data/valueBuffer.h"
 
-#include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -50,34 +49,9 @@ int findRunning(VIEW_STRUCT* view, const char* name, const void* value, VARIABLE
     return 0;
 }
 
-int64_t readSigned(const void* buffer, int type)
-{
-    switch (type) {
-    case KR_VAR_INT8: return *static_cast<const int8_t*>(buffer);
-    case KR_VAR_UINT8: return *static_cast<const uint8_t*>(buffer);
-    case KR_VAR_INT16: return *static_cast<const int16_t*>(buffer);
-    case KR_VAR_UINT16: return *static_cast<const uint16_t*>(buffer);
-    case KR_VAR_INT32: return *static_cast<const int32_t*>(buffer);
-    // Printed with %d as the other codes, so above 2^31 - 1 it reads negative.
-    case KR_VAR_UINT32: return *static_cast<const int32_t*>(buffer);
-    default: return *static_cast<const int64_t*>(buffer);
-    }
-}
-
-// Into 256 bytes: %f for float and double, %ld for the long codes, %d for the others.
-void printValue(char* text, const void* buffer, int type)
-{
-    if (type == KR_VAR_FLOAT)
-        snprintf(text, kTextBufferSize, "%f", double(*static_cast<const float*>(buffer)));
-    else if (type == KR_VAR_DOUBLE)
-        snprintf(text, kTextBufferSize, "%f", *static_cast<const double*>(buffer));
-    else if (type == KR_VAR_INT64 || type == KR_VAR_UINT64)
-        snprintf(text, kTextBufferSize, "%" PRId64, readSigned(buffer, type));
-    else if (isIntegerType(type))
-        snprintf(text, kTextBufferSize, "%d", int(readSigned(buffer, type)));
-    else if (type == KR_VAR_TEXT)
-        storeText(text, static_cast<const char*>(buffer));
-}
+// A host's text is decimal; a double passes through a float and loses its low digits, and a
+// long is cut to 32 bits and sign-extended, as hosts expect.
+constexpr TextRules kHostText{10, true, LongWidth::SignExtended32};
 
 } // namespace
 
@@ -199,19 +173,8 @@ int krVarSetStr(VIEW_STRUCT* view, const char* name, const char* text)
     ViewLock lock(view);
     if (!variable)
         return 0;
-    void* buffer = variable->value;
-    if (!buffer)
-        return 1;
-    int type = variable->type;
-    if (type == KR_VAR_FLOAT || type == KR_VAR_DOUBLE)
-        // A double passes through a float here and loses its low digits, as hosts expect.
-        storeReal(buffer, type, double(float(strtod(text, nullptr))));
-    else if (type == KR_VAR_INT64 || type == KR_VAR_UINT64)
-        storeInteger(buffer, 8, int64_t(int32_t(strtol(text, nullptr, 10))));
-    else if (isIntegerType(type))
-        storeInteger(buffer, integerSize(type), strtol(text, nullptr, 10));
-    else if (type == KR_VAR_TEXT)
-        storeText(buffer, text);
+    if (variable->value)
+        parseValue(variable->value, variable->type, text, kHostText);
     return 1;
 }
 
@@ -223,9 +186,10 @@ int krVarGetStr(VIEW_STRUCT* view, const char* name, char* text)
     ViewLock lock(view);
     if (!variable)
         return -6;
-    text[0] = '\0';
     if (variable->value)
-        printValue(text, variable->value, variable->type);
+        formatValue(text, variable->value, variable->type);
+    else
+        text[0] = '\0';
     int written = variable->written;
     variable->written = 0;
     return written;
