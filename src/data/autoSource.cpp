@@ -248,14 +248,13 @@ void autoWaveTable(double t, float r, float table[kAutoWaveRows][kAutoFrequencie
 
 void autoSourceEntries(DD_DATA_TYPE_STRUCT* source)
 {
+    quietEntries(source);
     source->info = krdAutoVarInfo;
     source->open = krdAutoVarOpen;
     source->close = krdAutoVarClose;
     source->run = krdAutoVarRun;
     source->get = krdAutoVarGet;
     source->startView = krdAutoVarStartView;
-    source->newData = emptySourceEntry;
     source->newVariable = krdAutoVarNewVariable;
-    source->callbackData = emptyCallbackData;
     source->callbackVar = krdAutoVarCallbackVar;
 }

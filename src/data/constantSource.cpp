@@ -28,10 +28,7 @@ int krdConstVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT*)
 
 void constantSourceEntries(DD_DATA_TYPE_STRUCT* source)
 {
+    quietEntries(source);
     source->info = krdConstVarInfo;
-    source->open = source->close = source->run = source->startView = source->newData = emptySourceEntry;
     source->get = krdConstVarGet;
-    source->newVariable = emptyNewVariable;
-    source->callbackData = emptyCallbackData;
-    source->callbackVar = emptyCallbackVar;
 }
