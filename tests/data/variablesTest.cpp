@@ -167,29 +167,24 @@ TEST(SourceServices, VariablesTakeTheirParametersByKindAndAreListed)
     delDataType(nullptr, source, 1);
 }
 
+// Each code's conversion is the value room's; these rows show the rules of each writer.
 TEST(ConstantSource, EachCycleParsesTheValueByType)
 {
     const std::vector<TextCase> rows = {
-        {KR_VAR_FLOAT, "2.5", "2.500000"}, {KR_VAR_FLOAT, "16777217", "16777216.000000"},
-        {KR_VAR_FLOAT, "", "0.000000"}, {KR_VAR_DOUBLE, "16777217", "16777217.000000"}, {KR_VAR_INT8, "200", "-56"},
-        {KR_VAR_UINT8, "300", "44"}, {KR_VAR_INT16, "70000", "4464"}, {KR_VAR_UINT16, "-1", "65535"},
-        {KR_VAR_INT32, "-123456", "-123456"}, {KR_VAR_INT32, "0x10", "0"}, {KR_VAR_UINT32, "4294967295", "-1"},
-        {KR_VAR_INT64, "-5000000000", "-5000000000"}, {KR_VAR_UINT64, "123456789012", "123456789012"},
-        {KR_VAR_TEXT, "hello world", "hello world"}, {KR_VAR_TEXT, "", ""},
+        {KR_VAR_DOUBLE, "16777217", "16777217.000000"}, {KR_VAR_INT32, "0x10", "0"}, {KR_VAR_FLOAT, "", "0.000000"},
+        {KR_VAR_INT64, "-5000000000", "-5000000000"},   {KR_VAR_TEXT, "hello world", "hello world"},
     };
     TableView t(rows, Text::Value);
     fillDP(t.view->dataTypes);
     t.expectReads(rows);
     // A double is read as a double, not through a float.
-    EXPECT_EQ(*static_cast<double*>(krVarGetAddr(t.view, nameOf(3).c_str())), 16777217.0);
+    EXPECT_EQ(*static_cast<double*>(krVarGetAddr(t.view, nameOf(0).c_str())), 16777217.0);
 }
 
 TEST(InternalSource, DefaultsAreWrittenAtStart)
 {
     const std::vector<TextCase> rows = {
-        {KR_VAR_INT32, "0x1F", "31"}, {KR_VAR_UINT8, "010", "8"}, {KR_VAR_INT16, "-0x10", "-16"},
-        {KR_VAR_INT8, "-3", "-3"}, {KR_VAR_FLOAT, "2.5", "2.500000"}, {KR_VAR_DOUBLE, "1e3", "1000.000000"},
-        {KR_VAR_UINT64, "77", "77"}, {KR_VAR_INT32, "", "0"},
+        {KR_VAR_INT32, "0x1F", "31"}, {KR_VAR_UINT8, "010", "8"}, {KR_VAR_DOUBLE, "1e3", "1000.000000"},
         // The long codes take only the low half of a default, as every transfer moves them.
         {KR_VAR_INT64, "-1", "4294967295"}, {KR_VAR_TEXT, std::string(63, 'd'), std::string(63, 'd')},
     };
@@ -227,23 +222,18 @@ TEST(VariablesByName, SetCopiesTheWidthOfTheType)
     EXPECT_EQ(read(t.view, nameOf(6)), "77");
 }
 
+// A double goes through a float on its way in; a long is cut to 32 bits and sign-extended.
 TEST(VariablesByName, SetStrConvertsTextToTheType)
 {
     const std::vector<TextCase> rows = {
-        {KR_VAR_FLOAT, "2.5", "2.500000"}, {KR_VAR_DOUBLE, "16777217", "16777216.000000"},
-        {KR_VAR_DOUBLE, "0.1", "0.100000"}, {KR_VAR_INT8, "200", "-56"}, {KR_VAR_UINT8, "300", "44"},
-        {KR_VAR_UINT8, "0x10", "0"}, {KR_VAR_INT16, "-70000", "-4464"}, {KR_VAR_UINT16, "70000", "4464"},
-        {KR_VAR_INT32, "-42", "-42"}, {KR_VAR_UINT32, "4294967295", "-1"}, {KR_VAR_INT64, "4294967295", "-1"},
-        {KR_VAR_INT64, "5000000000", "705032704"}, {KR_VAR_UINT64, "-7", "-7"}, {KR_VAR_TEXT, "abc", "abc"},
+        {KR_VAR_DOUBLE, "16777217", "16777216.000000"}, {KR_VAR_UINT8, "0x10", "0"},
+        {KR_VAR_INT64, "4294967295", "-1"}, {KR_VAR_INT64, "5000000000", "705032704"}, {KR_VAR_UINT64, "-7", "-7"},
         {KR_VAR_TEXT, kLong, std::string(255, 'x')},
     };
     TableView t(rows, Text::None);
     for (size_t i = 0; i < rows.size(); ++i)
         EXPECT_EQ(krVarSetStr(t.view, nameOf(i).c_str(), rows[i].text.c_str()), 1) << i;
     t.expectReads(rows);
-    // A double goes through a float on its way in; the long codes are sign-extended.
-    EXPECT_EQ(*static_cast<double*>(krVarGetAddr(t.view, nameOf(2).c_str())), double(0.1f));
-    EXPECT_EQ(*static_cast<int64_t*>(krVarGetAddr(t.view, nameOf(10).c_str())), -1);
 }
 
 TEST(VariablesByName, ResultsOutsideARunningView)
