@@ -6,6 +6,7 @@
 #include "OffscreenGl.h"
 #include "ViewBuilder.h"
 #include "actions/actions.h"
+#include "base/angles.h"
 #include "benchCommon.h"
 
 #include <GL/gl.h>
@@ -90,7 +91,7 @@ Item makeItem(Lcg& random, int group, int k)
         l.strokeWidth = 2;
         randomColour(random, l.stroke);
         item.cx = l.x1 + float(length / 2), item.cy = l.y1;
-        item.action = makeAction(k, 5, varName("sin", k % 10), -1, 1, -90, 90);
+        item.action = makeAction(k, KR_ACTION_ROTATE, varName("sin", k % 10), -1, 1, -90, 90);
         item.action.cg = 8;
         break;
     }
@@ -109,8 +110,8 @@ Item makeItem(Lcg& random, int group, int k)
         randomColour(random, c.stroke);
         item.cx = c.x, item.cy = c.y;
         if (item.kind == Kind::Circle) {
-            item.action = makeAction(k, 13, varName("level", k % kVariablesPerSource), 0, 1, 0, 1);
-            ThresholdBlockFields& colours = item.action.blocks[0];
+            item.action = makeAction(k, KR_ACTION_FILL_COLOR, varName("level", k % kVariablesPerSource), 0, 1, 0, 1);
+            ThresholdBlockFields& colours = item.action.blocks[KR_THRESHOLDS_COLOR];
             colours.min = 0, colours.max = 100;
             for (int band = 0; band < 3; ++band) {
                 ThresholdFields t;
@@ -122,7 +123,7 @@ Item makeItem(Lcg& random, int group, int k)
             }
         } else {
             c.start = kHalfTurn;
-            item.action = makeAction(k, 24, varName("saw", k % 10), 0, 1, 190, 360);
+            item.action = makeAction(k, KR_ACTION_ARC_END, varName("saw", k % 10), 0, 1, 190, 360);
         }
         break;
     }
@@ -145,9 +146,9 @@ Item makeItem(Lcg& random, int group, int k)
                         {6, x, y + fh / 2}};
         item.cx = x + fw / 2, item.cy = y + fh / 2;
         if (k / 4 % 2 == 0)
-            item.action = makeAction(k, 2, varName("shift", k % 10), 0, 1, 0, 1);
+            item.action = makeAction(k, KR_ACTION_MOVE_Y, varName("shift", k % 10), 0, 1, 0, 1);
         else
-            item.action = makeAction(k, 18, varName("fill", k % 10), 0, 1, 0, 1);
+            item.action = makeAction(k, KR_ACTION_FILL_UP, varName("fill", k % 10), 0, 1, 0, 1);
         break;
     }
     }
@@ -180,20 +181,22 @@ std::vector<SourceFields> sources()
     waves.varParamCount = 4; // TYPE, FREQUENCY, MIN, MAX
     for (int i = 0; i < 10; ++i) {
         const int frequency = i % 6 + 2; // 0.05 to 1 Hz
-        waves.variables.push_back({0, varName("sin", i), "", {{kSinWave, ""}, {frequency, ""}, {0, "-1"}, {0, "1"}}});
-        waves.variables.push_back({0, varName("saw", i), "", {{kSawWave, ""}, {frequency, ""}, {0, "0"}, {0, "1"}}});
+        waves.variables.push_back(
+            {KR_VAR_FLOAT, varName("sin", i), "", {{kSinWave, ""}, {frequency, ""}, {0, "-1"}, {0, "1"}}});
+        waves.variables.push_back(
+            {KR_VAR_FLOAT, varName("saw", i), "", {{kSawWave, ""}, {frequency, ""}, {0, "0"}, {0, "1"}}});
     }
     SourceFields levels;
     levels.id = kInternalSource;
     for (int i = 0; i < kVariablesPerSource; ++i)
-        levels.variables.push_back({0, varName("level", i), number(2 + 5 * i), {}});
+        levels.variables.push_back({KR_VAR_FLOAT, varName("level", i), number(2 + 5 * i), {}});
     SourceFields constants;
     constants.id = kConstantSource;
     constants.varParamCount = 1; // VALUE
     for (int i = 0; i < 10; ++i)
-        constants.variables.push_back({0, varName("shift", i), "", {{0, number(-20 + 4 * i)}}});
+        constants.variables.push_back({KR_VAR_FLOAT, varName("shift", i), "", {{0, number(-20 + 4 * i)}}});
     for (int i = 0; i < 10; ++i)
-        constants.variables.push_back({0, varName("fill", i), "", {{0, number(0.1 + 0.09 * i)}}});
+        constants.variables.push_back({KR_VAR_FLOAT, varName("fill", i), "", {{0, number(0.1 + 0.09 * i)}}});
     return {waves, levels, constants};
 }
 
@@ -391,7 +394,7 @@ std::vector<HandItem> handItems(const Panel& panel, const std::vector<double>& v
             h.end = c.end;
             h.step = rimStep(100.0f * h.scale);
             if (item.kind == Kind::Arc) {
-                h.end = float(v * 3.14159265358979 / 180);
+                h.end = float(v * kDegreesToRadians);
             } else {
                 int band = v > kBandLower[2] ? 2 : v > kBandLower[1] ? 1 : 0;
                 std::copy(kBandColour[band], kBandColour[band] + 3, h.colour);
@@ -411,7 +414,7 @@ std::vector<HandItem> handItems(const Panel& panel, const std::vector<double>& v
                 ring.insert(ring.end(), {double(x), double(y), 0.0});
                 low = std::fmin(low, y), high = std::fmax(high, y);
             }
-            if (item.action.type == 2) {
+            if (item.action.type == KR_ACTION_MOVE_Y) {
                 h.shift = float(v);
             } else {
                 const float level = float(std::fmin(std::fmax(v, 0.0), 1.0));

@@ -3,6 +3,7 @@
 // actions and data sources, for tools that read every record, and sources.k2d, a view of
 // constants, internal variables and the example plug-in's variables, and live.k2d, a panel
 // that moves on the Auto source's test signals. Usage: korel2d-samples OUTPUT_DIR
+#include "Korel2D.h"
 #include "ViewBuilder.h"
 #include "panelPalette.h"
 
@@ -188,9 +189,6 @@ ActionFields action(int id, int type, const char* var, float a0, float a1, float
     return a;
 }
 
-// Block order of ActionFields::blocks.
-enum Block { kColourBlock, kWidthBlock, kStyleBlock, kVisibleBlock, kBlinkBlock };
-
 // A dial three groups deep: the clipped gauge group holds the dial face, its needle and label,
 // and a hub group whose innermost group holds the hub and the pointer.
 void dial(ViewBuilder& b)
@@ -206,7 +204,7 @@ void dial(ViewBuilder& b)
     sweep.end = 2.6f;
     sweep.fillOn = 0;
     sweep.strokeWidth = 4;
-    ActionFields turn = action(2, 6, "speed", 0, 200, 0.5f, 2.6f);
+    ActionFields turn = action(2, KR_ACTION_GRAPH, "speed", 0, 200, 0.5f, 2.6f);
     turn.limit = 1;
     turn.cg = 5;
     b.actions({turn}).arc(sweep, "sweep", "sweep-ID");
@@ -225,7 +223,7 @@ void dial(ViewBuilder& b)
     label.text = "km/h";
     label.fontSize = 14;
     label.textSize = 14;
-    ActionFields readout = action(3, 20, "speed", 0, 1, 0, 1);
+    ActionFields readout = action(3, KR_ACTION_FILL_LEFT, "speed", 0, 1, 0, 1);
     readout.format = "%5.1f km/h";
     b.actions({readout}).text(label, "label", "label-ID");
 
@@ -249,9 +247,9 @@ std::vector<uint8_t> everyKind()
     ViewBuilder b;
     b.page(0, 0, 640, 520, kPage.r, kPage.g, kPage.b);
 
-    ActionFields alarm = action(1, 1, "alarm", 0, 2, 0, 2);
-    alarm.blocks[kColourBlock] = thresholds(0, 2, {threshold(0, 1, 0, kGreen), threshold(1, 2, 1, kRed)});
-    alarm.blocks[kBlinkBlock] = thresholds(0, 2, {threshold(1, 2, 3, kRed)});
+    ActionFields alarm = action(1, KR_ACTION_MOVE_X, "alarm", 0, 2, 0, 2);
+    alarm.blocks[KR_THRESHOLDS_COLOR] = thresholds(0, 2, {threshold(0, 1, 0, kGreen), threshold(1, 2, 1, kRed)});
+    alarm.blocks[KR_THRESHOLDS_BLINK] = thresholds(0, 2, {threshold(1, 2, 3, kRed)});
     b.actions({alarm}).rect(framed(16, 16, 624, 504, kPanel, kFrame, 2), "backdrop", "backdrop-ID");
 
     GraphFields trend;
@@ -261,7 +259,7 @@ std::vector<uint8_t> everyKind()
     trend.height = 180;
     trend.ymin = 0;
     trend.ymax = 200;
-    ActionFields trace = action(4, 3, "speed", 0, 200, 0, 200);
+    ActionFields trace = action(4, KR_ACTION_SCALE_X, "speed", 0, 200, 0, 200);
     trace.var2 = "clock";
     b.actions({trace}).graph(trend, "trend", "trend-ID");
 
@@ -279,7 +277,7 @@ std::vector<uint8_t> everyKind()
     start.x1 = 160;
     start.y1 = 80;
     start.state = 1;
-    b.actions({action(5, 12, "running", 0, 1, 0, 1)}).button(start, "start", "start-ID");
+    b.actions({action(5, KR_ACTION_STROKE_COLOR, "running", 0, 1, 0, 1)}).button(start, "start", "start-ID");
 
     SliderFields level;
     level.x = 300;
@@ -296,9 +294,9 @@ std::vector<uint8_t> everyKind()
     warning.fill[2] = kAmber.b;
     warning.fillStyle = 23;
     warning.points = {{0, 380, 60}, {1, 440, 160}, {2, 500, 60}};
-    ActionFields show = action(6, 9, "alarm", 0, 2, 0, 2);
-    show.blocks[kVisibleBlock] = thresholds(0, 2, {threshold(0, 1, 0, kLampOff), threshold(1, 2, 1, kAmber)});
-    show.blocks[kWidthBlock] = thresholds(0, 2, {threshold(1, 2, 5, kRed)});
+    ActionFields show = action(6, KR_ACTION_MOVE_X_ABSOLUTE, "alarm", 0, 2, 0, 2);
+    show.blocks[KR_THRESHOLDS_VISIBLE] = thresholds(0, 2, {threshold(0, 1, 0, kLampOff), threshold(1, 2, 1, kAmber)});
+    show.blocks[KR_THRESHOLDS_WIDTH] = thresholds(0, 2, {threshold(1, 2, 5, kRed)});
     b.actions({show}).cpoly(warning, "warning", "warning-ID");
 
     // A plug-in's source that isn't installed here: the view keeps what it stored.
@@ -308,9 +306,9 @@ std::vector<uint8_t> everyKind()
     SourceFields values;
     values.id = 2;
     values.varParamCount = 2;
-    values.variables = {{0, "speed", "0", {{3, "sensor A"}, {1, "km/h"}}},
-                        {6, "alarm", "0", {{4, "sensor B"}}},
-                        {10, "running", "no", {}}};
+    values.variables = {{KR_VAR_FLOAT, "speed", "0", {{3, "sensor A"}, {1, "km/h"}}},
+                        {KR_VAR_INT32, "alarm", "0", {{4, "sensor B"}}},
+                        {KR_VAR_TEXT, "running", "no", {}}};
     b.dataSection({link, values});
     return b.bytes();
 }
@@ -327,21 +325,22 @@ std::vector<uint8_t> sources()
     SourceFields constants;
     constants.id = 2;
     constants.varParamCount = 1;
-    constants.variables = {{0, "CONST_PI", "", {{0, "3.5"}}}, {3, "CONST_BYTE", "", {{0, "300"}}}};
+    constants.variables = {{KR_VAR_FLOAT, "CONST_PI", "", {{0, "3.5"}}},
+                           {KR_VAR_UINT8, "CONST_BYTE", "", {{0, "300"}}}};
     SourceFields internal;
     internal.id = 5;
-    internal.variables = {{6, "INT_MASK", "0x1F", {}}, {0, "INT_LEVEL", "", {}}};
+    internal.variables = {{KR_VAR_INT32, "INT_MASK", "0x1F", {}}, {KR_VAR_FLOAT, "INT_LEVEL", "", {}}};
     // The example plug-in: Run blocks for the first parameter's milliseconds; each variable's
     // list parameter picks what it gives: 0 Run calls, 1 the last Set value, 2 the thread's name.
     SourceFields example;
     example.id = 100;
     example.dataParams = {{0, "0"}, {0, "sample"}};
     example.varParamCount = 1;
-    example.variables = {{6, "EX_RUNS", "", {{0, ""}}}, {0, "EX_LAST_SET", "", {{1, ""}}},
-                         {10, "EX_THREAD", "", {{2, ""}}}};
+    example.variables = {{KR_VAR_INT32, "EX_RUNS", "", {{0, ""}}}, {KR_VAR_FLOAT, "EX_LAST_SET", "", {{1, ""}}},
+                         {KR_VAR_TEXT, "EX_THREAD", "", {{2, ""}}}};
     SourceFields missing;
     missing.id = 999;
-    missing.variables = {{0, "OUTSIDE_VALUE", "", {}}};
+    missing.variables = {{KR_VAR_FLOAT, "OUTSIDE_VALUE", "", {}}};
     b.dataSection({constants, internal, example, missing});
     return b.bytes();
 }
@@ -367,7 +366,7 @@ std::vector<uint8_t> live()
     needle.strokeWidth = 4;
     setColour(needle.stroke, kYellow);
     // SIN -1..1 turns the needle from pointing left, over the top, to pointing right.
-    ActionFields turn = action(1, 5, "SIN", -1, 1, -180, 0);
+    ActionFields turn = action(1, KR_ACTION_ROTATE, "SIN", -1, 1, -180, 0);
     turn.cg = 8;
     b.actions({turn}).line(needle, "needle", "needle-ID");
 
@@ -377,15 +376,15 @@ std::vector<uint8_t> live()
     setColour(bar.stroke, kFrame);
     bar.strokeWidth = 2;
     bar.points = {{0, 330, 40}, {1, 390, 40}, {2, 390, 360}, {3, 330, 360}};
-    b.actions({action(2, 18, "TRIANGLE", 0, 1, 0, 1)}).cpoly(bar, "bar", "bar-ID");
+    b.actions({action(2, KR_ACTION_FILL_UP, "TRIANGLE", 0, 1, 0, 1)}).cpoly(bar, "bar", "bar-ID");
 
     CircleFields lamp;
     lamp.x = 520, lamp.y = 310;
     lamp.matrix[0] = lamp.matrix[3] = 0.4f;
     setColour(lamp.fill, kLampOff);
     setColour(lamp.stroke, kBezel);
-    ActionFields lampColour = action(3, 13, "SIN", 0, 1, 0, 1);
-    lampColour.blocks[kColourBlock] =
+    ActionFields lampColour = action(3, KR_ACTION_FILL_COLOR, "SIN", 0, 1, 0, 1);
+    lampColour.blocks[KR_THRESHOLDS_COLOR] =
         thresholds(-1, 1, {threshold(-1, -0.3f, 0, kGreen), threshold(-0.3f, 0.5f, 0, kAmber), threshold(0.5f, 1, 0, kRed)});
     b.actions({lampColour}).circle(lamp, "lamp", "lamp-ID");
 
@@ -396,22 +395,24 @@ std::vector<uint8_t> live()
     setColour(gauge.fill, kGreen);
     setColour(gauge.stroke, kFrame);
     // SAW 0..1 sweeps the end from the left, over the top, to the right: 180..360 degrees.
-    b.actions({action(4, 24, "SAW", 0, 1, 180, 360)}).arc(gauge, "gauge", "gauge-ID");
+    b.actions({action(4, KR_ACTION_ARC_END, "SAW", 0, 1, 180, 360)}).arc(gauge, "gauge", "gauge-ID");
 
-    ActionFields alarmColour = action(5, 13, "ALARM", 0, 1, 0, 1);
-    alarmColour.blocks[kColourBlock] = thresholds(0, 1, {threshold(0, 0.5f, 0, kLampOff), threshold(0.5f, 1, 0, kRed)});
-    ActionFields alarmBlink = action(6, 25, "ALARM", 0, 1, 0, 1);
-    alarmBlink.blocks[kBlinkBlock] = thresholds(0, 1, {threshold(0, 0.5f, 0, kRed), threshold(0.5f, 1, 3, kRed)});
+    ActionFields alarmColour = action(5, KR_ACTION_FILL_COLOR, "ALARM", 0, 1, 0, 1);
+    alarmColour.blocks[KR_THRESHOLDS_COLOR] =
+        thresholds(0, 1, {threshold(0, 0.5f, 0, kLampOff), threshold(0.5f, 1, 0, kRed)});
+    ActionFields alarmBlink = action(6, KR_ACTION_BLINK, "ALARM", 0, 1, 0, 1);
+    alarmBlink.blocks[KR_THRESHOLDS_BLINK] =
+        thresholds(0, 1, {threshold(0, 0.5f, 0, kRed), threshold(0.5f, 1, 3, kRed)});
     b.actions({alarmColour, alarmBlink}).rect(framed(450, 200, 590, 240, kLampOff, kFrame, 2), "alarm", "alarm-ID");
 
     // Auto variables: wave form, frequency item (3: 0.1 Hz, 4: 0.2 Hz), MIN, MAX.
     SourceFields signals;
     signals.id = 1;
     signals.varParamCount = 4;
-    signals.variables = {{0, "SIN", "", {{0, ""}, {4, ""}, {0, "-1.0"}, {0, "1.0"}}},
-                         {0, "TRIANGLE", "", {{4, ""}, {3, ""}, {0, "0.0"}, {0, "1.0"}}},
-                         {0, "SAW", "", {{5, ""}, {4, ""}, {0, "0.0"}, {0, "1.0"}}},
-                         {0, "ALARM", "", {{7, ""}, {3, ""}, {0, "0.0"}, {0, "1.0"}}}};
+    signals.variables = {{KR_VAR_FLOAT, "SIN", "", {{0, ""}, {4, ""}, {0, "-1.0"}, {0, "1.0"}}},
+                         {KR_VAR_FLOAT, "TRIANGLE", "", {{4, ""}, {3, ""}, {0, "0.0"}, {0, "1.0"}}},
+                         {KR_VAR_FLOAT, "SAW", "", {{5, ""}, {4, ""}, {0, "0.0"}, {0, "1.0"}}},
+                         {KR_VAR_FLOAT, "ALARM", "", {{7, ""}, {3, ""}, {0, "0.0"}, {0, "1.0"}}}};
     b.dataSection({signals});
     return b.bytes();
 }

@@ -81,6 +81,53 @@ enum {
     KR_SCISSOR = 14
 };
 
+/** Action type codes (ACTION_STRUCT.type): what the value of the action's variable changes. */
+enum {
+    KR_ACTION_TEXT = 0,                 /* formats the value into a text element */
+    KR_ACTION_MOVE_X = 1,               /* moves in x by the value */
+    KR_ACTION_MOVE_Y = 2,
+    KR_ACTION_SCALE_X = 3,
+    KR_ACTION_SCALE_Y = 4,
+    KR_ACTION_ROTATE = 5,               /* degrees, positive clockwise */
+    KR_ACTION_GRAPH = 6,                /* feeds a trace of a graph */
+    KR_ACTION_MOVE_X_RELATIVE = 7,      /* by the value times the element's width */
+    KR_ACTION_MOVE_Y_RELATIVE = 8,      /* by the value times the element's height */
+    KR_ACTION_MOVE_X_ABSOLUTE = 9,      /* so that the element's x equals the value */
+    KR_ACTION_MOVE_Y_ABSOLUTE = 10,
+    KR_ACTION_MOVE_ALONG_POLYLINE = 11, /* the value is the fraction of the polyline's length */
+    KR_ACTION_STROKE_COLOR = 12,        /* 12 to 15 and 25 choose by threshold */
+    KR_ACTION_FILL_COLOR = 13,
+    KR_ACTION_STROKE_WIDTH = 14,
+    KR_ACTION_STROKE_STYLE = 15,
+    KR_ACTION_SCALE_XY = 16,
+    KR_ACTION_VISIBLE = 17,             /* shows or hides the element and all below it */
+    KR_ACTION_FILL_UP = 18,             /* fills a closed polygon from below up to the value */
+    KR_ACTION_FILL_DOWN = 19,
+    KR_ACTION_FILL_LEFT = 20,
+    KR_ACTION_FILL_RIGHT = 21,
+    KR_ACTION_INPUT = 22,               /* pointer events write the variable */
+    KR_ACTION_BUTTON_STATE = 23,        /* the pressed state of a button */
+    KR_ACTION_ARC_END = 24,             /* end angle of a circle or arc, in degrees */
+    KR_ACTION_BLINK = 25                /* selects the blink clock */
+};
+
+/** The threshold blocks of an action, in the order a file stores them. */
+enum {
+    KR_THRESHOLDS_COLOR = 0,   /* colorThresholds: TH_STRUCT.color */
+    KR_THRESHOLDS_WIDTH = 1,   /* widthThresholds: value is the line width */
+    KR_THRESHOLDS_STYLE = 2,   /* styleThresholds: value is the line style */
+    KR_THRESHOLDS_VISIBLE = 3, /* visibleThresholds: value 0 hides, else shows */
+    KR_THRESHOLDS_BLINK = 4,   /* blinkThresholds: value is the blink clock, 0 none */
+    KR_THRESHOLD_BLOCKS = 5
+};
+
+/** Run modes (VIEW_STRUCT.runMode). */
+enum {
+    KR_RUN_STOPPED = 0,
+    KR_RUN_SYNCHRONOUS = 1, /* each draw runs the data cycle */
+    KR_RUN_ANIMATED = 2     /* a data thread runs it */
+};
+
 /** An element of a view: see struct ELEMENT_STRUCT. */
 typedef struct ELEMENT_STRUCT ELEMENT_STRUCT;
 /** An action of an element: see struct ACTION_STRUCT. */

@@ -37,10 +37,25 @@
 extern "C" {
 #endif
 
-/* ================================================================ 1. interface version */
+/* ================================================================ 1. interface version and type codes */
 
 /** What a plug-in's krdVersion() returns: the layout of the records below. */
 #define KRD_INTERFACE_VERSION 324
+
+/** Variable type codes (VARIABLE_STRUCT.type). The value buffer holds 8 bytes, 256 for text. */
+enum {
+    KR_VAR_FLOAT = 0,  /* IEEE single */
+    KR_VAR_DOUBLE = 1, /* IEEE double */
+    KR_VAR_INT8 = 2,
+    KR_VAR_UINT8 = 3,
+    KR_VAR_INT16 = 4,
+    KR_VAR_UINT16 = 5,
+    KR_VAR_INT32 = 6,
+    KR_VAR_UINT32 = 7,
+    KR_VAR_INT64 = 8,  /* copies between buffers move only the low half */
+    KR_VAR_UINT64 = 9, /* likewise */
+    KR_VAR_TEXT = 10   /* at most 255 characters and a terminator */
+};
 
 /* ================================================================ 2. records */
 

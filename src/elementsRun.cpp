@@ -3,8 +3,8 @@
 #include "KorelEdit.h"
 #include "actions/actions.h"
 #include "base/base.h"
+#include "base/truncate.h"
 #include "core/core.h"
-#include "core/truncate.h"
 #include "graphics/graphics.h"
 
 #include <GL/gl.h>

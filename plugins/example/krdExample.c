@@ -88,14 +88,14 @@ static void storeValue(VARIABLE_STRUCT* variable, double x)
     if (!buffer)
         return;
     switch (variable->type) {
-    case 0: {
+    case KR_VAR_FLOAT: {
         float v;
         c = clampValue(x, -3.402823466e38, 3.402823466e38);
         v = (float)c;
         memcpy(buffer, &v, sizeof v);
         break;
     }
-    case 1: memcpy(buffer, &x, sizeof x); break;
+    case KR_VAR_DOUBLE: memcpy(buffer, &x, sizeof x); break;
 #define STORE_CLAMPED(type, low, high) \
     {                                  \
         type v;                        \
@@ -104,17 +104,17 @@ static void storeValue(VARIABLE_STRUCT* variable, double x)
         memcpy(buffer, &v, sizeof v);  \
         break;                         \
     }
-    case 2: STORE_CLAMPED(int8_t, -128.0, 127.0)
-    case 3: STORE_CLAMPED(uint8_t, 0.0, 255.0)
-    case 4: STORE_CLAMPED(int16_t, -32768.0, 32767.0)
-    case 5: STORE_CLAMPED(uint16_t, 0.0, 65535.0)
-    case 6: STORE_CLAMPED(int32_t, -2147483648.0, 2147483647.0)
-    case 7: STORE_CLAMPED(uint32_t, 0.0, 4294967295.0)
+    case KR_VAR_INT8: STORE_CLAMPED(int8_t, -128.0, 127.0)
+    case KR_VAR_UINT8: STORE_CLAMPED(uint8_t, 0.0, 255.0)
+    case KR_VAR_INT16: STORE_CLAMPED(int16_t, -32768.0, 32767.0)
+    case KR_VAR_UINT16: STORE_CLAMPED(uint16_t, 0.0, 65535.0)
+    case KR_VAR_INT32: STORE_CLAMPED(int32_t, -2147483648.0, 2147483647.0)
+    case KR_VAR_UINT32: STORE_CLAMPED(uint32_t, 0.0, 4294967295.0)
     /* The ends are the largest doubles below 2^63 and 2^64. */
-    case 8: STORE_CLAMPED(int64_t, -9223372036854775808.0, 9223372036854774784.0)
-    case 9: STORE_CLAMPED(uint64_t, 0.0, 18446744073709549568.0)
+    case KR_VAR_INT64: STORE_CLAMPED(int64_t, -9223372036854775808.0, 9223372036854774784.0)
+    case KR_VAR_UINT64: STORE_CLAMPED(uint64_t, 0.0, 18446744073709549568.0)
 #undef STORE_CLAMPED
-    case 10: snprintf((char*)buffer, TEXT_BYTES, "%.15g", x); break;
+    case KR_VAR_TEXT: snprintf((char*)buffer, TEXT_BYTES, "%.15g", x); break;
     default: break; /* an unknown code: the buffer's form is not ours to guess */
     }
 }
@@ -126,17 +126,17 @@ static double readValue(const VARIABLE_STRUCT* variable)
     if (!buffer)
         return 0.0;
     switch (variable->type) {
-    case 0: { float v; memcpy(&v, buffer, sizeof v); return (double)v; }
-    case 1: { double v; memcpy(&v, buffer, sizeof v); return v; }
-    case 2: { int8_t v; memcpy(&v, buffer, sizeof v); return v; }
-    case 3: { uint8_t v; memcpy(&v, buffer, sizeof v); return v; }
-    case 4: { int16_t v; memcpy(&v, buffer, sizeof v); return v; }
-    case 5: { uint16_t v; memcpy(&v, buffer, sizeof v); return v; }
-    case 6: { int32_t v; memcpy(&v, buffer, sizeof v); return v; }
-    case 7: { uint32_t v; memcpy(&v, buffer, sizeof v); return v; }
-    case 8: { int64_t v; memcpy(&v, buffer, sizeof v); return (double)v; }
-    case 9: { uint64_t v; memcpy(&v, buffer, sizeof v); return (double)v; }
-    case 10: {
+    case KR_VAR_FLOAT: { float v; memcpy(&v, buffer, sizeof v); return (double)v; }
+    case KR_VAR_DOUBLE: { double v; memcpy(&v, buffer, sizeof v); return v; }
+    case KR_VAR_INT8: { int8_t v; memcpy(&v, buffer, sizeof v); return v; }
+    case KR_VAR_UINT8: { uint8_t v; memcpy(&v, buffer, sizeof v); return v; }
+    case KR_VAR_INT16: { int16_t v; memcpy(&v, buffer, sizeof v); return v; }
+    case KR_VAR_UINT16: { uint16_t v; memcpy(&v, buffer, sizeof v); return v; }
+    case KR_VAR_INT32: { int32_t v; memcpy(&v, buffer, sizeof v); return v; }
+    case KR_VAR_UINT32: { uint32_t v; memcpy(&v, buffer, sizeof v); return v; }
+    case KR_VAR_INT64: { int64_t v; memcpy(&v, buffer, sizeof v); return (double)v; }
+    case KR_VAR_UINT64: { uint64_t v; memcpy(&v, buffer, sizeof v); return (double)v; }
+    case KR_VAR_TEXT: {
         /* The text may fill the whole buffer without a terminator. */
         char text[TEXT_BYTES];
         memcpy(text, buffer, TEXT_BYTES - 1);
@@ -295,7 +295,7 @@ KRD_EXPORT int KRD_ENTRY(Get)(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* so
         storeValue(variable, state->lastSet);
         break;
     case GIVES_THREAD:
-        if (variable->type == 10) {
+        if (variable->type == KR_VAR_TEXT) {
             /* Linux limits thread names to 16 bytes with the terminator. */
             char name[16] = "";
             if (pthread_getname_np(pthread_self(), name, sizeof name) != 0)

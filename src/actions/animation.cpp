@@ -4,7 +4,8 @@
 #include "KorelEdit.h"
 #include "actions/actions.h"
 #include "actions/textFormat.h"
-#include "core/truncate.h"
+#include "base/angles.h"
+#include "base/truncate.h"
 #include "data/valueBuffer.h"
 
 #include <GL/gl.h>
@@ -16,7 +17,6 @@
 namespace {
 
 constexpr float kFrameStep = 0.1f;
-constexpr double kDegreesToRadians = 0.017453292;
 constexpr size_t kTextBytes = sizeof(ELEMENT_ATTR::text);
 
 // Bytes of the buffers an action reads: they were made for its variable's type.
@@ -29,23 +29,6 @@ double clampToRange(double v, float b0, float b1)
 {
     double lower = std::fmin(b0, b1), upper = std::fmax(b0, b1);
     return v < lower ? lower : v > upper ? upper : v;
-}
-
-double rawValue(const void* buffer, int type)
-{
-    switch (type) {
-    case 0: return *static_cast<const float*>(buffer);
-    case 1: return *static_cast<const double*>(buffer);
-    case 2: return *static_cast<const int8_t*>(buffer);
-    case 3: return *static_cast<const uint8_t*>(buffer);
-    case 4: return *static_cast<const int16_t*>(buffer);
-    case 5: return *static_cast<const uint16_t*>(buffer);
-    case 6: return *static_cast<const int32_t*>(buffer);
-    case 7: return *static_cast<const uint32_t*>(buffer);
-    case 8: return double(*static_cast<const int64_t*>(buffer));
-    case 9: return double(*static_cast<const uint64_t*>(buffer));
-    default: return 0.0;
-    }
 }
 
 // The entry that wins: the last in list order whose lower limit v exceeds, else the first.
@@ -94,20 +77,20 @@ FormatArgument formatArgument(const ACTION_STRUCT* action, double v)
 {
     FormatArgument a{FormatArgument::Signed, 0, 0, 0};
     switch (action->varType) {
-    case 0: a = {FormatArgument::Real, double(float(v)), 0, 0}; break;
-    case 1: a = {FormatArgument::Real, v, 0, 0}; break;
-    case 2: a.integer = int8_t(truncToInt64(v)); break;
-    case 3: a.integer = uint8_t(truncToInt64(v)); break;
-    case 4: a.integer = int16_t(truncToInt64(v)); break;
-    case 5: a.integer = uint16_t(truncToInt64(v)); break;
-    case 6:
+    case KR_VAR_FLOAT: a = {FormatArgument::Real, double(float(v)), 0, 0}; break;
+    case KR_VAR_DOUBLE: a = {FormatArgument::Real, v, 0, 0}; break;
+    case KR_VAR_INT8: a.integer = int8_t(truncToInt64(v)); break;
+    case KR_VAR_UINT8: a.integer = uint8_t(truncToInt64(v)); break;
+    case KR_VAR_INT16: a.integer = int16_t(truncToInt64(v)); break;
+    case KR_VAR_UINT16: a.integer = uint16_t(truncToInt64(v)); break;
+    case KR_VAR_INT32:
         if (strchr(action->format, 'f'))
             a = {FormatArgument::Real, double(float(v)), 0, 0};
         else
             a.integer = truncToInt(v);
         break;
-    case 7:
-    case 8: a.integer = truncToInt64(v); break;
+    case KR_VAR_UINT32:
+    case KR_VAR_INT64: a.integer = truncToInt64(v); break;
     default: a = {FormatArgument::Unsigned, 0, 0, truncToUint64(v)}; break;
     }
     return a;
@@ -119,10 +102,10 @@ void formatText(ELEMENT_STRUCT* element, const ACTION_STRUCT* action, double v)
         return;
     ELEMENT_ATTR& attr = element->attr;
     attr.textSet = 1;
-    if (action->varType > kTextType)
+    if (action->varType > KR_VAR_TEXT)
         return;
     char text[512];
-    if (action->varType == kTextType) {
+    if (action->varType == KR_VAR_TEXT) {
         if (!action->value)
             snprintf(text, sizeof text, "Var %s not found", action->var);
         else if (action->heldValue && boundSize(action) == kTextBufferSize)
@@ -150,30 +133,31 @@ void apply(ELEMENT_STRUCT* element, ACTION_STRUCT* action, double v)
 {
     ELEMENT_ATTR& attr = element->attr;
     switch (action->type) {
-    case 0: formatText(element, action, v); break;
-    case 1: translate(element, v, 0); break;
-    case 2: translate(element, 0, v); break;
-    case 3: aboutPoint(element, action->cg, [v] { glScalef(float(v), 1, 1); }); break;
-    case 4: aboutPoint(element, action->cg, [v] { glScalef(1, float(v), 1); }); break;
-    case 5: aboutPoint(element, action->cg, [v] { glRotatef(float(-v), 0, 0, 1); }); break;
-    case 7: translate(element, element->width * v, 0); break;
-    case 8: translate(element, 0, element->height * v); break;
-    case 9: translate(element, v - element->x, 0); break;
-    case 10: translate(element, 0, v - element->y); break;
-    case 12:
-    case 13: {
-        float* colour = action->type == 12 ? attr.strokeColor : attr.fillColor;
-        (action->type == 12 ? attr.strokeColorSet : attr.fillColorSet) = 1;
+    case KR_ACTION_TEXT: formatText(element, action, v); break;
+    case KR_ACTION_MOVE_X: translate(element, v, 0); break;
+    case KR_ACTION_MOVE_Y: translate(element, 0, v); break;
+    case KR_ACTION_SCALE_X: aboutPoint(element, action->cg, [v] { glScalef(float(v), 1, 1); }); break;
+    case KR_ACTION_SCALE_Y: aboutPoint(element, action->cg, [v] { glScalef(1, float(v), 1); }); break;
+    case KR_ACTION_ROTATE: aboutPoint(element, action->cg, [v] { glRotatef(float(-v), 0, 0, 1); }); break;
+    case KR_ACTION_MOVE_X_RELATIVE: translate(element, element->width * v, 0); break;
+    case KR_ACTION_MOVE_Y_RELATIVE: translate(element, 0, element->height * v); break;
+    case KR_ACTION_MOVE_X_ABSOLUTE: translate(element, v - element->x, 0); break;
+    case KR_ACTION_MOVE_Y_ABSOLUTE: translate(element, 0, v - element->y); break;
+    case KR_ACTION_STROKE_COLOR:
+    case KR_ACTION_FILL_COLOR: {
+        const bool stroke = action->type == KR_ACTION_STROKE_COLOR;
+        float* colour = stroke ? attr.strokeColor : attr.fillColor;
+        (stroke ? attr.strokeColorSet : attr.fillColorSet) = 1;
         if (const TH_STRUCT* entry = findThreshold(action->colorThresholds, v))
             memcpy(colour, entry->color, sizeof entry->color); // alpha stays
         break;
     }
-    case 14:
+    case KR_ACTION_STROKE_WIDTH:
         attr.lineWidthSet = 1;
         if (const TH_STRUCT* entry = findThreshold(action->widthThresholds, v))
             attr.lineWidth = int8_t(entry->value);
         break;
-    case 15:
+    case KR_ACTION_STROKE_STYLE:
         attr.lineStyleSet = 1;
         if (const TH_STRUCT* entry = findThreshold(action->styleThresholds, v)) {
             attr.lineStyle = uint8_t(entry->value);
@@ -181,26 +165,26 @@ void apply(ELEMENT_STRUCT* element, ACTION_STRUCT* action, double v)
             attr.stipplePattern = entry->stipplePattern;
         }
         break;
-    case 16: aboutPoint(element, action->cg, [v] { glScalef(float(v), float(v), 1); }); break;
-    case 17: applyThresholdVisibility(element, action, v); break;
-    case 18: fillStep(element, v, true, polyCreateFillCoordUp); break;
-    case 19: fillStep(element, v, true, polyCreateFillCoordDown); break;
-    case 20: fillStep(element, v, false, polyCreateFillCoordLeft); break;
-    case 21: fillStep(element, v, false, polyCreateFillCoordRight); break;
-    case 23:
+    case KR_ACTION_SCALE_XY: aboutPoint(element, action->cg, [v] { glScalef(float(v), float(v), 1); }); break;
+    case KR_ACTION_VISIBLE: applyThresholdVisibility(element, action, v); break;
+    case KR_ACTION_FILL_UP: fillStep(element, v, true, polyCreateFillCoordUp); break;
+    case KR_ACTION_FILL_DOWN: fillStep(element, v, true, polyCreateFillCoordDown); break;
+    case KR_ACTION_FILL_LEFT: fillStep(element, v, false, polyCreateFillCoordLeft); break;
+    case KR_ACTION_FILL_RIGHT: fillStep(element, v, false, polyCreateFillCoordRight); break;
+    case KR_ACTION_BUTTON_STATE:
         // On a button this byte is its pressed state.
         attr.lineStyle = uint8_t(truncToInt(v));
         attr.strokeColorSet = 1;
         break;
-    case 24: attr.arcEnd = float(v * kDegreesToRadians); break;
-    case 25:
+    case KR_ACTION_ARC_END: attr.arcEnd = float(v * kDegreesToRadians); break;
+    case KR_ACTION_BLINK:
         attr.blinkSet = 1;
         if (const TH_STRUCT* entry = findThreshold(action->blinkThresholds, v)) {
             attr.blinkRate = uint8_t(entry->value);
             attr.blink = entry->value != 0;
         }
         break;
-    default: break; // 6 and 22 are read elsewhere; 11 moves along a polyline, not yet drawn
+    default: break; // graphs and input actions are read elsewhere; moving along a polyline is not yet drawn
     }
 }
 
@@ -241,7 +225,7 @@ double getActionFloatData(ACTION_STRUCT* action, int which, float dt)
     const void* buffer = which == 0 ? action->heldValue : which == 1 ? action->value : action->value2;
     if (!buffer)
         return 0.0;
-    double raw = rawValue(buffer, action->varType);
+    double raw = readValue(buffer, action->varType);
     switch (action->filter) {
     case 0:
         return raw;
@@ -267,16 +251,11 @@ void putFloatData(ACTION_STRUCT* action, double v)
         return;
     if (action->limit)
         v = clampToRange(v, action->b0, action->b1);
-    const int type = action->varType;
     uint64_t before = firstEightBytes(action->value);
-    if (type == 0 || type == 1)
-        storeReal(action->value, type, v);
-    else if (type == 9)
-        storeInteger(action->value, 8, int64_t(truncToUint64(v)));
-    else if (isIntegerType(type))
-        storeInteger(action->value, integerSize(type), truncToInt64(v));
+    writeValue(action->value, action->varType, v);
+    // A text or an unknown code takes nothing, so it never counts as written.
     if (action->variable)
-        action->variable->written = type <= 9 && firstEightBytes(action->value) != before;
+        action->variable->written = firstEightBytes(action->value) != before;
 }
 
 int doAction(ELEMENT_STRUCT* element, int halt)
@@ -289,7 +268,7 @@ int doAction(ELEMENT_STRUCT* element, int halt)
             memcpy(action->heldValue, action->value, boundSize(action));
         double v = 0;
         if (action->value) {
-            if (action->type == 6)
+            if (action->type == KR_ACTION_GRAPH)
                 continue;
             v = action->offset + action->slope * getActionFloatData(action, 0, kFrameStep);
             if (action->limit)

@@ -82,7 +82,7 @@ void bindAction(ELEMENT_STRUCT* element, ACTION_STRUCT* action, DD_DATA_TYPE_STR
     forgetBinding(action);
     getAB(&action->offset, &action->slope, action->a0, action->b0, action->a1, action->b1);
     getAB(&action->offset2, &action->slope2, action->var2A0, action->var2B0, action->var2A1, action->var2B1);
-    const bool input = action->type == 22;
+    const bool input = action->type == KR_ACTION_INPUT;
     // With one name in two sources the last one in list order stands.
     forEachVariable(sources, [&](VARIABLE_STRUCT* variable) {
         if (strcmp(variable->name, action->var) == 0) {
@@ -125,7 +125,7 @@ int assignVariablesReadWrite(ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* sour
 {
     forEachVariable(sources, [](VARIABLE_STRUCT* variable) { variable->readWrite = 0; });
     forEachAction(elements, [sources](ELEMENT_STRUCT*, ACTION_STRUCT* action) {
-        if (action->type == 22)
+        if (action->type == KR_ACTION_INPUT)
             forEachVariable(sources, [action](VARIABLE_STRUCT* variable) {
                 if (strcmp(variable->name, action->var) == 0)
                     variable->readWrite = 1;

@@ -1,5 +1,5 @@
 #include "actions/textFormat.h"
-#include "core/truncate.h"
+#include "base/truncate.h"
 
 #include <cinttypes>
 #include <cstdio>

@@ -4,26 +4,12 @@
 #include "data/valueBuffer.h"
 
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
-// Parses a default into the buffer: integers in any base strtol knows ("0x1F" is 31), the long
-// codes only in their low half, as every transfer moves them.
-void parseDefault(VARIABLE_STRUCT* variable)
-{
-    const char* text = variable->defaultValue;
-    int type = variable->type;
-    if (type == 0 || type == 1) {
-        storeReal(variable->value, type, strtod(text, nullptr));
-    } else if (isIntegerType(type)) {
-        storeInteger(variable->value, transferSize(type), strtol(text, nullptr, 0));
-    } else if (type == kTextType) {
-        char* buffer = static_cast<char*>(variable->value);
-        strncpy(buffer, text, kTextBufferSize - 1);
-        buffer[kTextBufferSize - 1] = '\0';
-    }
-}
+// Defaults take integers in any base strtol knows ("0x1F" is 31), and the long codes only in
+// their low half, as every transfer moves them.
+constexpr TextRules kDefaultText{0, false, LongWidth::LowHalf};
 
 // Plug-ins with global variables: what an input action wrote goes out, otherwise the
 // plug-in's value comes in.
@@ -63,7 +49,7 @@ int writeDefault(DD_DATA_TYPE_STRUCT* sources)
                     continue;
                 if (source->set && variable->defaultValue[0]) {
                     variable->changed = 1;
-                    parseDefault(variable);
+                    parseValue(variable->value, variable->type, variable->defaultValue, kDefaultText);
                     source->set(variable, source);
                 }
                 variable->lastValue = firstEightBytes(variable->value);

@@ -1,8 +1,8 @@
 // Clip data of groups: where each group's scissor child lies, in the group's own
 // coordinates for the draw pass and in screen pixels for the host.
 #include "KorelEdit.h"
+#include "base/truncate.h"
 #include "core/core.h"
-#include "core/truncate.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,9 +2,9 @@
 // what the walk needs, refreshes the groups' clip data when position or zoom changed, and walks.
 #include "actions/actions.h"
 #include "base/base.h"
+#include "base/truncate.h"
 #include "core/core.h"
 #include "core/handles.h"
-#include "core/truncate.h"
 #include "graphics/graphics.h"
 
 #include <GL/gl.h>
@@ -49,10 +49,10 @@ bool placementChanged(VIEW_STRUCT* view)
     return true;
 }
 
-// In mode 1 the draw runs the data cycle itself, right before the values are used.
+// Running synchronously, the draw runs the data cycle itself, right before the values are used.
 void walk(VIEW_STRUCT* view, DRAW_SETTINGS* settings)
 {
-    if (view->runMode == 1)
+    if (view->runMode == KR_RUN_SYNCHRONOUS)
         fillDP(view->dataTypes);
     drawUserElements(view->elements, nullptr, int(view->runMode), int(view->haltMode), 1, settings, 0);
 }

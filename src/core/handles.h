@@ -25,11 +25,11 @@ inline int checkWindowAndView(const WINDOW_STRUCT* window, const VIEW_STRUCT* vi
     return checkWindow(window) ? -2 : checkView(view);
 }
 
-// Holds the view's lock while the data thread of mode 2 may change values: for a draw pass,
+// Holds the view's lock while the data thread of the animated mode may change values: for a draw pass,
 // or for one access to a variable by name, so that a value is never seen half-written.
 class ViewLock {
 public:
-    explicit ViewLock(VIEW_STRUCT* view) : view_(view->runMode == 2 ? view : nullptr)
+    explicit ViewLock(VIEW_STRUCT* view) : view_(view->runMode == KR_RUN_ANIMATED ? view : nullptr)
     {
         if (view_)
             pthread_mutex_lock(&view_->mutex);

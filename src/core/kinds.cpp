@@ -20,7 +20,7 @@ void* createImageDefault()
 }
 
 // Indexed by kind code 0..14; entries with a null prefix are codes without a kind.
-const KindInfo kinds[15] = {
+const KindInfo kinds[KR_SCISSOR + 1] = {
     /* 0 */ {"GRAPH", createDefault<GRAPH_STRUCT, createGraph>, graphFreeData, graphSetPickSticky, nullptr, nullptr},
     /* 1 */ {"RECTANGLE", createDefault<RECT_STRUCT, createRect>, nullptr, rectSetPickSticky, nullptr, nullptr},
     /* 2 */ {"POLYGON", createDefault<POLY_STRUCT, createPoly>, polyFreeData, polySetPickSticky, nullptr, pickPoly},
@@ -42,7 +42,7 @@ const KindInfo kinds[15] = {
 
 const KindInfo* kindInfo(uint32_t type)
 {
-    if (type >= 15 || !kinds[type].prefix)
+    if (type > KR_SCISSOR || !kinds[type].prefix)
         return nullptr;
     return &kinds[type];
 }

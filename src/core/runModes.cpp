@@ -46,7 +46,7 @@ void* runDataCycles(void* argument)
     DataThread* self = dataThreadOf(view);
     for (;;) {
         pthread_mutex_lock(&view->mutex);
-        bool running = runModeSeenByThread(view) != 0;
+        bool running = runModeSeenByThread(view) != KR_RUN_STOPPED;
         if (running) {
             view->time = apiGetTime() - view->startTime;
             fillDP(view->dataTypes);
@@ -55,7 +55,7 @@ void* runDataCycles(void* argument)
         if (!running)
             break;
         std::unique_lock<std::mutex> lock(self->wakeLock);
-        if (self->wake.wait_for(lock, kCyclePause, [view] { return runModeSeenByThread(view) == 0; }))
+        if (self->wake.wait_for(lock, kCyclePause, [view] { return runModeSeenByThread(view) == KR_RUN_STOPPED; }))
             break;
     }
     __atomic_store_n(&view->threadDone, 1u, __ATOMIC_RELEASE);
@@ -84,7 +84,7 @@ bool endDataThread(VIEW_STRUCT* view)
     bool ended;
     {
         std::unique_lock<std::mutex> lock(self->wakeLock);
-        __atomic_store_n(&view->runMode, 0u, __ATOMIC_RELEASE);
+        __atomic_store_n(&view->runMode, uint32_t(KR_RUN_STOPPED), __ATOMIC_RELEASE);
         self->wake.notify_all();
         ended = self->wake.wait_until(lock, Clock::now() + kStopWait, [self] { return self->done; });
     }
@@ -112,7 +112,7 @@ int startView(VIEW_STRUCT* view, uint32_t mode)
 {
     if (int check = checkView(view))
         return check;
-    if (view->runMode != 0)
+    if (view->runMode != KR_RUN_STOPPED)
         return -3;
     finishPendingStop(view);
     view->startTime = apiGetTime();
@@ -132,7 +132,7 @@ int startView(VIEW_STRUCT* view, uint32_t mode)
     view->pickEvent = -1;
     view->threadDone = 0;
     view->runMode = mode;
-    if (mode != 2)
+    if (mode != KR_RUN_ANIMATED)
         return 0;
 
     DataThread* self = new DataThread;
@@ -141,7 +141,7 @@ int startView(VIEW_STRUCT* view, uint32_t mode)
         logMsg(1, "krViewStartAnim: no data thread\n");
         delete self;
         view->dataThread = nullptr;
-        view->runMode = 0;
+        view->runMode = KR_RUN_STOPPED;
         forgetVariables(view);
         return -3;
     }
@@ -153,26 +153,26 @@ int startView(VIEW_STRUCT* view, uint32_t mode)
 
 void finishPendingStop(VIEW_STRUCT* view)
 {
-    if (view->runMode == 0 && view->dataThread)
+    if (view->runMode == KR_RUN_STOPPED && view->dataThread)
         joinDataThread(view);
     closeSourcesIfFree(view);
 }
 
 int krViewStart(VIEW_STRUCT* view)
 {
-    return startView(view, 1);
+    return startView(view, KR_RUN_SYNCHRONOUS);
 }
 
 int krViewStartAnim(VIEW_STRUCT* view)
 {
-    return startView(view, 2);
+    return startView(view, KR_RUN_ANIMATED);
 }
 
 int krViewStopAnim(VIEW_STRUCT* view)
 {
     if (int check = checkView(view))
         return check;
-    if (view->runMode != 2)
+    if (view->runMode != KR_RUN_ANIMATED)
         return -3;
     endDataThread(view);
     forgetVariables(view);
@@ -183,11 +183,11 @@ int krViewStop(VIEW_STRUCT* view)
 {
     if (int check = checkView(view))
         return check;
-    if (view->runMode == 0)
+    if (view->runMode == KR_RUN_STOPPED)
         return -3;
-    if (view->runMode == 2)
+    if (view->runMode == KR_RUN_ANIMATED)
         return krViewStopAnim(view);
-    view->runMode = 0;
+    view->runMode = KR_RUN_STOPPED;
     forgetVariables(view);
     return 0;
 }
@@ -196,7 +196,7 @@ int krViewPutData(VIEW_STRUCT* view, double delta)
 {
     if (int check = checkView(view))
         return check;
-    if (view->runMode == 0)
+    if (view->runMode == KR_RUN_STOPPED)
         return -3;
     view->time += delta;
     return 0;
@@ -214,7 +214,7 @@ int krViewSetHaltMode(VIEW_STRUCT* view, int mode)
 {
     if (int check = checkView(view))
         return check;
-    if (view->runMode == 0)
+    if (view->runMode == KR_RUN_STOPPED)
         return -3;
     view->haltMode = uint32_t(mode);
     return 0;

@@ -2,9 +2,9 @@
 #include "KorelEdit.h"
 #include "actions/actions.h"
 #include "base/base.h"
+#include "base/truncate.h"
 #include "core/handles.h"
 #include "core/runModes.h"
-#include "core/truncate.h"
 #include "data/data.h"
 #include "glyph/GlyphKit.h"
 
@@ -70,7 +70,7 @@ VIEW_STRUCT* krViewLoad(const char* path)
     if (getGlContext())
         glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
     int result = loadFile(path, &view->elements, &view->dataTypes, view);
-    view->runMode = 0;
+    view->runMode = KR_RUN_STOPPED;
     if (result != 0) {
         releaseView(view);
         return nullptr;
@@ -115,7 +115,7 @@ int krViewFree(VIEW_STRUCT* view)
 {
     if (int check = checkView(view))
         return check;
-    if (view->runMode != 0)
+    if (view->runMode != KR_RUN_STOPPED)
         krViewStop(view);
     finishPendingStop(view);
     if (view->planeTexture && getGlContext())

@@ -164,19 +164,19 @@ int krdAutoVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* source)
 
     // The texts need the 256-byte buffer of a text variable; a shorter one gets nothing.
     if (wave == kDate || wave == kTime) {
-        if (variable->type == kTextType)
+        if (variable->type == KR_VAR_TEXT)
             storeText(variable->value, wave == kDate ? state.date : state.time);
         return 0;
     }
     // Not a signal: the selected frequency itself, in Hz, whatever the range.
     if (wave == kFrequency) {
-        storeReal(variable->value, 0, kAutoFrequencyHz[frequency]);
+        writeValue(variable->value, KR_VAR_FLOAT, kAutoFrequencyHz[frequency]);
         return 0;
     }
     const float v = state.table[wave][frequency];
     const float value = kWaves[wave].scaling == Scaling::Centred ? (max - min) / 2 * v + (min + max) / 2
                                                                  : (max - min) * v + min;
-    storeReal(variable->value, 0, value);
+    writeValue(variable->value, KR_VAR_FLOAT, value);
     return 0;
 }
 
@@ -187,7 +187,7 @@ int krdAutoVarNewVariable(VARIABLE_STRUCT* variable)
     variable->para[kTypePara].ival = 0;
     variable->para[kFrequencyPara].ival = 0;
     setRange(variable, -1, 1);
-    variable->type = 0;
+    variable->type = KR_VAR_FLOAT;
     return 0;
 }
 
@@ -197,13 +197,13 @@ int krdAutoVarCallbackVar(int index, int value, void*, VARIABLE_STRUCT* variable
     if (index != kTypePara || !hasAllParameters(variable))
         return 0;
     if (value == kDate || value == kTime) {
-        variable->type = kTextType;
+        variable->type = KR_VAR_TEXT;
         setRange(variable, 0, 0);
     } else if (value == kSinHalf || (value >= kTriangle && value <= kRectangle)) {
-        variable->type = 0;
+        variable->type = KR_VAR_FLOAT;
         setRange(variable, 0, 1);
     } else {
-        variable->type = 0;
+        variable->type = KR_VAR_FLOAT;
         setRange(variable, -1, 1);
     }
     return 0;
@@ -213,14 +213,13 @@ int krdAutoVarCallbackVar(int index, int value, void*, VARIABLE_STRUCT* variable
 
 void autoSourceEntries(DD_DATA_TYPE_STRUCT* source)
 {
+    quietEntries(source);
     source->info = krdAutoVarInfo;
     source->open = krdAutoVarOpen;
     source->close = krdAutoVarClose;
     source->run = krdAutoVarRun;
     source->get = krdAutoVarGet;
     source->startView = krdAutoVarStartView;
-    source->newData = emptySourceEntry;
     source->newVariable = krdAutoVarNewVariable;
-    source->callbackData = emptyCallbackData;
     source->callbackVar = krdAutoVarCallbackVar;
 }

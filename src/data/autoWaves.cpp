@@ -1,6 +1,8 @@
 // The wave table of the Auto Data source, apart from its clock and its records.
 #include "data/autoWaves.h"
 
+#include "base/angles.h"
+
 #include <cmath>
 #include <cstdint>
 
@@ -26,7 +28,7 @@ void autoWaveTable(double t, float r, float table[kAutoWaveRows][kAutoFrequencie
     const float climb = float(0.1 * t);
     for (int f = 0; f < kAutoFrequencies; ++f) {
         const float p = limitPhase(float(t * kAutoFrequencyHz[f] * 360.0));
-        const float s = float(std::sin(double(p) * 0.017453292));
+        const float s = float(std::sin(double(p) * kDegreesToRadians));
         table[kSin][f] = s;
         table[kSinIncrease][f] = s + climb;
         table[kSinHalf][f] = std::fabs(s);

@@ -3,12 +3,12 @@
 
 #include "Korel2D.h"
 
-// Entry points that exist and have nothing to do, shared by the sources that need them.
-int emptySourceEntry(DD_DATA_TYPE_STRUCT* source);
+// Entry points that exist and have nothing to do: Open, Close, Run, StartView, NewData,
+// NewVariable and both callbacks. A source puts these first and then its own; Info, Get, Set
+// and PostRun stay as they were.
+void quietEntries(DD_DATA_TYPE_STRUCT* source);
+// A Get or Set that does nothing.
 int emptyVariableEntry(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* source);
-int emptyNewVariable(VARIABLE_STRUCT* variable);
-int emptyCallbackData(int index, int value, void* argument, DD_DATA_TYPE_STRUCT* source);
-int emptyCallbackVar(int index, int value, void* argument, VARIABLE_STRUCT* variable);
 
 // Each puts its entry points into a record; those it leaves out stay null.
 void autoSourceEntries(DD_DATA_TYPE_STRUCT* source);     // type 1

@@ -3,9 +3,10 @@
 #include "data/builtinSources.h"
 #include "data/valueBuffer.h"
 
-#include <cstdlib>
-
 namespace {
+
+// The stored VALUE is decimal, and a long takes all eight bytes of it.
+constexpr TextRules kValueText{10, false, LongWidth::Whole};
 
 int krdConstVarInfo(DD_DATA_TYPE_STRUCT* source)
 {
@@ -19,12 +20,7 @@ int krdConstVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT*)
     if (!variable->value)
         return 0;
     const char* text = variable->para && variable->nrPara > 0 && variable->para[0].sval ? variable->para[0].sval : "";
-    if (variable->type == 0 || variable->type == 1)
-        storeReal(variable->value, variable->type, strtod(text, nullptr));
-    else if (isIntegerType(variable->type))
-        storeInteger(variable->value, integerSize(variable->type), strtol(text, nullptr, 10));
-    else if (variable->type == kTextType)
-        storeText(variable->value, text);
+    parseValue(variable->value, variable->type, text, kValueText);
     return 0;
 }
 
@@ -32,10 +28,7 @@ int krdConstVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT*)
 
 void constantSourceEntries(DD_DATA_TYPE_STRUCT* source)
 {
+    quietEntries(source);
     source->info = krdConstVarInfo;
-    source->open = source->close = source->run = source->startView = source->newData = emptySourceEntry;
     source->get = krdConstVarGet;
-    source->newVariable = emptyNewVariable;
-    source->callbackData = emptyCallbackData;
-    source->callbackVar = emptyCallbackVar;
 }

@@ -13,37 +13,9 @@ int krdIntVarInfo(DD_DATA_TYPE_STRUCT* source)
 
 } // namespace
 
-int emptySourceEntry(DD_DATA_TYPE_STRUCT*)
-{
-    return 0;
-}
-
-int emptyVariableEntry(VARIABLE_STRUCT*, DD_DATA_TYPE_STRUCT*)
-{
-    return 0;
-}
-
-int emptyNewVariable(VARIABLE_STRUCT*)
-{
-    return 0;
-}
-
-int emptyCallbackData(int, int, void*, DD_DATA_TYPE_STRUCT*)
-{
-    return 0;
-}
-
-int emptyCallbackVar(int, int, void*, VARIABLE_STRUCT*)
-{
-    return 0;
-}
-
 void internalSourceEntries(DD_DATA_TYPE_STRUCT* source)
 {
+    quietEntries(source);
     source->info = krdIntVarInfo;
-    source->open = source->close = source->run = source->startView = source->newData = emptySourceEntry;
     source->get = source->set = emptyVariableEntry;
-    source->newVariable = emptyNewVariable;
-    source->callbackData = emptyCallbackData;
-    source->callbackVar = emptyCallbackVar;
 }

@@ -4,7 +4,6 @@
 #include "core/handles.h"
 #include "data/valueBuffer.h"
 
-#include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -40,7 +39,7 @@ int findRunning(VIEW_STRUCT* view, const char* name, const void* value, VARIABLE
 {
     if (int check = checkView(view))
         return check;
-    if (view->runMode == 0)
+    if (view->runMode == KR_RUN_STOPPED)
         return -3;
     if (!name)
         return -4;
@@ -50,34 +49,9 @@ int findRunning(VIEW_STRUCT* view, const char* name, const void* value, VARIABLE
     return 0;
 }
 
-int64_t readSigned(const void* buffer, int type)
-{
-    switch (type) {
-    case 2: return *static_cast<const int8_t*>(buffer);
-    case 3: return *static_cast<const uint8_t*>(buffer);
-    case 4: return *static_cast<const int16_t*>(buffer);
-    case 5: return *static_cast<const uint16_t*>(buffer);
-    case 6: return *static_cast<const int32_t*>(buffer);
-    // Printed with %d as the other codes, so above 2^31 - 1 it reads negative.
-    case 7: return *static_cast<const int32_t*>(buffer);
-    default: return *static_cast<const int64_t*>(buffer);
-    }
-}
-
-// Into 256 bytes: %f for float and double, %ld for the long codes, %d for the others.
-void printValue(char* text, const void* buffer, int type)
-{
-    if (type == 0)
-        snprintf(text, kTextBufferSize, "%f", double(*static_cast<const float*>(buffer)));
-    else if (type == 1)
-        snprintf(text, kTextBufferSize, "%f", *static_cast<const double*>(buffer));
-    else if (type == 8 || type == 9)
-        snprintf(text, kTextBufferSize, "%" PRId64, readSigned(buffer, type));
-    else if (isIntegerType(type))
-        snprintf(text, kTextBufferSize, "%d", int(readSigned(buffer, type)));
-    else if (type == kTextType)
-        storeText(text, static_cast<const char*>(buffer));
-}
+// A host's text is decimal; a double passes through a float and loses its low digits, and a
+// long is cut to 32 bits and sign-extended, as hosts expect.
+constexpr TextRules kHostText{10, true, LongWidth::SignExtended32};
 
 } // namespace
 
@@ -199,19 +173,8 @@ int krVarSetStr(VIEW_STRUCT* view, const char* name, const char* text)
     ViewLock lock(view);
     if (!variable)
         return 0;
-    void* buffer = variable->value;
-    if (!buffer)
-        return 1;
-    int type = variable->type;
-    if (type == 0 || type == 1)
-        // A double passes through a float here and loses its low digits, as hosts expect.
-        storeReal(buffer, type, double(float(strtod(text, nullptr))));
-    else if (type == 8 || type == 9)
-        storeInteger(buffer, 8, int64_t(int32_t(strtol(text, nullptr, 10))));
-    else if (isIntegerType(type))
-        storeInteger(buffer, integerSize(type), strtol(text, nullptr, 10));
-    else if (type == kTextType)
-        storeText(buffer, text);
+    if (variable->value)
+        parseValue(variable->value, variable->type, text, kHostText);
     return 1;
 }
 
@@ -223,9 +186,10 @@ int krVarGetStr(VIEW_STRUCT* view, const char* name, char* text)
     ViewLock lock(view);
     if (!variable)
         return -6;
-    text[0] = '\0';
     if (variable->value)
-        printValue(text, variable->value, variable->type);
+        formatValue(text, variable->value, variable->type);
+    else
+        text[0] = '\0';
     int written = variable->written;
     variable->written = 0;
     return written;
@@ -233,7 +197,7 @@ int krVarGetStr(VIEW_STRUCT* view, const char* name, char* text)
 
 void* krVarGetAddr(VIEW_STRUCT* view, const char* name)
 {
-    if (checkView(view) != 0 || view->runMode == 0 || !name)
+    if (checkView(view) != 0 || view->runMode == KR_RUN_STOPPED || !name)
         return nullptr;
     VARIABLE_STRUCT* variable = static_cast<VARIABLE_STRUCT*>(mpiHashSearchAscii(view->varHash, name));
     return variable ? variable->value : nullptr;

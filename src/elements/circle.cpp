@@ -137,23 +137,22 @@ int drawCircle(CIRCLE_STRUCT* c, ELEMENT_ATTR* attr, int selected)
         tkEnd();
         setStipple(0, nullptr);
     }
+    const auto rim = [&] {
+        tkBegin(GL_LINE_STRIP);
+        rimVertices(c, attr->arcEnd, step);
+        tkEnd();
+    };
     if (c->strokeOn) {
         tkLineStipple(attr->stippleFactor, attr->stipplePattern);
         tkLineWidth(attr->lineWidth);
         tkAliasBlend(c->antialias, attr->strokeColor[3]);
         kvColor4f(attr->strokeColor[0], attr->strokeColor[1], attr->strokeColor[2], attr->strokeColor[3]);
-        tkBegin(GL_LINE_STRIP);
-        rimVertices(c, attr->arcEnd, step);
-        tkEnd();
+        rim();
     }
     if (selected && !attr->live) {
-        tkLineStipple(1, 0xF0F0);
-        tkLineWidth(1);
-        kvColor4f(1, 0, 0, 1);
+        setSelectionPen(1);
         tkAliasBlend(0, 1.0f);
-        tkBegin(GL_LINE_STRIP);
-        rimVertices(c, attr->arcEnd, step);
-        tkEnd();
+        rim();
     }
     return 0;
 }

@@ -57,16 +57,10 @@ int drawGroup(ELEMENT_STRUCT* element, ELEMENT_ATTR* attr)
 {
     if (!element->selected || attr->live)
         return 0;
-    tkLineStipple(1, 0xF0F0);
-    tkLineWidth(2);
+    setSelectionPen(2);
     tkAliasBlend(0, 1.0f);
-    kvColor4f(1, 0, 0, 1);
     const float halfW = element->width * 0.5f, halfH = element->height * 0.5f;
-    tkBegin(GL_LINE_LOOP);
-    tkVertex2f(-halfW, -halfH);
-    tkVertex2f(-halfW, halfH);
-    tkVertex2f(halfW, halfH);
-    tkVertex2f(halfW, -halfH);
-    tkEnd();
+    const float cornerX[4] = {-halfW, -halfW, halfW, halfW}, cornerY[4] = {-halfH, halfH, halfH, -halfH};
+    drawCorners(GL_LINE_LOOP, cornerX, cornerY);
     return 0;
 }

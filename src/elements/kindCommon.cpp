@@ -95,11 +95,16 @@ void drawCorners(unsigned int mode, const float localX[4], const float localY[4]
     tkEnd();
 }
 
+void setSelectionPen(int width)
+{
+    tkLineStipple(1, kDashPattern);
+    tkLineWidth(width);
+    kvColor4f(1, 0, 0, 1);
+}
+
 void drawSelectionLoop(const float localX[4], const float localY[4])
 {
-    tkLineStipple(1, 0xF0F0);
-    tkLineWidth(1);
-    kvColor4f(1, 0, 0, 1);
+    setSelectionPen(1);
     drawCorners(GL_LINE_LOOP, localX, localY);
 }
 

@@ -28,7 +28,12 @@ void cornerGeometry(ELEMENT_STRUCT* element, const float cornerX[4], const float
                     float localY[4]);
 // One GL primitive through four local corners.
 void drawCorners(unsigned int mode, const float localX[4], const float localY[4]);
-// The red dashed frame the editing tool sees around a selected shape.
+// The dash pattern of the editing tool's frames.
+constexpr uint16_t kDashPattern = 0xF0F0;
+// The pen of the red dashed frame the editing tool sees around a selected element; the kind
+// draws the frame along its own outline.
+void setSelectionPen(int width);
+// That frame, one unit wide, through four local corners.
 void drawSelectionLoop(const float localX[4], const float localY[4]);
 
 // A new per-kind record, a byte copy of `source` or of the kind's defaults. Logs

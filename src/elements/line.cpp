@@ -68,9 +68,7 @@ int drawLine(LINE_STRUCT* l, ELEMENT_ATTR* attr, int selected, float dx, float d
     kvColor4f(attr->strokeColor[0], attr->strokeColor[1], attr->strokeColor[2], attr->strokeColor[3]);
     segment();
     if (selected && !attr->live) {
-        tkLineStipple(1, 0xF0F0);
-        tkLineWidth(1);
-        kvColor4f(1, 0, 0, 1);
+        setSelectionPen(1);
         segment();
     }
     return 0;

@@ -1,6 +1,7 @@
 // Polyline (kind 2) and closed polygon (kind 13): a list of points, outlined and filled.
 #include "KorelEdit.h"
 #include "base/base.h"
+#include "core/linkedList.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
@@ -202,7 +203,7 @@ void clipFill(ELEMENT_STRUCT* element, Axis axis, bool fromLow)
     COORD_STRUCT* last = p->coords;
     while (last->next)
         last = last->next;
-    COORD_STRUCT* tail = nullptr;
+    TailAppender<COORD_STRUCT> fill(&p->fillCoords);
     auto append = [&](const COORD_STRUCT* from, double x, double y) {
         COORD_STRUCT* c = createCoord();
         if (!c)
@@ -212,13 +213,7 @@ void clipFill(ELEMENT_STRUCT* element, Axis axis, bool fromLow)
         c->vertex[0] = x;
         c->vertex[1] = y;
         c->vertex[2] = from->vertex[2];
-        // Linked here rather than by appendCoord, which walks the list for every point.
-        c->prev = tail;
-        if (tail)
-            tail->next = c;
-        else
-            p->fillCoords = c;
-        tail = c;
+        fill.add(c);
     };
     auto appendCrossing = [&](const COORD_STRUCT* v, const COORD_STRUCT* neighbour) {
         // The two points lie on both sides of the line, so the lines always meet.
@@ -304,9 +299,7 @@ int drawPoly(POLY_STRUCT* record, ELEMENT_ATTR* attr, int selected)
         outline(record);
     }
     if (selected && !attr->live) {
-        tkLineStipple(1, 0xF0F0);
-        tkLineWidth(1);
-        kvColor4f(1, 0, 0, 1);
+        setSelectionPen(1);
         outline(record);
     }
     return 0;

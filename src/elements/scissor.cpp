@@ -25,14 +25,10 @@ int drawScissor(SCISSOR_STRUCT* s, ELEMENT_ATTR*, int selected)
     tkLineStipple(1, 0xFFFF);
     tkLineWidth(1);
     drawCorners(GL_LINE_LOOP, s->localX, s->localY);
-    tkLineStipple(1, 0xF0F0);
+    tkLineStipple(1, kDashPattern);
     tkLineWidth(3);
     drawCorners(GL_LINE_LOOP, s->localX, s->localY);
-    if (selected) {
-        tkLineStipple(1, 0xF0F0);
-        tkLineWidth(1);
-        kvColor4f(1, 0, 0, 1);
-        drawCorners(GL_LINE_LOOP, s->localX, s->localY);
-    }
+    if (selected)
+        drawSelectionLoop(s->localX, s->localY);
     return 0;
 }

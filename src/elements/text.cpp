@@ -1,6 +1,6 @@
 // Text: a string in a font, anchored at one of nine positions of its box.
 #include "KorelEdit.h"
-#include "core/truncate.h"
+#include "base/truncate.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "glyph/GlyphKit.h"

@@ -53,7 +53,7 @@ TEST(ActionRecords, NewActionPassesItsValueThrough)
     ACTION_STRUCT* b = createAction();
     ASSERT_NE(a, nullptr);
     EXPECT_EQ(b->id, a->id + 1);
-    EXPECT_EQ(a->type, 0);
+    EXPECT_EQ(a->type, KR_ACTION_TEXT);
     EXPECT_FLOAT_EQ(a->a0, 0);
     EXPECT_FLOAT_EQ(a->a1, 1);
     EXPECT_FLOAT_EQ(a->b0, 0);
@@ -174,7 +174,7 @@ TEST(ActionLists, DeleteAtEitherEndAndInTheMiddle)
 TEST(ActionCopies, StoredContentAndOwnThresholds)
 {
     ACTION_STRUCT* source = createAction();
-    source->type = 15;
+    source->type = KR_ACTION_STROKE_STYLE;
     snprintf(source->var, sizeof source->var, "speed");
     snprintf(source->var2, sizeof source->var2, "time");
     snprintf(source->format, sizeof source->format, "%%5.1f");
@@ -210,7 +210,7 @@ TEST(ActionCopies, StoredContentAndOwnThresholds)
     ACTION_STRUCT* copy = actionCopy(source);
     ASSERT_NE(copy, nullptr);
     EXPECT_EQ(copy->id, source->id);
-    EXPECT_EQ(copy->type, 15);
+    EXPECT_EQ(copy->type, KR_ACTION_STROKE_STYLE);
     EXPECT_STREQ(copy->var, "speed");
     EXPECT_STREQ(copy->var2, "time");
     EXPECT_STREQ(copy->format, "%5.1f");

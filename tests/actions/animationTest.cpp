@@ -28,7 +28,7 @@ SourceFields internals(const std::vector<std::string>& names)
 {
     std::vector<VariableFields> variables;
     for (const std::string& name : names)
-        variables.push_back({0, name, "", {}});
+        variables.push_back({KR_VAR_FLOAT, name, "", {}});
     return internalSource(variables);
 }
 
@@ -75,17 +75,17 @@ TEST_F(Animation, TranslationsAndScalesPlaceTheElement)
         float value;
         int x0, y0, x1, y1;
     } cases[] = {
-        {1, 0, 50, 130, 80, 170, 120},   // by v in x
-        {2, 0, 30, 80, 110, 120, 150},   // by v in y
-        {7, 0, 0.5f, 100, 80, 140, 120}, // by v widths
-        {8, 0, -1, 80, 40, 120, 80},     // by v heights
-        {9, 0, 200, 180, 80, 220, 120},  // to x = v
-        {10, 0, 50, 80, 30, 120, 70},    // to y = v
-        {3, 7, 2, 80, 80, 160, 120},     // wider about the lower left corner
-        {4, 7, 2, 80, 80, 120, 160},     // taller about it
-        {16, 7, 0.5f, 80, 80, 100, 100}, // both about it
-        {16, 9, 2, 60, 60, 140, 140},    // both about the centre
-        {16, 3, 0.5f, 100, 100, 120, 120}, // both about the upper right corner
+        {KR_ACTION_MOVE_X, 0, 50, 130, 80, 170, 120},            // by v in x
+        {KR_ACTION_MOVE_Y, 0, 30, 80, 110, 120, 150},            // by v in y
+        {KR_ACTION_MOVE_X_RELATIVE, 0, 0.5f, 100, 80, 140, 120}, // by v widths
+        {KR_ACTION_MOVE_Y_RELATIVE, 0, -1, 80, 40, 120, 80},     // by v heights
+        {KR_ACTION_MOVE_X_ABSOLUTE, 0, 200, 180, 80, 220, 120},  // to x = v
+        {KR_ACTION_MOVE_Y_ABSOLUTE, 0, 50, 80, 30, 120, 70},     // to y = v
+        {KR_ACTION_SCALE_X, 7, 2, 80, 80, 160, 120},             // wider about the lower left corner
+        {KR_ACTION_SCALE_Y, 7, 2, 80, 80, 120, 160},             // taller about it
+        {KR_ACTION_SCALE_XY, 7, 0.5f, 80, 80, 100, 100},         // both about it
+        {KR_ACTION_SCALE_XY, 9, 2, 60, 60, 140, 140},            // both about the centre
+        {KR_ACTION_SCALE_XY, 3, 0.5f, 100, 100, 120, 120},       // both about the upper right corner
     };
     for (const Case& c : cases) {
         SCOPED_TRACE("type " + std::to_string(c.type) + " cg " + std::to_string(c.cg));
@@ -103,7 +103,7 @@ TEST_F(Animation, NeedleTurnsClockwiseAboutItsEnd)
     needle.strokeWidth = 3;
     needle.stroke[0] = needle.stroke[1] = needle.stroke[2] = 1;
     ViewBuilder b = blackPage();
-    b.actions({act(5, "angle", 8)}).line(needle);
+    b.actions({act(KR_ACTION_ROTATE, "angle", 8)}).line(needle);
     start(b, {"angle"});
     const Rgb white{255, 255, 255};
     Frame level = frameWith("angle", 0);
@@ -119,8 +119,8 @@ TEST_F(Animation, ColourThresholdsPickByStrictLowerLimitAndKeepAlpha)
 {
     RectFields r = square();
     r.fill[3] = 0.8f; // drawn over black: each channel at 80 %
-    ActionFields colour = act(13, "level");
-    colour.blocks[0].entries = {entry(0, 0, 1, 0, 0), entry(10, 0, 0, 1, 0), entry(20, 0, 0, 0, 1)};
+    ActionFields colour = act(KR_ACTION_FILL_COLOR, "level");
+    colour.blocks[KR_THRESHOLDS_COLOR].entries = {entry(0, 0, 1, 0, 0), entry(10, 0, 0, 1, 0), entry(20, 0, 0, 0, 1)};
     ViewBuilder b = blackPage();
     b.actions({colour}).rect(r);
     start(b, {"level"});
@@ -138,10 +138,10 @@ TEST_F(Animation, WidthAndStyleThresholdsChangeTheOutline)
 {
     RectFields r = box(100, 100, 300, 200);
     r.fillOn = 0, r.strokeOn = 1;
-    ActionFields width = act(14, "w");
-    width.blocks[1].entries = {entry(0, 1), entry(10, 9)};
-    ActionFields style = act(15, "s");
-    style.blocks[2].entries = {entry(0, 0), entry(10, 2)};
+    ActionFields width = act(KR_ACTION_STROKE_WIDTH, "w");
+    width.blocks[KR_THRESHOLDS_WIDTH].entries = {entry(0, 1), entry(10, 9)};
+    ActionFields style = act(KR_ACTION_STROKE_STYLE, "s");
+    style.blocks[KR_THRESHOLDS_STYLE].entries = {entry(0, 0), entry(10, 2)};
     ViewBuilder b = blackPage();
     b.actions({width, style}).rect(r);
     start(b, {"w", "s"});
@@ -164,8 +164,8 @@ TEST_F(Animation, WidthAndStyleThresholdsChangeTheOutline)
 
 TEST_F(Animation, VisibilityHidesAGroupWithEverythingBelowIt)
 {
-    ActionFields visible = act(17, "show");
-    visible.blocks[3].entries = {entry(0, 1), entry(10, 0)};
+    ActionFields visible = act(KR_ACTION_VISIBLE, "show");
+    visible.blocks[KR_THRESHOLDS_VISIBLE].entries = {entry(0, 1), entry(10, 0)};
     ViewBuilder b = blackPage();
     b.beginGroup(2);
     b.rect(box(20, 20, 60, 60));
@@ -182,8 +182,8 @@ TEST_F(Animation, VisibilityHidesAGroupWithEverythingBelowIt)
 
 TEST_F(Animation, BlinkClockShowsBothStates)
 {
-    ActionFields blink = act(25, "alarm");
-    blink.blocks[4].entries = {entry(0, 3)};
+    ActionFields blink = act(KR_ACTION_BLINK, "alarm");
+    blink.blocks[KR_THRESHOLDS_BLINK].entries = {entry(0, 3)};
     ViewBuilder b = blackPage();
     b.actions({blink}).rect(square());
     start(b, {"alarm"});
@@ -210,7 +210,7 @@ TEST_F(Animation, ArcEndAndFillLevelCutTheFill)
     bar.fill[0] = 1, bar.fill[1] = 0, bar.fill[2] = 0;
     bar.points = {{0, 250, 50}, {1, 350, 50}, {2, 350, 250}, {3, 250, 250}};
     ViewBuilder b = blackPage();
-    b.actions({act(24, "end")}).circle(disc).actions({act(18, "level")}).cpoly(bar);
+    b.actions({act(KR_ACTION_ARC_END, "end")}).circle(disc).actions({act(KR_ACTION_FILL_UP, "level")}).cpoly(bar);
     start(b, {"end", "level"});
     set("end", 180);
     Frame f = frameWith("level", 0.5f);
@@ -228,11 +228,11 @@ TEST_F(Animation, ArcEndAndFillLevelCutTheFill)
 
 TEST_F(Animation, MappingLimitsAndFiltersShapeTheValue)
 {
-    ActionFields limited = act(1, "raw");
+    ActionFields limited = act(KR_ACTION_MOVE_X, "raw");
     limited.b0 = 10, limited.b1 = 0, limited.limit = 1; // v = 10 - 10 raw, kept within 0..10
-    ActionFields timed = act(2, "raw");
+    ActionFields timed = act(KR_ACTION_MOVE_Y, "raw");
     timed.filter = 1, timed.filterTime = 0.25f;
-    ActionFields lagged = act(2, "raw");
+    ActionFields lagged = act(KR_ACTION_MOVE_Y, "raw");
     lagged.filter = 2, lagged.filterTime = 0.1f;
     ViewBuilder b = blackPage();
     b.actions({limited}).rect(square()).actions({timed}).rect(square()).actions({lagged}).rect(square());
@@ -262,7 +262,7 @@ TEST_F(Animation, MappingLimitsAndFiltersShapeTheValue)
 TEST_F(Animation, HaltFreezesTheScreenWhileValuesGoOn)
 {
     ViewBuilder b = blackPage();
-    b.actions({act(1, "x")}).rect(square());
+    b.actions({act(KR_ACTION_MOVE_X, "x")}).rect(square());
     start(b, {"x"});
     expectRedBox(frameWith("x", 50), 130, 80, 170, 120);
     ASSERT_EQ(krViewSetHaltMode(view, 1), 0);
@@ -276,12 +276,12 @@ TEST_F(Animation, HaltFreezesTheScreenWhileValuesGoOn)
 
 TEST_F(Animation, MissingVariableReadsZeroAndLeavesOthersAlone)
 {
-    ActionFields missing = act(1, "nosuch");
+    ActionFields missing = act(KR_ACTION_MOVE_X, "nosuch");
     missing.b0 = 5, missing.b1 = 6; // a mapping that would move even a zero
     setLogLevel(1);
     getLogMsg(nullptr, 0);
     ViewBuilder b = blackPage();
-    b.actions({missing, act(2, "y")}).rect(square());
+    b.actions({missing, act(KR_ACTION_MOVE_Y, "y")}).rect(square());
     start(b, {"y"});
     char log[1024];
     getLogMsg(log, sizeof log);
@@ -293,12 +293,12 @@ TEST_F(Animation, StoppedViewLooksAsBeforeTheStart)
 {
     RectFields r = square();
     r.strokeOn = 1;
-    ActionFields colour = act(12, "c");
-    colour.blocks[0].entries = {entry(0, 0, 0, 0, 1)};
-    ActionFields hide = act(17, "c");
+    ActionFields colour = act(KR_ACTION_STROKE_COLOR, "c");
+    colour.blocks[KR_THRESHOLDS_COLOR].entries = {entry(0, 0, 0, 0, 1)};
+    ActionFields hide = act(KR_ACTION_VISIBLE, "c");
     hide.visibleMode = 1, hide.visibleValue = 3;
     ViewBuilder b = blackPage();
-    b.actions({act(1, "c"), colour}).rect(r).actions({hide}).rect(box(200, 200, 240, 240));
+    b.actions({act(KR_ACTION_MOVE_X, "c"), colour}).rect(r).actions({hide}).rect(box(200, 200, 240, 240));
     start(b, {"c"});
     ASSERT_EQ(krViewStop(view), 0);
     Frame before = draw(view);
@@ -322,10 +322,10 @@ TEST_F(Animation, InputActionsMakeVariablesReadWrite)
         example.id = 100;
         example.dataParams = {{0, "0"}, {0, ""}};
         example.varParamCount = 1;
-        example.variables = {{0, "lastSet", "", {{1, ""}}}};
+        example.variables = {{KR_VAR_FLOAT, "lastSet", "", {{1, ""}}}};
         ViewBuilder b = blackPage();
         if (withInput)
-            b.actions({act(22, "lastSet")});
+            b.actions({act(KR_ACTION_INPUT, "lastSet")});
         b.rect(square()).dataSection({example});
         VIEW_STRUCT* v = load(b);
         ASSERT_NE(v, nullptr);
@@ -349,11 +349,11 @@ TEST_F(Animation, InputActionsMakeVariablesReadWrite)
 // flagged for a host that polls with krVarGetStr only when the stored value changed.
 TEST_F(Animation, WrittenValuesAreClampedConvertedAndFlagged)
 {
-    ActionFields limited = act(1, "count");
+    ActionFields limited = act(KR_ACTION_MOVE_X, "count");
     limited.b0 = 10, limited.b1 = 0, limited.limit = 1;
     ViewBuilder b = blackPage();
     b.actions({limited}).rect(square());
-    b.dataSection({internalSource({{6, "count", "", {}}})});
+    b.dataSection({internalSource({{KR_VAR_INT32, "count", "", {}}})});
     view = load(b);
     ASSERT_NE(view, nullptr);
     ASSERT_EQ(krViewStart(view), 0);

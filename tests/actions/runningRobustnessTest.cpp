@@ -200,9 +200,9 @@ SourceFields hostileSource()
 {
     SourceFields s;
     s.id = 5;
-    for (int type = 0; type < 10; ++type)
+    for (int type = KR_VAR_FLOAT; type <= KR_VAR_UINT64; ++type)
         s.variables.push_back({type, kNumericVariables[type], "", {}});
-    s.variables.push_back({10, "t", "", {}});
+    s.variables.push_back({KR_VAR_TEXT, "t", "", {}});
     return s;
 }
 
@@ -216,10 +216,10 @@ ActionFields hostileAction(int type, const char* var, int index)
     a.var = var;
     a.cg = index % 10; // every centre of scale and rotation, and numbers that aren't one
     a.format = "%5.1f";
-    for (int block = 0; block < 5; ++block) {
-        a.blocks[block].entries = {entry(0, block == 3 ? 1 : 0), entry(10, 1000, nan, inf, -1),
+    for (int block = 0; block < KR_THRESHOLD_BLOCKS; ++block) {
+        a.blocks[block].entries = {entry(0, block == KR_THRESHOLDS_VISIBLE ? 1 : 0), entry(10, 1000, nan, inf, -1),
                                    entry(1e20f, -1, 1e30f, -inf, 0), entry(nan, 255)};
-        if (block == 4)
+        if (block == KR_THRESHOLDS_BLINK)
             a.blocks[block].entries.push_back(entry(100, 3)); // a clock that really blinks
     }
     a.visibleMode = index % 2;
@@ -262,36 +262,36 @@ ViewBuilder hostilePanel()
     CircleFields disc;
     LineFields needle;
     needle.x1 = 200, needle.y1 = 150, needle.x2 = 300, needle.y2 = 150;
-    for (int type = 0; type <= 25; ++type) {
+    for (int type = KR_ACTION_TEXT; type <= KR_ACTION_BLINK; ++type) {
         const std::vector<ActionFields> list = onEveryVariable(type);
         switch (type) {
-        case 0: break; // the text elements below
-        case 5: b.actions(list).line(needle); break;
-        case 6: b.actions(list).slider(SliderFields()); break;
-        case 17:
+        case KR_ACTION_TEXT: break; // the text elements below
+        case KR_ACTION_ROTATE: b.actions(list).line(needle); break;
+        case KR_ACTION_GRAPH: b.actions(list).slider(SliderFields()); break;
+        case KR_ACTION_VISIBLE:
             b.beginGroup(2).rect(r).circle(disc);
             b.actions(list).endGroup();
             break;
-        case 18:
-        case 19:
-        case 20:
-        case 21: b.actions(list).cpoly(bar).actions(list).cpoly(flat).actions(list).rect(r); break;
-        case 22:
-        case 23: b.actions(list).button(ButtonFields()); break;
-        case 24: b.actions(list).arc(disc).actions(list).circle(disc); break;
+        case KR_ACTION_FILL_UP:
+        case KR_ACTION_FILL_DOWN:
+        case KR_ACTION_FILL_LEFT:
+        case KR_ACTION_FILL_RIGHT: b.actions(list).cpoly(bar).actions(list).cpoly(flat).actions(list).rect(r); break;
+        case KR_ACTION_INPUT:
+        case KR_ACTION_BUTTON_STATE: b.actions(list).button(ButtonFields()); break;
+        case KR_ACTION_ARC_END: b.actions(list).arc(disc).actions(list).circle(disc); break;
         default: b.actions(list).rect(r).actions(list).circle(disc); break;
         }
     }
     for (const char* format : kFormats)
         for (const char* var : kNumericVariables) {
             ActionFields a;
-            a.type = 0;
+            a.type = KR_ACTION_TEXT;
             a.var = var;
             a.format = format;
             b.actions({a}).text(TextFields());
         }
     ActionFields shown;
-    shown.type = 0;
+    shown.type = KR_ACTION_TEXT;
     shown.var = "t";
     shown.format = "%d"; // a text variable is shown as it is, whatever the format
     b.actions({shown}).text(TextFields(), "textVariable");
@@ -489,10 +489,14 @@ protected:
 TEST_F(RunningBinding, SecondVariableOfAnotherTypeReadsSafely)
 {
     ViewBuilder b = blackPage();
-    b.actions({act(1, "x", 0, "label"), act(2, "label", 0, "x"), act(1, "x", 0, "x"), act(0, "label", 0, "wide")})
+    b.actions({act(KR_ACTION_MOVE_X, "x", 0, "label"), act(KR_ACTION_MOVE_Y, "label", 0, "x"),
+               act(KR_ACTION_MOVE_X, "x", 0, "x"), act(KR_ACTION_TEXT, "label", 0, "wide")})
         .rect(square());
-    b.actions({act(0, "x", 0, "label"), act(0, "small", 0, "label")}).text(TextFields());
-    b.dataSection({internalSource({{0, "x", "", {}}, {10, "label", "", {}}, {1, "wide", "", {}}, {2, "small", "", {}}})});
+    b.actions({act(KR_ACTION_TEXT, "x", 0, "label"), act(KR_ACTION_TEXT, "small", 0, "label")}).text(TextFields());
+    b.dataSection({internalSource({{KR_VAR_FLOAT, "x", "", {}},
+                                    {KR_VAR_TEXT, "label", "", {}},
+                                    {KR_VAR_DOUBLE, "wide", "", {}},
+                                    {KR_VAR_INT8, "small", "", {}}})});
     VIEW_STRUCT* view = load(b);
     ASSERT_NE(view, nullptr);
     for (int round = 0; round < 3; ++round) {
@@ -517,8 +521,9 @@ TEST_F(RunningBinding, GraphWithAbsurdSampleCountStillRuns)
         GraphFields g;
         g.samples = samples;
         ViewBuilder b = blackPage();
-        b.actions({act(1, "x", 0, "x")}).graph(g).actions({act(1, "x")}).rect(square());
-        b.dataSection({internalSource({{0, "x", "", {}}})});
+        b.actions({act(KR_ACTION_MOVE_X, "x", 0, "x")}).graph(g);
+        b.actions({act(KR_ACTION_MOVE_X, "x")}).rect(square());
+        b.dataSection({internalSource({{KR_VAR_FLOAT, "x", "", {}}})});
         setLogLevel(1);
         getLogMsg(nullptr, 0);
         VIEW_STRUCT* view = load(b);

@@ -23,8 +23,8 @@ struct ListOwner {
 TEST(ElementRecords, OldTextCodeBecomesTextWithItsRecord)
 {
     ListOwner list;
-    ELEMENT_STRUCT* e = list.add(10);
-    EXPECT_EQ(e->type, 4u);
+    ELEMENT_STRUCT* e = list.add(KR_TEXT_OLD);
+    EXPECT_EQ(e->type, uint32_t(KR_TEXT));
     EXPECT_EQ(std::string(e->name).rfind("TEXT-", 0), 0u) << e->name;
     ASSERT_NE(e->data, nullptr);
     const TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(e->data);

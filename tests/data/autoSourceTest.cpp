@@ -109,21 +109,21 @@ struct ScaledCase {
 TEST(AutoSource, ViewReadsScaledWavesFromItsStart)
 {
     const std::vector<ScaledCase> cases = {
-        {autoVar(0, "sin", kSin, k0_01, "0", "10"), 5},
-        {autoVar(0, "saw1", kSaw1, k0_01, "0", "10"), 0},
-        {autoVar(0, "saw2", kSaw2, k0_01, "0", "10"), 10},
-        {autoVar(0, "saw2Low", kSaw2, k0_01, "-4", "-2"), -2},
-        {autoVar(0, "inverted1", kSaw1, k0_01, "10", "0"), 10},
-        {autoVar(0, "inverted2", kSaw2, k0_01, "10", "0"), 0},
-        {autoVar(0, "flatSin", kSin, k10, "5", "5"), 5},
-        {autoVar(0, "flatRandom", kRandom, k10, "5", "5"), 5},
-        {autoVar(0, "hz", kFrequency, k0_1, "3", "7"), 0.1},
+        {autoVar(KR_VAR_FLOAT, "sin", kSin, k0_01, "0", "10"), 5},
+        {autoVar(KR_VAR_FLOAT, "saw1", kSaw1, k0_01, "0", "10"), 0},
+        {autoVar(KR_VAR_FLOAT, "saw2", kSaw2, k0_01, "0", "10"), 10},
+        {autoVar(KR_VAR_FLOAT, "saw2Low", kSaw2, k0_01, "-4", "-2"), -2},
+        {autoVar(KR_VAR_FLOAT, "inverted1", kSaw1, k0_01, "10", "0"), 10},
+        {autoVar(KR_VAR_FLOAT, "inverted2", kSaw2, k0_01, "10", "0"), 0},
+        {autoVar(KR_VAR_FLOAT, "flatSin", kSin, k10, "5", "5"), 5},
+        {autoVar(KR_VAR_FLOAT, "flatRandom", kRandom, k10, "5", "5"), 5},
+        {autoVar(KR_VAR_FLOAT, "hz", kFrequency, k0_1, "3", "7"), 0.1},
         // A form or a frequency past the lists stores nothing; so does a text into a float.
-        {autoVar(0, "noForm", AutoWave(12), k1, "1", "2"), 0},
-        {autoVar(0, "noFrequency", kSin, Hz(10), "1", "2"), 0},
-        {autoVar(0, "dateAsFloat", kDate, k1), 0},
+        {autoVar(KR_VAR_FLOAT, "noForm", AutoWave(12), k1, "1", "2"), 0},
+        {autoVar(KR_VAR_FLOAT, "noFrequency", kSin, Hz(10), "1", "2"), 0},
+        {autoVar(KR_VAR_FLOAT, "dateAsFloat", kDate, k1), 0},
     };
-    std::vector<VariableFields> variables = {autoVar(0, "clock", kSaw1, k0_1, "0", "10")};
+    std::vector<VariableFields> variables = {autoVar(KR_VAR_FLOAT, "clock", kSaw1, k0_1, "0", "10")};
     for (const ScaledCase& c : cases)
         variables.push_back(c.variable);
     LoadedView loaded(autoView(variables));
@@ -150,9 +150,10 @@ TEST(AutoSource, ViewReadsScaledWavesFromItsStart)
 
 TEST(AutoSource, ARangeOfZeroTakesTheWaveDefaults)
 {
-    LoadedView loaded(autoView({autoVar(0, "triangle", kTriangle, k1), autoVar(0, "sin", kSin, k1),
-                                autoVar(0, "random", kRandom, k1), autoVar(10, "date", kDate, k1),
-                                autoVar(0, "kept", kTriangle, k1, "0", "2")}));
+    LoadedView loaded(autoView({autoVar(KR_VAR_FLOAT, "triangle", kTriangle, k1),
+                                autoVar(KR_VAR_FLOAT, "sin", kSin, k1), autoVar(KR_VAR_FLOAT, "random", kRandom, k1),
+                                autoVar(KR_VAR_TEXT, "date", kDate, k1),
+                                autoVar(KR_VAR_FLOAT, "kept", kTriangle, k1, "0", "2")}));
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
     ASSERT_EQ(krViewStart(view), 0);
@@ -183,7 +184,8 @@ std::string localNow(const char* format)
 
 TEST(AutoSource, DateAndTimeAreLocalTexts)
 {
-    LoadedView loaded(autoView({autoVar(10, "date", kDate, k0_01), autoVar(10, "time", kTime, k0_01)}));
+    LoadedView loaded(
+        autoView({autoVar(KR_VAR_TEXT, "date", kDate, k0_01), autoVar(KR_VAR_TEXT, "time", kTime, k0_01)}));
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
     ASSERT_EQ(krViewStart(view), 0);
@@ -198,7 +200,7 @@ TEST(AutoSource, DateAndTimeAreLocalTexts)
 
 TEST(AutoSource, AnimatedSinFollowsRealTime)
 {
-    LoadedView loaded(autoView({autoVar(0, "sin", kSin, k1)}));
+    LoadedView loaded(autoView({autoVar(KR_VAR_FLOAT, "sin", kSin, k1)}));
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
     ASSERT_EQ(krViewStartAnim(view), 0);
@@ -258,11 +260,11 @@ TEST_F(AutoRecord, DescribesItsVariableForm)
 TEST_F(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
 {
     VARIABLE_STRUCT* v = createVariable(4);
-    v->type = 7;
+    v->type = KR_VAR_UINT32;
     v->para[0].ival = 5;
     v->para[1].ival = 3;
     EXPECT_EQ(source->newVariable(v), 0);
-    EXPECT_EQ(v->type, 0);
+    EXPECT_EQ(v->type, KR_VAR_FLOAT);
     EXPECT_EQ(v->para[0].ival, 0);
     EXPECT_EQ(v->para[1].ival, 0);
     EXPECT_EQ(range(v), "-1.0..1.0");
@@ -270,9 +272,10 @@ TEST_F(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
     const struct {
         int form, type;
         const char* range;
-    } chosen[] = {{kSinHalf, 0, "0.0..1.0"}, {kTriangle, 0, "0.0..1.0"}, {kRectangle, 0, "0.0..1.0"},
-                  {kDate, 10, "0.0..0.0"},   {kSinRandom, 0, "-1.0..1.0"}, {kTime, 10, "0.0..0.0"},
-                  {kRandom, 0, "-1.0..1.0"}, {kFrequency, 0, "-1.0..1.0"}};
+    } chosen[] = {{kSinHalf, KR_VAR_FLOAT, "0.0..1.0"},  {kTriangle, KR_VAR_FLOAT, "0.0..1.0"},
+                  {kRectangle, KR_VAR_FLOAT, "0.0..1.0"}, {kDate, KR_VAR_TEXT, "0.0..0.0"},
+                  {kSinRandom, KR_VAR_FLOAT, "-1.0..1.0"}, {kTime, KR_VAR_TEXT, "0.0..0.0"},
+                  {kRandom, KR_VAR_FLOAT, "-1.0..1.0"},   {kFrequency, KR_VAR_FLOAT, "-1.0..1.0"}};
     for (const auto& c : chosen) {
         EXPECT_EQ(source->callbackVar(0, c.form, nullptr, v), 0);
         EXPECT_EQ(v->type, c.type) << c.form;
@@ -285,10 +288,10 @@ TEST_F(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
 
     // A variable stored with fewer slots than the form is left as it is, and so is its value.
     VARIABLE_STRUCT* short3 = createVariable(3);
-    short3->type = 3;
+    short3->type = KR_VAR_UINT8;
     source->newVariable(short3);
     source->callbackVar(0, kDate, nullptr, short3);
-    EXPECT_EQ(short3->type, 3);
+    EXPECT_EQ(short3->type, KR_VAR_UINT8);
     EXPECT_EQ(source->startView(source), -1); // not opened
     ASSERT_EQ(source->open(source), 0);
     EXPECT_EQ(source->startView(source), 0);

@@ -71,7 +71,8 @@ SourceFields source(int type, std::vector<ParaFields> data = {}, int varParams =
 }
 
 // A source of the sample plug-in's layout: two data parameters and, per variable, what it GIVES.
-SourceFields exampleSource(int type, std::vector<VariableFields> variables = {variable(6, "EX_RUNS", {{0, "RUNS"}})})
+SourceFields exampleSource(int type,
+                           std::vector<VariableFields> variables = {variable(KR_VAR_INT32, "EX_RUNS", {{0, "RUNS"}})})
 {
     return source(type, {{0, "0"}, {0, "label"}}, 1, std::move(variables));
 }
@@ -121,7 +122,7 @@ TEST_F(PluginDiscovery, ViewListsBuiltinsPluginsAndUnknownTypes)
 {
     PluginDirs dirs;
     dirs.copyIntoHomeBin(examplePlugin());
-    SourceFields unknown = source(999, {{4, "kept"}}, 1, {variable(6, "orphan", {{1, "x"}})});
+    SourceFields unknown = source(999, {{4, "kept"}}, 1, {variable(KR_VAR_INT32, "orphan", {{1, "x"}})});
     LoadedView loaded(viewWith({source(2, {}, 1), source(5), unknown, exampleSource(100)}));
     ASSERT_NE(loaded.view, nullptr);
 
@@ -222,7 +223,7 @@ TEST_F(PluginDiscovery, FirstHolderOfATypeNumberWins)
         // A plug-in can't take the number of a built-in source.
         PluginDirs dirs;
         dirs.copyIntoWorkDir(variant("builtinClash", "libKrdBuiltinClash.so"));
-        LoadedView loaded(viewWith({source(2, {}, 1, {variable(1, "constant", {{0, "2.5"}})})}));
+        LoadedView loaded(viewWith({source(2, {}, 1, {variable(KR_VAR_DOUBLE, "constant", {{0, "2.5"}})})}));
         ASSERT_NE(loaded.view, nullptr);
         EXPECT_STREQ(krDataSourceName(sourceOfType(loaded.view, 2)), "Constant Data");
         EXPECT_EQ(takeLog(), "Data Type <2> already present. skipped ...\n");
@@ -278,7 +279,7 @@ TEST_F(PluginDiscovery, StoredParameterCountsGiveWayToThePlugins)
     dirs.copyIntoHomeBin(examplePlugin());
     dirs.copyIntoHomeBin(variant("wide", "libKrdWide.so"));
     {
-        LoadedView loaded(viewWith({source(100, {{42, "first"}}, 1, {variable(6, "EX_RUNS")})}));
+        LoadedView loaded(viewWith({source(100, {{42, "first"}}, 1, {variable(KR_VAR_INT32, "EX_RUNS")})}));
         DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, 100);
         ASSERT_NE(source, nullptr);
         EXPECT_EQ(takeLog(), mismatchLog("data", 2, 1));
@@ -306,7 +307,8 @@ TEST_F(PluginDiscovery, StoredParameterCountsGiveWayToThePlugins)
     }
     {
         // More slots than the file's minimum: the plug-in may read every one while it runs.
-        LoadedView loaded(viewWith({source(102, {{1, "0"}, {2, "b"}, {3, "c"}}, 1, {variable(6, "EX_RUNS")})}));
+        LoadedView loaded(
+            viewWith({source(102, {{1, "0"}, {2, "b"}, {3, "c"}}, 1, {variable(KR_VAR_INT32, "EX_RUNS")})}));
         DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, 102);
         ASSERT_NE(source, nullptr);
         EXPECT_TRUE(contains(takeLog(), "Library has 20 parameters, view has 3 parameters\n"));
@@ -328,8 +330,9 @@ TEST_F(PluginDiscovery, GlobalVariablesFollowThePluginsGlobals)
 {
     PluginDirs dirs;
     dirs.copyIntoHomeBin(variant("globals", "libKrdGlobals.so"));
-    LoadedView loaded(viewWith({exampleSource(
-        101, {variable(6, "exampleGlobalCount"), variable(0, "exampleGlobalFloat"), variable(6, "noSuchGlobal")})}));
+    LoadedView loaded(viewWith({exampleSource(101, {variable(KR_VAR_INT32, "exampleGlobalCount"),
+                                                    variable(KR_VAR_FLOAT, "exampleGlobalFloat"),
+                                                    variable(KR_VAR_INT32, "noSuchGlobal")})}));
     ASSERT_NE(loaded.view, nullptr);
     ASSERT_EQ(krViewStartAnim(loaded.view), 0);
     EXPECT_EQ(takeLog(), "error global variable noSuchGlobal\n");

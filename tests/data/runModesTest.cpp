@@ -37,12 +37,12 @@ ViewBuilder sourcesView(int blockMs = 0)
     SourceFields constants;
     constants.id = 2;
     constants.varParamCount = 1;
-    constants.variables = {{0, "pi", "", {{0, "3.5"}}}, {3, "byte", "", {{0, "300"}}}};
+    constants.variables = {{KR_VAR_FLOAT, "pi", "", {{0, "3.5"}}}, {KR_VAR_UINT8, "byte", "", {{0, "300"}}}};
     SourceFields example;
     example.id = kExampleType;
     example.dataParams = {{0, std::to_string(blockMs)}, {0, "test"}};
     example.varParamCount = 1;
-    example.variables = {{6, "runs", "", {{kRuns, ""}}}, {10, "thread", "", {{kThreadName, ""}}}};
+    example.variables = {{KR_VAR_INT32, "runs", "", {{kRuns, ""}}}, {KR_VAR_TEXT, "thread", "", {{kThreadName, ""}}}};
     b.dataSection({constants, example});
     return b;
 }
@@ -101,7 +101,7 @@ TEST(RunModeStates, EachEntryAnswersOnlyInItsState)
     EXPECT_EQ(valueOf(view, "pi"), "error -3");
 
     ASSERT_EQ(krViewStart(view), 0);
-    EXPECT_EQ(view->runMode, 1u);
+    EXPECT_EQ(view->runMode, uint32_t(KR_RUN_SYNCHRONOUS));
     EXPECT_EQ(krViewStart(view), -3);
     EXPECT_EQ(krViewStartAnim(view), -3);
     EXPECT_EQ(krViewStopAnim(view), -3);
@@ -109,7 +109,7 @@ TEST(RunModeStates, EachEntryAnswersOnlyInItsState)
     EXPECT_DOUBLE_EQ(view->time, 2.5);
     EXPECT_EQ(krViewSetHaltMode(view, 1), 0);
     EXPECT_EQ(krViewStop(view), 0);
-    EXPECT_EQ(view->runMode, 0u);
+    EXPECT_EQ(view->runMode, uint32_t(KR_RUN_STOPPED));
 
     // A start clears halt; the clock goes on from where it was.
     ASSERT_EQ(krViewStartAnim(view), 0);
@@ -192,7 +192,7 @@ TEST(AnimatedMode, StopDoesNotWaitForABlockedPlugin)
         auto before = Clock::now();
         EXPECT_EQ(krViewStop(view), 0);
         EXPECT_LT(Clock::now() - before, std::chrono::milliseconds(600));
-        EXPECT_EQ(view->runMode, 0u);
+        EXPECT_EQ(view->runMode, uint32_t(KR_RUN_STOPPED));
         if (!freeAtOnce) {
             // The thread comes back from Run into a stopped view, then ends on its own.
             std::this_thread::sleep_for(std::chrono::milliseconds(2200));

@@ -132,7 +132,7 @@ TEST_F(LineCircle, LineLandsWhereStoredHoweverItIsPlaced)
 {
     const LineFields stored = segment(50, 80, 150, 80, 3);
     ActionFields moveX;
-    moveX.type = 1;
+    moveX.type = KR_ACTION_MOVE_X;
     moveX.var = "v";
     // The small rectangle moves each group's centre away from the line's.
     struct Case {

@@ -35,7 +35,7 @@ ActionFields numberedAction(int k)
     a.mouseButton = k % 3, a.mouseAction = k % 8, a.mouseMode = (k + 1) % 3, a.mouseClamp = k + 1;
     a.mouseInc = f + 0.75f, a.mouseMin = -f, a.mouseMax = f + 100, a.mouseHiddenActive = k % 2 == 0 ? 0 : 7;
     a.translatePoly = "poly" + std::to_string(k), a.visibleMode = k % 2, a.visibleValue = k + 5;
-    for (int block = 0; block < 5; ++block) {
+    for (int block = 0; block < KR_THRESHOLD_BLOCKS; ++block) {
         a.blocks[block].min = f - float(block);
         a.blocks[block].max = f + 50 + float(block);
         for (int i = 0; i <= (k + block) % 3; ++i) {
@@ -92,11 +92,11 @@ void expectAction(const ActionFields& s, const ACTION_STRUCT* a)
     EXPECT_EQ(a->var2, s.var2);
     EXPECT_EQ(a->format, s.format);
     EXPECT_EQ(a->translatePoly, s.translatePoly);
-    expectBlock(s.blocks[0], a->colorMin, a->colorMax, a->colorThresholds, false);
-    expectBlock(s.blocks[1], a->widthMin, a->widthMax, a->widthThresholds, false);
-    expectBlock(s.blocks[2], a->styleMin, a->styleMax, a->styleThresholds, true);
-    expectBlock(s.blocks[3], a->visibleMin, a->visibleMax, a->visibleThresholds, false);
-    expectBlock(s.blocks[4], a->blinkMin, a->blinkMax, a->blinkThresholds, false);
+    expectBlock(s.blocks[KR_THRESHOLDS_COLOR], a->colorMin, a->colorMax, a->colorThresholds, false);
+    expectBlock(s.blocks[KR_THRESHOLDS_WIDTH], a->widthMin, a->widthMax, a->widthThresholds, false);
+    expectBlock(s.blocks[KR_THRESHOLDS_STYLE], a->styleMin, a->styleMax, a->styleThresholds, true);
+    expectBlock(s.blocks[KR_THRESHOLDS_VISIBLE], a->visibleMin, a->visibleMax, a->visibleThresholds, false);
+    expectBlock(s.blocks[KR_THRESHOLDS_BLINK], a->blinkMin, a->blinkMax, a->blinkThresholds, false);
     // Run-time state is not stored.
     EXPECT_EQ(a->value, nullptr);
     EXPECT_EQ(a->heldValue, nullptr);
@@ -106,7 +106,7 @@ void expectAction(const ActionFields& s, const ACTION_STRUCT* a)
 TEST(ActionRecordsInFiles, EveryTypeGivesBackEveryStoredField)
 {
     std::vector<ActionFields> all;
-    for (int type = 0; type <= 25; ++type)
+    for (int type = KR_ACTION_TEXT; type <= KR_ACTION_BLINK; ++type)
         all.push_back(numberedAction(type));
     ViewBuilder b = page();
     b.actions(all).rect(RectFields(), "animated");
@@ -134,20 +134,20 @@ TEST(ActionRecordsInFiles, GroupsClipsAndBodilessCodesCarryActions)
 {
     ViewBuilder b = page();
     b.beginGroup(2, "group");
-    b.actions({numberedAction(5)}).scissor(0, 0, 10, 10);
-    b.actions({numberedAction(22), numberedAction(23)}).bodiless(9);
-    b.actions({numberedAction(17)}).endGroup();
+    b.actions({numberedAction(KR_ACTION_ROTATE)}).scissor(0, 0, 10, 10);
+    b.actions({numberedAction(KR_ACTION_INPUT), numberedAction(KR_ACTION_BUTTON_STATE)}).bodiless(9);
+    b.actions({numberedAction(KR_ACTION_VISIBLE)}).endGroup();
     b.rect(RectFields(), "after");
     LoadedView loaded(b);
     ASSERT_NE(loaded.view, nullptr);
     const ELEMENT_STRUCT* group = loaded.view->elements;
     ASSERT_EQ(countList(group->actions), 1);
-    EXPECT_EQ(group->actions->type, 17);
+    EXPECT_EQ(group->actions->type, KR_ACTION_VISIBLE);
     const ELEMENT_STRUCT* clip = group->child;
     ASSERT_EQ(countList(clip->actions), 1);
-    expectAction(numberedAction(5), clip->actions);
+    expectAction(numberedAction(KR_ACTION_ROTATE), clip->actions);
     ASSERT_EQ(countList(clip->next->actions), 2);
-    EXPECT_EQ(clip->next->actions->next->type, 23);
+    EXPECT_EQ(clip->next->actions->next->type, KR_ACTION_BUTTON_STATE);
     ASSERT_NE(group->next, nullptr);
     EXPECT_STREQ(group->next->name, "after");
 }
@@ -155,7 +155,8 @@ TEST(ActionRecordsInFiles, GroupsClipsAndBodilessCodesCarryActions)
 VariableFields variable(const std::string& name, int capacity, std::vector<ParaFields> params)
 {
     VariableFields v;
-    v.type = 6, v.name = name, v.defaultValue = "1.5", v.capacity = capacity, v.params = std::move(params);
+    v.type = KR_VAR_INT32, v.name = name, v.defaultValue = "1.5";
+    v.capacity = capacity, v.params = std::move(params);
     return v;
 }
 
@@ -307,19 +308,19 @@ TEST(ActionAndDataRobustness, HugeCountsInASmallFileEndSoftly)
     ASSERT_EQ(countList(d.view->elements), 2);
     EXPECT_EQ(d.view->elements->next->actions, nullptr);
 
-    ActionFields thresholds = numberedAction(12);
+    ActionFields thresholds = numberedAction(KR_ACTION_STROKE_COLOR);
     ViewBuilder entries = page();
     entries.actions({thresholds}).rect(RectFields());
     std::vector<uint8_t> bytes = entries.bytes();
     // The blink block's count stands right before its entries, which end the file.
-    size_t blinkCount = bytes.size() - 4 - 24 * thresholds.blocks[4].entries.size();
+    size_t blinkCount = bytes.size() - 4 - 24 * thresholds.blocks[KR_THRESHOLDS_BLINK].entries.size();
     bytes[blinkCount] = 0x7F;
     LoadedView e(bytes);
     ASSERT_NE(e.view, nullptr);
     const ACTION_STRUCT* action = e.view->elements->actions;
     ASSERT_NE(action, nullptr);
-    EXPECT_EQ(countList(action->blinkThresholds), int(thresholds.blocks[4].entries.size()));
-    EXPECT_EQ(countList(action->colorThresholds), int(thresholds.blocks[0].entries.size()));
+    EXPECT_EQ(countList(action->blinkThresholds), int(thresholds.blocks[KR_THRESHOLDS_BLINK].entries.size()));
+    EXPECT_EQ(countList(action->colorThresholds), int(thresholds.blocks[KR_THRESHOLDS_COLOR].entries.size()));
 }
 
 } // namespace

@@ -65,21 +65,23 @@ std::vector<uint8_t> everyKindPanel(bool withFonts = true)
 {
     ViewBuilder b;
     b.page(0, 0, 400, 300, 0, 0, 0);
-    b.actions({banded(1, 0), banded(13, 0)}).rect(RectFields(), "lamp");
+    b.actions({banded(KR_ACTION_MOVE_X, KR_THRESHOLDS_COLOR), banded(KR_ACTION_FILL_COLOR, KR_THRESHOLDS_COLOR)})
+        .rect(RectFields(), "lamp");
     b.beginGroup(10, "gauges");
-    b.actions({banded(14, 1)}).polyline(PolyFields());
+    b.actions({banded(KR_ACTION_STROKE_WIDTH, KR_THRESHOLDS_WIDTH)}).polyline(PolyFields());
     PolyFields closed;
     closed.fillOn = 1;
-    b.actions({banded(15, 2)}).cpoly(closed);
-    b.actions({banded(17, 3)}).circle(CircleFields());
-    b.actions({banded(12, 4)}).arc(CircleFields());
+    b.actions({banded(KR_ACTION_STROKE_STYLE, KR_THRESHOLDS_STYLE)}).cpoly(closed);
+    b.actions({banded(KR_ACTION_VISIBLE, KR_THRESHOLDS_VISIBLE)}).circle(CircleFields());
+    b.actions({banded(KR_ACTION_STROKE_COLOR, KR_THRESHOLDS_BLINK)}).arc(CircleFields());
     b.line(LineFields());
     ImageFields picture;
     picture.width = picture.height = 2;
     picture.pixels.assign(16, 0x80);
     b.image(picture).button(ButtonFields()).slider(SliderFields()).scissor(0, 0, 200, 100);
-    b.beginGroup(1, "inner").rect(RectFields(), "deep").actions({banded(2, 0)}).endGroup();
-    b.actions({banded(13, 0)}).endGroup();
+    b.beginGroup(1, "inner").rect(RectFields(), "deep");
+    b.actions({banded(KR_ACTION_MOVE_Y, KR_THRESHOLDS_COLOR)}).endGroup();
+    b.actions({banded(KR_ACTION_FILL_COLOR, KR_THRESHOLDS_COLOR)}).endGroup();
     b.bodiless(9, "nobody");
     b.dataSection({source(1, 2, 64), source(2, 1, 80)});
     b.rect(RectFields(), "last");
@@ -168,8 +170,8 @@ std::vector<uint8_t> largePanel()
     picture.width = picture.height = 352;
     picture.pixels.assign(352 * 352 * 4, 0x80);
     std::vector<ActionFields> many;
-    for (int block = 0; block < 5; ++block)
-        many.push_back(banded(13, block, 300));
+    for (int block = 0; block < KR_THRESHOLD_BLOCKS; ++block)
+        many.push_back(banded(KR_ACTION_FILL_COLOR, block, 300));
     b.beginGroup(4, "big", "big-id0");
     b.actions(many).image(picture, "pic", "pic-id0");
     PolyFields longLine;

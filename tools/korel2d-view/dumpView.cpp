@@ -31,7 +31,7 @@ std::string variableTypeName(int32_t type)
 {
     static const char* const names[] = {"float", "double", "int8",  "uint8", "int16", "uint16",
                                         "int32", "uint32", "int64", "uint64", "text"};
-    return type >= 0 && type <= 10 ? names[type] : "type " + std::to_string(type);
+    return type >= KR_VAR_FLOAT && type <= KR_VAR_TEXT ? names[type] : "type " + std::to_string(type);
 }
 
 std::string number(double value)

@@ -7,7 +7,7 @@ const char* const kTypeNames[] = {"float", "double", "int8", "uint8", "int16", "
 
 const char* typeName(int type)
 {
-    return type >= 0 && type <= 10 ? kTypeNames[type] : "unknown type";
+    return type >= KR_VAR_FLOAT && type <= KR_VAR_TEXT ? kTypeNames[type] : "unknown type";
 }
 
 const char* libraryOf(DD_DATA_TYPE_STRUCT* source)

@@ -19,7 +19,7 @@ int krdOutsideInfo(DD_DATA_TYPE_STRUCT* source)
 int krdOutsideGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT* source)
 {
     (void)source;
-    if (variable && variable->value && variable->type == 0) {
+    if (variable && variable->value && variable->type == KR_VAR_FLOAT) {
         const float value = 7.25f;
         memcpy(variable->value, &value, sizeof value);
     }
