@@ -296,10 +296,13 @@ std::vector<uint8_t> everyKind()
     warning.fill[2] = kAmber.b;
     warning.fillStyle = 23;
     warning.points = {{0, 380, 60}, {1, 440, 160}, {2, 500, 60}};
-    ActionFields show = action(6, 9, "alarm", 0, 2, 0, 2);
+    // The alarm widens the outline and shows the triangle, each by its own threshold block.
+    constexpr int kStrokeWidthAction = 14, kVisibleAction = 17;
+    ActionFields widen = action(6, kStrokeWidthAction, "alarm", 0, 2, 0, 2);
+    widen.blocks[kWidthBlock] = thresholds(0, 2, {threshold(1, 2, 5, kRed)});
+    ActionFields show = action(7, kVisibleAction, "alarm", 0, 2, 0, 2);
     show.blocks[kVisibleBlock] = thresholds(0, 2, {threshold(0, 1, 0, kLampOff), threshold(1, 2, 1, kAmber)});
-    show.blocks[kWidthBlock] = thresholds(0, 2, {threshold(1, 2, 5, kRed)});
-    b.actions({show}).cpoly(warning, "warning", "warning-ID");
+    b.actions({widen, show}).cpoly(warning, "warning", "warning-ID");
 
     // A plug-in's source that isn't installed here: the view keeps what it stored.
     SourceFields link;
