@@ -204,7 +204,7 @@ void dial(ViewBuilder& b)
     sweep.end = 2.6f;
     sweep.fillOn = 0;
     sweep.strokeWidth = 4;
-    ActionFields turn = action(2, KR_ACTION_GRAPH, "speed", 0, 200, 0.5f, 2.6f);
+    ActionFields turn = action(2, KR_ACTION_ARC_END, "speed", 0, 200, 29, 149);
     turn.limit = 1;
     turn.cg = 5;
     b.actions({turn}).arc(sweep, "sweep", "sweep-ID");
@@ -223,7 +223,7 @@ void dial(ViewBuilder& b)
     label.text = "km/h";
     label.fontSize = 14;
     label.textSize = 14;
-    ActionFields readout = action(3, KR_ACTION_FILL_LEFT, "speed", 0, 1, 0, 1);
+    ActionFields readout = action(3, KR_ACTION_TEXT, "speed", 0, 1, 0, 1);
     readout.format = "%5.1f km/h";
     b.actions({readout}).text(label, "label", "label-ID");
 
@@ -247,7 +247,7 @@ std::vector<uint8_t> everyKind()
     ViewBuilder b;
     b.page(0, 0, 640, 520, kPage.r, kPage.g, kPage.b);
 
-    ActionFields alarm = action(1, KR_ACTION_MOVE_X, "alarm", 0, 2, 0, 2);
+    ActionFields alarm = action(1, KR_ACTION_STROKE_COLOR, "alarm", 0, 2, 0, 2);
     alarm.blocks[KR_THRESHOLDS_COLOR] = thresholds(0, 2, {threshold(0, 1, 0, kGreen), threshold(1, 2, 1, kRed)});
     alarm.blocks[KR_THRESHOLDS_BLINK] = thresholds(0, 2, {threshold(1, 2, 3, kRed)});
     b.actions({alarm}).rect(framed(16, 16, 624, 504, kPanel, kFrame, 2), "backdrop", "backdrop-ID");
@@ -259,7 +259,7 @@ std::vector<uint8_t> everyKind()
     trend.height = 180;
     trend.ymin = 0;
     trend.ymax = 200;
-    ActionFields trace = action(4, KR_ACTION_SCALE_X, "speed", 0, 200, 0, 200);
+    ActionFields trace = action(4, KR_ACTION_GRAPH, "speed", 0, 200, 0, 200);
     trace.var2 = "clock";
     b.actions({trace}).graph(trend, "trend", "trend-ID");
 
@@ -277,7 +277,7 @@ std::vector<uint8_t> everyKind()
     start.x1 = 160;
     start.y1 = 80;
     start.state = 1;
-    b.actions({action(5, KR_ACTION_STROKE_COLOR, "running", 0, 1, 0, 1)}).button(start, "start", "start-ID");
+    b.actions({action(5, KR_ACTION_BUTTON_STATE, "running", 0, 1, 0, 1)}).button(start, "start", "start-ID");
 
     SliderFields level;
     level.x = 300;
@@ -294,10 +294,12 @@ std::vector<uint8_t> everyKind()
     warning.fill[2] = kAmber.b;
     warning.fillStyle = 23;
     warning.points = {{0, 380, 60}, {1, 440, 160}, {2, 500, 60}};
-    ActionFields show = action(6, KR_ACTION_MOVE_X_ABSOLUTE, "alarm", 0, 2, 0, 2);
+    // The alarm widens the outline and shows the triangle, each by its own threshold block.
+    ActionFields widen = action(6, KR_ACTION_STROKE_WIDTH, "alarm", 0, 2, 0, 2);
+    widen.blocks[KR_THRESHOLDS_WIDTH] = thresholds(0, 2, {threshold(1, 2, 5, kRed)});
+    ActionFields show = action(7, KR_ACTION_VISIBLE, "alarm", 0, 2, 0, 2);
     show.blocks[KR_THRESHOLDS_VISIBLE] = thresholds(0, 2, {threshold(0, 1, 0, kLampOff), threshold(1, 2, 1, kAmber)});
-    show.blocks[KR_THRESHOLDS_WIDTH] = thresholds(0, 2, {threshold(1, 2, 5, kRed)});
-    b.actions({show}).cpoly(warning, "warning", "warning-ID");
+    b.actions({widen, show}).cpoly(warning, "warning", "warning-ID");
 
     // A plug-in's source that isn't installed here: the view keeps what it stored.
     SourceFields link;

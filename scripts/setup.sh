@@ -2,7 +2,7 @@
 # Installs the Debian packages the library, its tests, benchmarks and demo need.
 # Skips apt entirely when everything is already there, so repeated runs are quick.
 set -e
-PACKAGES="cmake g++ make pkg-config libgl-dev libglu1-mesa-dev libx11-dev libgl1-mesa-dri \
+PACKAGES="cmake g++ make pkg-config libgl-dev libegl-dev libglu1-mesa-dev libx11-dev libgl1-mesa-dri \
   xvfb xauth libtinyxml-dev zlib1g-dev libfreetype-dev libfontconfig-dev fonts-liberation2 \
   libpng-dev libgtest-dev libgmock-dev libbenchmark-dev doxygen"
 missing=""

@@ -2,11 +2,14 @@
 # Installs the build into a scratch prefix and builds hosts against what was installed:
 # a C host through pkg-config that loads a view by dlopen, and a C++ host through find_package.
 # The installed sample plug-in and one built here against the installed header alone are then
-# found through KOREL_HOME by a view that uses them.
+# found through KOREL_HOME by a view that uses them. The README's host program, built both ways
+# as the README says, draws VIEW (the sample panel). Last, what scripts/demo.sh builds, in a
+# build directory of its own, installs whole, and the installed demo host runs.
 #   installCheck.sh BUILD SOURCE VIEW [SOURCES_VIEW]   (SOURCES_VIEW: examples/sources.k2d)
 set -e
 BUILD="$1"; SOURCE="$2"; VIEW="$3"
-SOURCES_VIEW="${4:-$SOURCE/../../examples/sources.k2d}"
+ROOT=$(cd "$SOURCE/../.." && pwd)
+SOURCES_VIEW="${4:-$ROOT/examples/sources.k2d}"
 PREFIX=$(mktemp -d)
 trap 'rm -rf "$PREFIX"' EXIT
 cmake --install "$BUILD" --prefix "$PREFIX" >/dev/null
@@ -16,15 +19,38 @@ test -f "$PREFIX/include/KorelEdit.h"
 test -f "$PREFIX/include/KorelDataSource.h"
 test -L "$LIBDIR/libKorel2D.so"
 test -f "$PREFIX/bin/libKrdExample.so"
+test -n "$(find "$PREFIX/share" -name LICENSE)"
+# Installed programs find the installed library by themselves.
+env -u LD_LIBRARY_PATH "$PREFIX/bin/korel2d-view" --help >/dev/null
 
 export PKG_CONFIG_PATH="$LIBDIR/pkgconfig"
 test "$(pkg-config --modversion korel2d)" = "3.4.1"
 cc -std=c99 -Wall -Wextra -Werror -o "$PREFIX/cHost" "$SOURCE/cHost.c" $(pkg-config --cflags korel2d) -ldl
 LD_LIBRARY_PATH="$LIBDIR" "$PREFIX/cHost" libKorel2D.so.3 "$VIEW"
 
-cmake -S "$SOURCE/cmakeHost" -B "$PREFIX/cmakeHost" -DCMAKE_PREFIX_PATH="$PREFIX" >/dev/null
+cmake -S "$SOURCE/cmakeHost" -B "$PREFIX/cmakeHost" -DCMAKE_PREFIX_PATH="$PREFIX" \
+  -DMINIMAL_HOST="$ROOT/examples/host/minimalHost.c" >/dev/null
 cmake --build "$PREFIX/cmakeHost" >/dev/null
 LD_LIBRARY_PATH="$LIBDIR" "$PREFIX/cmakeHost/cmakeHost"
+
+# The README quotes the host program whole: the indented block under the line that names it.
+awk '/minimalHost.c`\):$/ { inside = 1; next }
+  inside && /^    / { if (started) for (; blanks > 0; --blanks) print ""; blanks = 0; started = 1; print substr($0, 5); next }
+  inside && /^$/ { ++blanks; next }
+  inside { exit }' "$ROOT/README.md" > "$PREFIX/readmeHost.c"
+if ! cmp -s "$PREFIX/readmeHost.c" "$ROOT/examples/host/minimalHost.c"; then
+  echo "the README's host program differs from examples/host/minimalHost.c" >&2
+  exit 1
+fi
+# Built as the README says, it runs the panel; the pixel at the centre is a lamp bezel
+# (0.45, 0.47, 0.50), not the page colour that a frame without the panel would show.
+(cd "$PREFIX" && cc -o minimalHost "$ROOT/examples/host/minimalHost.c" $(pkg-config --cflags --libs korel2d) \
+  -lEGL -lGL -Wl,-rpath,"$(pkg-config --variable=libdir korel2d)")
+for host in "$PREFIX/minimalHost" "$PREFIX/cmakeHost/minimalHost"; do
+  env -u LD_LIBRARY_PATH -u DISPLAY "$host" "$VIEW" | tee "$PREFIX/centre.txt"
+  awk '{ exit !($(NF-2) >= 114 && $(NF-2) <= 116 && $(NF-1) >= 119 && $(NF-1) <= 121 && $NF >= 127 && $NF <= 129) }' \
+    "$PREFIX/centre.txt"
+done
 
 if [ ! -f "$SOURCES_VIEW" ]; then
   echo "missing the view of sources: $SOURCES_VIEW" >&2
@@ -47,3 +73,13 @@ for plugin in "$PREFIX/bin/libKrdExample.so" "$PREFIX/outside/bin/libKrdOutside.
   fi
 done
 (cd "$PREFIX/run" && KOREL_HOME="$PREFIX/outside" LD_LIBRARY_PATH="$LIBDIR" "$PREFIX/cHost" libKorel2D.so.3 "$SOURCES_VIEW" outside)
+
+# From a fresh build directory: what scripts/demo.sh builds is all that an install copies.
+TARGETS=$(sed -n 's/^TARGETS="\(.*\)"$/\1/p' "$ROOT/scripts/demo.sh")
+test -n "$TARGETS"
+cmake -S "$ROOT" -B "$PREFIX/demoBuild" -DKOREL2D_TESTS=OFF -DKOREL2D_BENCH=OFF >/dev/null
+cmake --build "$PREFIX/demoBuild" -j"$(nproc)" --target $TARGETS >/dev/null
+cmake --install "$PREFIX/demoBuild" --prefix "$PREFIX/demoInstall" >/dev/null
+test -f "$PREFIX/demoInstall/bin/libKrdExample.so"
+env -u LD_LIBRARY_PATH "$PREFIX/demoInstall/bin/korel2d-view" --help >/dev/null
+echo "install check: the demo build installs whole and its korel2d-view runs"

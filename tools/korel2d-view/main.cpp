@@ -25,24 +25,16 @@
 
 namespace {
 
-const char* const kUsage = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z] [--dump]\n"
-                           "       korel2d-view FILE --vars [--anim] [--frames N]\n"
-                           "  --png OUT    render off-screen into the PNG file OUT instead of a window\n"
-                           "  --frames N   draw N frames of the running view, then quit and print the mean\n"
-                           "               and worst frame time (default: until the window is closed;\n"
-                           "               one frame off-screen)\n"
-                           "  --size WxH   picture size in pixels (default: the page size times the zoom)\n"
-                           "  --zoom Z     pixels per view unit (default 1)\n"
-                           "  --dump       print the view's elements, actions and data sources as text\n"
-                           "               and quit; nothing is drawn\n"
-                           "  --vars       start the view, run N data cycles (default 1), print each source\n"
-                           "               and the value of each variable, stop\n"
-                           "  --anim       with --vars: run in the animated mode, where the library's data\n"
-                           "               thread runs a cycle every 10 ms, instead of one cycle per frame\n"
-                           "Without a display the picture goes to korel2d-view.png.\n";
-
 constexpr int kMinSide = 64;
 constexpr int kMaxSide = 4096;
+constexpr int kMaxFrames = 1000000000;
+constexpr float kMaxZoom = 100;
+const char* const kDefaultPng = "korel2d-view.png";
+
+// Exit statuses.
+constexpr int kDone = 0;
+constexpr int kFailed = 1; // the view could not be loaded, started, drawn or written
+constexpr int kBadArguments = 2;
 
 struct Options {
     std::string file;
@@ -69,62 +61,117 @@ bool parseInt(const char* text, int lo, int hi, int* value)
     return true;
 }
 
-bool parseSize(const char* text, int* width, int* height)
+// An option that takes a value: its name and placeholder, what the value must be (for the
+// message that refuses it and for the help), what it does, and the parser that stores it.
+struct ValuedOption {
+    const char* name;
+    const char* placeholder;
+    std::string rule;
+    std::string meaning;
+    bool (*parse)(const char* value, Options* o);
+};
+
+const std::vector<ValuedOption>& valuedOptions()
 {
-    const char* x = std::strchr(text, 'x');
-    if (!x)
-        return false;
-    std::string w(text, x);
-    return parseInt(w.c_str(), 1, kMaxSide, width) && parseInt(x + 1, 1, kMaxSide, height);
+    static const std::vector<ValuedOption> options = {
+        {"--png", "OUT", "OUT must be a file name",
+         "render off-screen and write the last frame to OUT, in every mode\n"
+         "(default: a window, or " + std::string(kDefaultPng) + " without a display)",
+         [](const char* value, Options* o) {
+             o->png = value;
+             return !o->png.empty();
+         }},
+        {"--frames", "N", "N must be a whole number in 1.." + std::to_string(kMaxFrames),
+         "draw N frames of the running view, then quit and print the mean and worst\n"
+         "frame time; with --vars, run N data cycles (default: until the window is\n"
+         "closed; one frame off-screen; one data cycle)",
+         [](const char* value, Options* o) { return parseInt(value, 1, kMaxFrames, &o->frames); }},
+        {"--size", "WxH", "W and H must be whole numbers in 1.." + std::to_string(kMaxSide) + ", as in 640x480",
+         "picture size in pixels (default: the page size times the zoom, each side\n"
+         "kept to " + std::to_string(kMinSide) + ".." + std::to_string(kMaxSide) + ")",
+         [](const char* value, Options* o) {
+             const char* x = std::strchr(value, 'x');
+             return x && parseInt(std::string(value, x).c_str(), 1, kMaxSide, &o->width) &&
+                    parseInt(x + 1, 1, kMaxSide, &o->height);
+         }},
+        {"--zoom", "Z", "Z must be a number above 0 and at most " + std::to_string(int(kMaxZoom)),
+         "pixels per view unit (default 1)",
+         [](const char* value, Options* o) {
+             char* end = nullptr;
+             float z = std::strtof(value, &end);
+             if (end == value || *end != '\0' || !(z > 0.0f && z <= kMaxZoom))
+                 return false;
+             o->zoom = z;
+             return true;
+         }},
+    };
+    return options;
 }
 
-bool parseZoom(const char* text, float* zoom)
+const char* const kSynopsis = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z]\n"
+                              "       korel2d-view FILE --dump [--png OUT ...]\n"
+                              "       korel2d-view FILE --vars [--anim] [--frames N] [--png OUT ...]\n";
+
+// Each option with what its value must be, what it does and its default.
+std::string helpText()
 {
-    char* end = nullptr;
-    float z = std::strtof(text, &end);
-    if (end == text || *end != '\0' || !(z > 0.0f && z <= 100.0f))
-        return false;
-    *zoom = z;
-    return true;
+    const std::string indent(15, ' ');
+    std::string text = std::string(kSynopsis) +
+                       "Shows the view file FILE running: in a window where an X display answers, else\n"
+                       "off-screen into a PNG file.\n";
+    for (const ValuedOption& option : valuedOptions()) {
+        std::string head = std::string("  ") + option.name + " " + option.placeholder;
+        text += head + std::string(indent.size() - head.size(), ' ') + option.rule + "\n" + indent;
+        for (char c : option.meaning)
+            text += c == '\n' ? "\n" + indent : std::string(1, c);
+        text += "\n";
+    }
+    return text + "  --dump       print the view's elements, actions and data sources as text and quit;\n"
+                  "               nothing is drawn unless --png asks for a picture (default off)\n"
+                  "  --vars       start the view, run N data cycles (one per frame, drawn off-screen),\n"
+                  "               print each source and the value of each variable, stop (default off)\n"
+                  "  --anim       with --vars: the library's data thread runs a cycle every 10 ms\n"
+                  "               instead (default off)\n"
+                  "  -h, --help   print this help and quit\n"
+                  "Exit status: 0 done; 1 the view could not be loaded, started, drawn or written;\n"
+                  "2 bad arguments.\n";
 }
 
-// False on anything it does not understand; the caller prints the usage.
-bool parseArguments(int argc, char** argv, Options* o)
+// Empty when the arguments make sense; otherwise what is wrong, naming the argument.
+std::string parseArguments(int argc, char** argv, Options* o)
 {
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
         if (arg == "-h" || arg == "--help") {
             o->help = true;
-            return true;
+            return "";
         }
         if (arg == "--dump" || arg == "--vars" || arg == "--anim") {
             (arg == "--dump" ? o->dump : arg == "--vars" ? o->vars : o->anim) = true;
             continue;
         }
         if (arg.size() > 1 && arg[0] == '-') {
+            const auto& options = valuedOptions();
+            auto option = std::find_if(options.begin(), options.end(),
+                                       [&](const ValuedOption& v) { return arg == v.name; });
+            if (option == options.end())
+                return "unknown option " + arg;
             if (i + 1 >= argc)
-                return false;
+                return arg + " needs a value: " + option->rule;
             const char* value = argv[++i];
-            bool ok = false;
-            if (arg == "--png") {
-                o->png = value;
-                ok = !o->png.empty();
-            } else if (arg == "--frames") {
-                ok = parseInt(value, 1, 1000000000, &o->frames);
-            } else if (arg == "--size") {
-                ok = parseSize(value, &o->width, &o->height);
-            } else if (arg == "--zoom") {
-                ok = parseZoom(value, &o->zoom);
-            }
-            if (!ok)
-                return false;
+            if (!option->parse(value, o))
+                return arg + " " + value + ": " + option->rule;
         } else if (o->file.empty()) {
             o->file = arg;
         } else {
-            return false;
+            return "one view file only, but " + arg + " follows " + o->file;
         }
     }
-    return !o->file.empty() && (!o->anim || o->vars);
+    if (o->file.empty())
+        return "no view file given";
+    if (o->anim && !o->vars)
+        return "--anim goes with --vars only";
+    return "";
 }
 
 // ---------------------------------------------------------------- the view
@@ -132,23 +179,33 @@ bool parseArguments(int argc, char** argv, Options* o)
 using ViewPtr = std::unique_ptr<VIEW_STRUCT, int (*)(VIEW_STRUCT*)>;
 using WindowPtr = std::unique_ptr<WINDOW_STRUCT, int (*)(WINDOW_STRUCT*)>;
 
-void reportLoadFailure(const std::string& file, const char* reason)
+// What the library logged since it was last asked. At its default level it keeps errors only.
+std::string takeLibraryLog()
 {
-    std::fprintf(stderr, "korel2d-view: cannot load %s%s%s\n", file.c_str(), reason ? ": " : "", reason ? reason : "");
     char log[4096];
     getLogMsg(log, sizeof log);
-    if (log[0])
-        std::fprintf(stderr, "library log:\n%s", log);
+    std::string text = log;
+    while (!text.empty() && text.back() == '\n')
+        text.pop_back();
+    return text;
+}
+
+// The reason is the library's own words where it logged any, as they name the fault.
+void reportLoadFailure(const std::string& file, const std::string& reason)
+{
+    std::fprintf(stderr, "korel2d-view: cannot load %s: %s\n", file.c_str(), reason.c_str());
 }
 
 // Reads only the page fields. Unlike the full load it tells why a file fails: missing,
-// unreadable, or not a view file.
+// unreadable, or not a view file. The page read logs an error only when nothing came back.
 bool readPage(const std::string& file, VIEW_STRUCT* page)
 {
     int result = loadConfigFile(file.c_str(), page);
-    if (result != 0)
-        reportLoadFailure(file, result < -1 ? std::strerror(-result) : "not a view file");
-    return result == 0;
+    std::string log = takeLibraryLog();
+    if (result == 0 && log.empty())
+        return true;
+    reportLoadFailure(file, !log.empty() ? log : result < -1 ? std::strerror(-result) : "not a view file");
+    return false;
 }
 
 // The picture size follows the page unless --size gave one. Only the page is read here: the
@@ -173,12 +230,18 @@ bool pictureSize(const Options& o, int* width, int* height)
     return true;
 }
 
+// A file of a revision the library doesn't read still gives a view: an empty one, with an error
+// in the log. That counts as a failure; errors beside elements or sources (a plug-in that
+// doesn't open) don't.
 ViewPtr loadView(const std::string& file)
 {
     ViewPtr view(krViewLoad(file.c_str()), krViewFree);
-    if (!view)
-        reportLoadFailure(file, nullptr);
-    return view;
+    std::string log = takeLibraryLog();
+    bool empty = view && !view->elements && !view->dataTypes;
+    if (view && !(empty && !log.empty()))
+        return view;
+    reportLoadFailure(file, log.empty() ? "not a view file" : log);
+    return ViewPtr(nullptr, krViewFree);
 }
 
 void drawFrame(WINDOW_STRUCT* window, VIEW_STRUCT* view, float zoom)
@@ -230,45 +293,76 @@ int dumpToStdout(const Options& o)
 {
     VIEW_STRUCT page = {};
     if (!readPage(o.file, &page))
-        return 1;
+        return kFailed;
     ViewPtr view = loadView(o.file);
     if (!view)
-        return 1;
+        return kFailed;
     dumpView(view.get(), stdout);
-    return 0;
+    return kDone;
 }
 
-// Mode 1 runs a data cycle per frame, so frames are drawn into a small off-screen picture;
-// mode 2 needs no drawing, its thread runs a cycle every 10 ms.
+// Reads back the picture drawn off-screen and writes it as a PNG file.
+bool writePicture(const std::string& out, int width, int height, const char* kind)
+{
+    const size_t stride = size_t(width) * 3;
+    std::vector<uint8_t> pixels(stride * size_t(height));
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
+    // GL's first row is the bottom one, a PNG's the top one.
+    std::vector<uint8_t> flipped(pixels.size());
+    for (int y = 0; y < height; ++y)
+        std::memcpy(&flipped[size_t(y) * stride], &pixels[size_t(height - 1 - y) * stride], stride);
+    std::string why;
+    if (!writeRgbPng(out, width, height, flipped.data(), &why)) {
+        std::fprintf(stderr, "korel2d-view: cannot write %s: %s\n", out.c_str(), why.c_str());
+        return false;
+    }
+    std::printf("korel2d-view: wrote a %dx%d picture to %s (off-screen, %s)\n", width, height, out.c_str(), kind);
+    return true;
+}
+
+// Mode 1 runs a data cycle per frame, so frames are drawn off-screen: into a small picture, or
+// the view's own when --png asks for it. Mode 2 needs no drawing, its thread runs a cycle every
+// 10 ms; with --png one frame is drawn after the cycles.
 int runAndPrintVariables(const Options& o)
 {
     const int cycles = std::max(o.frames, 1);
+    const bool picture = !o.png.empty();
+    int width = kMinSide, height = kMinSide;
+    if (picture && !pictureSize(o, &width, &height))
+        return kFailed;
     korelgen::OffscreenGl gl;
     std::string why;
-    if (!o.anim && !gl.open(kMinSide, kMinSide, &why)) {
+    const bool draws = picture || !o.anim;
+    if (draws && !gl.open(width, height, &why)) {
         std::fprintf(stderr, "korel2d-view: no off-screen GL context for the data cycles: %s\n", why.c_str());
-        return 1;
+        return kFailed;
     }
     ViewPtr view = loadView(o.file);
     if (!view)
-        return 1;
+        return kFailed;
     if ((o.anim ? krViewStartAnim(view.get()) : krViewStart(view.get())) != 0) {
         std::fprintf(stderr, "korel2d-view: the view did not start\n");
-        return 1;
+        return kFailed;
     }
+    WindowPtr window(krWindowCreate(), krWindowFree);
+    if (draws)
+        krWindowInit(window.get(), width, height);
     if (o.anim) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10) * cycles);
+        if (picture)
+            drawFrame(window.get(), view.get(), o.zoom);
     } else {
-        WindowPtr window(krWindowCreate(), krWindowFree);
-        krWindowInit(window.get(), kMinSide, kMinSide);
         for (int i = 0; i < cycles; ++i)
             drawFrame(window.get(), view.get(), o.zoom);
     }
+    if (picture && !writePicture(o.png, width, height, gl.kind()))
+        return kFailed;
     std::printf("korel2d-view: %s after %d data cycle%s%s\n", o.file.c_str(), cycles, cycles == 1 ? "" : "s",
                 o.anim ? " of 10 ms (animated)" : " (one per frame)");
     printVariables(view.get(), stdout);
     krViewStop(view.get());
-    return 0;
+    return kDone;
 }
 
 // ---------------------------------------------------------------- live window
@@ -366,11 +460,11 @@ int showInWindow(Display* display, const Options& o, int width, int height)
     std::string why;
     if (!x.open(width, height, "korel2d-view: " + o.file, &why)) {
         std::fprintf(stderr, "korel2d-view: no window: %s\n", why.c_str());
-        return 1;
+        return kFailed;
     }
     ViewPtr view = loadRunningView(o.file);
     if (!view)
-        return 1;
+        return kFailed;
     WindowPtr window(krWindowCreate(), krWindowFree);
     FrameTimes times;
 
@@ -421,7 +515,7 @@ int showInWindow(Display* display, const Options& o, int width, int height)
     }
     std::printf("korel2d-view: drew %d frame%s in a %dx%d window\n", drawn, drawn == 1 ? "" : "s", width, height);
     times.print();
-    return 0;
+    return kDone;
 }
 
 // ---------------------------------------------------------------- off-screen picture
@@ -432,34 +526,34 @@ int renderToPng(const Options& o, int width, int height)
     std::string why;
     if (!gl.open(width, height, &why)) {
         std::fprintf(stderr, "korel2d-view: no off-screen GL context: %s\n", why.c_str());
-        return 1;
+        return kFailed;
     }
     ViewPtr view = loadRunningView(o.file);
     if (!view)
-        return 1;
+        return kFailed;
     WindowPtr window(krWindowCreate(), krWindowFree);
     krWindowInit(window.get(), width, height);
     FrameTimes times;
     for (int i = 0; i < std::max(o.frames, 1); ++i)
         times.drawTimed(window.get(), view.get(), o.zoom);
-
-    const size_t stride = size_t(width) * 3;
-    std::vector<uint8_t> pixels(stride * size_t(height));
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
-    // GL's first row is the bottom one, a PNG's the top one.
-    std::vector<uint8_t> flipped(pixels.size());
-    for (int y = 0; y < height; ++y)
-        std::memcpy(&flipped[size_t(y) * stride], &pixels[size_t(height - 1 - y) * stride], stride);
-
-    const std::string out = o.png.empty() ? "korel2d-view.png" : o.png;
-    if (!writeRgbPng(out, width, height, flipped.data(), &why)) {
-        std::fprintf(stderr, "korel2d-view: cannot write %s: %s\n", out.c_str(), why.c_str());
-        return 1;
-    }
-    std::printf("korel2d-view: wrote a %dx%d picture to %s (off-screen, %s)\n", width, height, out.c_str(), gl.kind());
+    if (!writePicture(o.png.empty() ? kDefaultPng : o.png, width, height, gl.kind()))
+        return kFailed;
     times.print();
-    return 0;
+    return kDone;
+}
+
+// A window where a display answers and no --png asks for a file; else a picture off-screen.
+int showOrRender(const Options& o)
+{
+    int width = 0, height = 0;
+    if (!pictureSize(o, &width, &height))
+        return kFailed;
+    if (o.png.empty()) {
+        XSetErrorHandler(onXError);
+        if (Display* display = XOpenDisplay(nullptr))
+            return showInWindow(display, o, width, height);
+    }
+    return renderToPng(o, width, height);
 }
 
 } // namespace
@@ -467,25 +561,20 @@ int renderToPng(const Options& o, int width, int height)
 int main(int argc, char** argv)
 {
     Options o;
-    if (!parseArguments(argc, argv, &o)) {
-        std::fputs(kUsage, stderr);
-        return 2;
+    std::string wrong = parseArguments(argc, argv, &o);
+    if (!wrong.empty()) {
+        std::fprintf(stderr, "korel2d-view: %s\n%skorel2d-view --help tells more.\n", wrong.c_str(), kSynopsis);
+        return kBadArguments;
     }
     if (o.help) {
-        std::fputs(kUsage, stdout);
-        return 0;
+        std::fputs(helpText().c_str(), stdout);
+        return kDone;
     }
-    if (o.dump)
-        return dumpToStdout(o);
+    if (o.dump) {
+        int status = dumpToStdout(o);
+        return status != kDone || o.png.empty() ? status : showOrRender(o);
+    }
     if (o.vars)
         return runAndPrintVariables(o);
-    int width = 0, height = 0;
-    if (!pictureSize(o, &width, &height))
-        return 1;
-    if (o.png.empty()) {
-        XSetErrorHandler(onXError);
-        if (Display* display = XOpenDisplay(nullptr))
-            return showInWindow(display, o, width, height);
-    }
-    return renderToPng(o, width, height);
+    return showOrRender(o);
 }
