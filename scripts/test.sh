@@ -1,7 +1,8 @@
 #!/bin/sh
 # Installs what is missing, builds the library twice (plain, and with AddressSanitizer and
 # UBSan) and runs the whole test suite in both builds; the tests of data sources and the data
-# thread also run under ThreadSanitizer. Ends with ctest's summary.
+# thread also run under ThreadSanitizer. Where clang is installed, ends with a minute of each
+# fuzzing harness.
 set -e
 cd "$(dirname "$0")/.."
 sh scripts/setup.sh
@@ -30,3 +31,8 @@ echo "== data sources and the data thread, ThreadSanitizer build =="
 run_suite build-tsan -R '^data\.'
 echo "== test suite, plain build =="
 run_suite build
+
+if command -v clang++ >/dev/null 2>&1; then
+  echo "== fuzzing harnesses, 60 seconds each, clang with AddressSanitizer + UBSan =="
+  sh scripts/fuzz.sh 60
+fi
