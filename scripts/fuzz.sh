@@ -30,9 +30,11 @@ trap 'rm -rf "$scratch"' EXIT
 mkdir -p "$scratch/run/work"
 cd "$scratch/run/work"
 
+# The timeout is wall-clock time: a damaged arc may take a second of software rasterization,
+# and a busy machine makes that many.
 for h in $harnesses; do
   mkdir -p "$build/corpus/$h"
-  "$build/tests/fuzz/korel2d-fuzz-$h" -max_total_time="$seconds" -timeout=20 -print_final_stats=1 \
+  "$build/tests/fuzz/korel2d-fuzz-$h" -max_total_time="$seconds" -timeout=60 -print_final_stats=1 \
     -artifact_prefix="$build/crashes/$h-" "$build/corpus/$h" "$build/seeds" "$root/tests/fuzz/regression" \
     >"$build/logs/$h.log" 2>&1 &
   echo $! >"$scratch/$h.pid"
