@@ -2,7 +2,9 @@
 // drawn today (rectangles, groups, clip areas), and everykind.k2d, one of each element kind with
 // actions and data sources, for tools that read every record, and sources.k2d, a view of
 // constants, internal variables and the example plug-in's variables, and live.k2d, a panel
-// that moves on the Auto source's test signals. Usage: korel2d-samples OUTPUT_DIR
+// that moves on the Auto source's test signals. Usage: korel2d-samples [--seeds] OUTPUT_DIR
+// With --seeds it also writes small views of each element kind, each action type and every
+// variable type: the seed corpus of the fuzzing harnesses.
 #include "Korel2D.h"
 #include "ViewBuilder.h"
 #include "panelPalette.h"
@@ -419,6 +421,97 @@ std::vector<uint8_t> live()
     return b.bytes();
 }
 
+// ---------------------------------------------------------------- seed corpus
+
+using NamedView = std::pair<std::string, std::vector<uint8_t>>;
+
+ViewBuilder seedPage()
+{
+    ViewBuilder b;
+    b.page(0, 0, 200, 150, kPage.r, kPage.g, kPage.b);
+    return b;
+}
+
+PolyFields closedPoly()
+{
+    PolyFields p;
+    p.closed = p.fillOn = 1;
+    return p;
+}
+
+// Each element kind alone on a page.
+std::vector<NamedView> kindSeeds()
+{
+    const struct {
+        const char* name;
+        void (*add)(ViewBuilder&);
+    } kinds[] = {
+        {"rect", [](ViewBuilder& b) { b.rect(framed(10, 10, 90, 60, kAmber, kFrame, 2)); }},
+        {"group", [](ViewBuilder& b) { b.beginGroup(2).rect(RectFields()).scissor(0, 0, 50, 50).endGroup(); }},
+        {"graph", [](ViewBuilder& b) { b.graph(GraphFields()); }},
+        {"polyline", [](ViewBuilder& b) { b.polyline(PolyFields()); }},
+        {"cpoly", [](ViewBuilder& b) { b.cpoly(closedPoly()); }},
+        {"circle", [](ViewBuilder& b) { b.circle(CircleFields()); }},
+        {"arc", [](ViewBuilder& b) { b.arc(CircleFields()); }},
+        {"text", [](ViewBuilder& b) { b.text(TextFields()); }},
+        {"line", [](ViewBuilder& b) { b.line(LineFields()); }},
+        {"image", [](ViewBuilder& b) { b.image(gradientImage(10, 10)); }},
+        {"button", [](ViewBuilder& b) { b.button(ButtonFields()); }},
+        {"slider", [](ViewBuilder& b) { b.slider(SliderFields()); }},
+        {"bodiless", [](ViewBuilder& b) { b.bodiless(9); }},
+    };
+    std::vector<NamedView> seeds;
+    for (const auto& kind : kinds) {
+        ViewBuilder b = seedPage();
+        kind.add(b);
+        seeds.emplace_back(std::string("kind-") + kind.name, b.dataSection().bytes());
+    }
+    return seeds;
+}
+
+// An action of `type` on every kind an action may move, with two entries in each threshold block.
+std::vector<uint8_t> actionSeed(int type)
+{
+    ActionFields a = action(1, type, "level", 0, 1, 0, 1);
+    a.format = "%5.1f";
+    for (ThresholdBlockFields& block : a.blocks)
+        block = thresholds(0, 1, {threshold(0, 0.5f, 0, kGreen), threshold(0.5f, 1, 1, kRed)});
+    ViewBuilder b = seedPage();
+    b.actions({a}).rect(RectFields()).actions({a}).cpoly(closedPoly()).actions({a}).arc(CircleFields());
+    b.actions({a}).line(LineFields()).actions({a}).text(TextFields()).actions({a}).graph(GraphFields());
+    b.actions({a}).slider(SliderFields()).actions({a}).button(ButtonFields());
+    b.beginGroup(1).rect(RectFields()).actions({a}).endGroup();
+    SourceFields internal;
+    internal.id = 5;
+    internal.variables = {{0, "level", "0.5", {}}};
+    return b.dataSection({internal}).bytes();
+}
+
+// Internal variables of every type code, each moving a rectangle.
+std::vector<uint8_t> everyTypeSeed()
+{
+    constexpr int kTypeCodes = KR_VAR_TEXT + 1;
+    SourceFields internal;
+    internal.id = 5;
+    ViewBuilder b = seedPage();
+    for (int type = 0; type < kTypeCodes; ++type) {
+        const std::string name = "v" + std::to_string(type);
+        internal.variables.push_back({type, name, "1", {}});
+        b.actions({action(type, KR_ACTION_MOVE_X, name.c_str(), 0, 1, 0, 1)}).rect(RectFields());
+    }
+    return b.dataSection({internal}).bytes();
+}
+
+std::vector<NamedView> seedViews()
+{
+    constexpr int kActionTypes = KR_ACTION_BLINK + 1;
+    std::vector<NamedView> seeds = kindSeeds();
+    for (int type = 0; type < kActionTypes; ++type)
+        seeds.emplace_back("action-" + std::to_string(type), actionSeed(type));
+    seeds.emplace_back("source-every-type", everyTypeSeed());
+    return seeds;
+}
+
 bool writeFile(const std::string& path, const std::vector<uint8_t>& bytes)
 {
     FILE* file = std::fopen(path.c_str(), "wb");
@@ -438,17 +531,20 @@ bool writeFile(const std::string& path, const std::vector<uint8_t>& bytes)
 
 int main(int argc, char** argv)
 {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: korel2d-samples OUTPUT_DIR\n");
+    const bool withSeeds = argc == 3 && std::strcmp(argv[1], "--seeds") == 0;
+    if (argc != 2 && !withSeeds) {
+        std::fprintf(stderr, "usage: korel2d-samples [--seeds] OUTPUT_DIR\n");
         return 2;
     }
-    const struct {
-        const char* name;
-        std::vector<uint8_t> bytes;
-    } samples[] = {{"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()}};
-    for (const auto& sample : samples) {
-        std::string path = std::string(argv[1]) + "/" + sample.name;
-        if (!writeFile(path, sample.bytes))
+    std::vector<NamedView> views = {
+        {"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()}};
+    if (withSeeds) {
+        std::vector<NamedView> seeds = seedViews();
+        views.insert(views.end(), seeds.begin(), seeds.end());
+    }
+    for (const auto& [name, bytes] : views) {
+        std::string path = std::string(argv[argc - 1]) + "/" + name;
+        if (!writeFile(path, bytes))
             return 1;
         std::printf("wrote %s\n", path.c_str());
     }

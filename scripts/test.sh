@@ -1,8 +1,8 @@
 #!/bin/sh
 # Installs what is missing, builds the library twice (plain, and with AddressSanitizer and
 # UBSan) and runs the whole test suite in both builds; the tests of data sources and the data
-# thread also run under ThreadSanitizer. Builds the API reference when doxygen is there. Ends
-# with ctest's summary.
+# thread also run under ThreadSanitizer. Builds the API reference when doxygen is there and,
+# where clang is installed, runs each fuzzing harness for a minute. Ends with ctest's summary.
 set -e
 cd "$(dirname "$0")/.."
 sh scripts/setup.sh
@@ -33,5 +33,9 @@ echo "== test suite, AddressSanitizer + UBSan build =="
 run_suite build-asan
 echo "== data sources and the data thread, ThreadSanitizer build =="
 run_suite build-tsan -R '^data\.'
+if command -v clang++ >/dev/null 2>&1; then
+  echo "== fuzzing harnesses, 60 seconds each, clang with AddressSanitizer + UBSan =="
+  sh scripts/fuzz.sh 60
+fi
 echo "== test suite, plain build =="
 run_suite build

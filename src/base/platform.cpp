@@ -130,7 +130,7 @@ const char* KGet_release(void)
 {
     // __DATE__ is "Mmm dd yyyy": the year starts at offset 7.
     snprintf(releaseText, sizeof releaseText, "Korel2D %d.%d.%d %s", KOREL2D_VERSION_MAJOR, KOREL2D_VERSION_MINOR,
-             KOREL2D_VERSION_PATCH, __DATE__ + 7);
+             KOREL2D_VERSION_PATCH, &__DATE__[7]);
     return releaseText;
 }
 

@@ -1,4 +1,5 @@
 #include "elements/kindCommon.h"
+#include "base/truncate.h"
 #include "graphics/graphics.h"
 
 #include <GL/gl.h>
@@ -26,7 +27,8 @@ void attrSeedStroke(ELEMENT_ATTR* attr, int style, int32_t stippleFactor, uint16
     attr->stippleFactor = stippleFactor;
     attr->stipplePattern = stipplePattern;
     // Widths beyond the byte's range are no line a user can want; clamp instead of wrapping.
-    attr->lineWidth = int8_t(std::clamp(width, -128.0f, 127.0f));
+    // A width that is no number (a damaged file) draws none.
+    attr->lineWidth = int8_t(std::clamp(truncToInt(width), -128, 127));
     std::copy(strokeColor, strokeColor + 4, attr->strokeColor);
 }
 

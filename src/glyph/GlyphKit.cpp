@@ -45,6 +45,8 @@ struct Glyph {
     size_t bits = 0;         // bitmap fonts: offset of the glyph's rows in Font::pixels
 };
 
+bool glContextCurrent();
+
 struct Font {
     bool scalable = true;
     int ascent = 0, descent = 0;
@@ -53,6 +55,17 @@ struct Font {
     std::vector<uint8_t> pixels;  // outline: GL_ALPHA atlas, rows top-down; bitmap: glBitmap rows
     int atlasWidth = 0, atlasHeight = 0;
     GLuint texture = 0;
+
+    Font() = default;
+    Font(const Font&) = delete;
+    Font& operator=(const Font&) = delete;
+    // The atlas goes with the last owner, a handle or the recent list. Without a context the
+    // texture died with its own, or belongs to one we cannot reach.
+    ~Font()
+    {
+        if (texture && glContextCurrent())
+            glDeleteTextures(1, &texture);
+    }
 };
 
 struct FaceFile {
@@ -556,6 +569,10 @@ GK_FONT gkFontCreate(const char* family, int style, int size)
         s.recent.push_back(font);
         if (s.recent.size() > kRecentFonts)
             s.recent.pop_front();
+        // A request whose font is gone still holds the font's memory through its weak
+        // pointer; damaged views ask for any family and size, so forget such requests.
+        for (auto it = s.made.begin(); it != s.made.end();)
+            it = it->second.expired() ? s.made.erase(it) : std::next(it);
     }
     const GK_FONT handle = s.nextHandle++;
     s.fonts.emplace(handle, std::move(font));
@@ -564,6 +581,7 @@ GK_FONT gkFontCreate(const char* family, int style, int size)
 
 void gkFontFree(GK_FONT handle)
 {
+    // Let go outside the lock: the last owner's release deletes the texture.
     std::shared_ptr<Font> font;
     {
         State& s = state();
@@ -574,10 +592,6 @@ void gkFontFree(GK_FONT handle)
         font = std::move(it->second);
         s.fonts.erase(it);
     }
-    // Other handles may still share the font. Without a context the texture died with it, or
-    // belongs to one we cannot reach.
-    if (font.use_count() == 1 && font->texture && glContextCurrent())
-        glDeleteTextures(1, &font->texture);
 }
 
 int gkFontScalable(GK_FONT handle)

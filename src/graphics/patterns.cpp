@@ -1,5 +1,5 @@
 // The line styles and fill patterns that style numbers in view files refer to. Stored views
-// depend on every bit, so the patterns are generated from their defining rules at compile time.
+// depend on every bit, so the patterns are generated from their defining rules, once, at first use.
 #include "graphics/graphics.h"
 
 namespace {
@@ -92,7 +92,7 @@ struct PatternTable {
 };
 
 // Laid out as glPolygonStipple reads it: row 0 first, the leftmost column in the high bit.
-constexpr PatternTable makePatterns()
+PatternTable makePatterns()
 {
     PatternTable table{};
     for (int number = 0; number < kFillPatternCount; ++number)
@@ -103,7 +103,13 @@ constexpr PatternTable makePatterns()
     return table;
 }
 
-constexpr PatternTable kPatterns = makePatterns();
+// Built at run time: as a compile-time table it takes more evaluation steps than some
+// compilers allow.
+const PatternTable& patterns()
+{
+    static const PatternTable table = makePatterns();
+    return table;
+}
 
 constexpr uint16_t kLineStyles[10] = {0xFFFF, 0xAAAA, 0xCCCC, 0xF0F0, 0xFF00,
                                       0x8888, 0x8080, 0x8181, 0xEEEE, 0x0C0F};
@@ -113,7 +119,7 @@ constexpr uint16_t kLineStyles[10] = {0xFFFF, 0xAAAA, 0xCCCC, 0xF0F0, 0xFF00,
 const uint8_t* getPattern(int number)
 {
     // Negative numbers count as large unsigned ones and fall back to the solid fill.
-    return kPatterns.bytes[unsigned(number) < kFillPatternCount ? number : 0];
+    return patterns().bytes[unsigned(number) < kFillPatternCount ? number : 0];
 }
 
 int getLineStipple(int style, int32_t* factor, uint16_t* pattern)

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -117,6 +118,30 @@ TEST(DamagedFiles, EveryKindCutAtEveryOffsetKeepsWhatWasRead)
         kept = now;
     }
     EXPECT_EQ(kept, (std::array<int, 4>{kEveryKindElements, kEveryKindActions, 2, kEveryKindVariables}));
+}
+
+// Stroke widths no editor writes, on every kind that keeps one: the view still starts and stops.
+TEST(DamagedFiles, StrokeWidthsOfNoNumberStartAndStop)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
+    for (float width : {nan, -nan, inf, -inf, 1e30f, -1e30f}) {
+        SCOPED_TRACE(width);
+        RectFields rect;
+        rect.strokeOn = 1;
+        CircleFields circle;
+        LineFields line;
+        PolyFields poly;
+        rect.strokeWidth = circle.strokeWidth = line.strokeWidth = poly.strokeWidth = width;
+        ViewBuilder b;
+        b.page(0, 0, 400, 300, 0, 0, 0).rect(rect).circle(circle).arc(circle).line(line).polyline(poly);
+        poly.closed = poly.fillOn = 1;
+        b.cpoly(poly).dataSection();
+        LoadedView loaded(b);
+        ASSERT_NE(loaded.view, nullptr);
+        EXPECT_EQ(countElements(loaded.first()), 6);
+        EXPECT_EQ(krViewStart(loaded.view), 0);
+        EXPECT_EQ(krViewStop(loaded.view), 0);
+    }
 }
 
 // Integers a reader must not trust: counts and sizes far beyond any file, and below zero.

@@ -411,3 +411,21 @@ TEST_F(GlyphRender, EqualRequestsShareAFontThatOutlivesEachHandle)
     EXPECT_GT(drawAt(second, "Shared", 50, 50).count(50, 50, 50 + b[0], 50 + b[1], kRed), 100);
     gkFontFree(second);
 }
+
+// A host that draws views of ever new font sizes keeps a bounded number of textures: a font
+// neither held nor among the few recent ones gives its texture back.
+TEST_F(GlyphRender, FontsLetGoGiveTheirTexturesBack)
+{
+    const auto liveTextures = [] {
+        int n = 0;
+        for (GLuint name = 1; name < 4096; ++name)
+            n += glIsTexture(name) ? 1 : 0;
+        return n;
+    };
+    const int before = liveTextures();
+    for (int size = 10; size < 90; ++size) {
+        Font font("Arial", 0, size);
+        EXPECT_EQ(0, gkFontRender(font, "A"));
+    }
+    EXPECT_LE(liveTextures() - before, 20);
+}

@@ -1,0 +1,72 @@
+#include "fuzzView.h"
+
+#include "Korel2D.h"
+#include "OffscreenGl.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace k2dfuzz {
+namespace {
+
+constexpr int kSurfaceSize = 96;
+
+korelgen::OffscreenGl* surface = nullptr;
+WINDOW_STRUCT* window = nullptr;
+
+void expectZero(int answer, const char* call)
+{
+    if (answer != 0) {
+        std::fprintf(stderr, "fuzz: %s answered %d\n", call, answer);
+        std::abort();
+    }
+}
+
+void drawFrame(VIEW_STRUCT* view)
+{
+    if (!window)
+        return;
+    expectZero(krWindowClear(window, view), "krWindowClear");
+    expectZero(krViewDraw(window, view, 0, 0, 1), "krViewDraw");
+}
+
+} // namespace
+
+void prepareProcess()
+{
+    setLogLevel(0);
+    unsetenv("KOREL_HOME");
+}
+
+bool prepareDrawing()
+{
+    // Mesa's llvmpipe compiles and keeps a shader for each new combination of GL state: that
+    // makes nearly every input look like a leak to libFuzzer, and the leak check it then runs
+    // costs more than the drawing. softpipe interprets; a small surface keeps its pixels cheap.
+    setenv("GALLIUM_DRIVER", "softpipe", 0);
+    // Lives as long as the process: the harness draws until it is killed.
+    surface = new korelgen::OffscreenGl;
+    std::string why;
+    if (!surface->openEgl(kSurfaceSize, kSurfaceSize, &why)) {
+        std::fprintf(stderr, "fuzz: no off-screen GL context: %s\n", why.c_str());
+        return false;
+    }
+    window = krWindowCreate();
+    return window && krWindowInit(window, kSurfaceSize, kSurfaceSize) == 0;
+}
+
+void runView(const uint8_t* data, size_t size, int frames)
+{
+    VIEW_STRUCT* view = krViewLoadData(data, size);
+    if (!view)
+        return;
+    drawFrame(view);
+    expectZero(krViewStart(view), "krViewStart");
+    for (int i = 0; i < frames; ++i)
+        drawFrame(view);
+    expectZero(krViewStop(view), "krViewStop");
+    krViewFree(view);
+}
+
+} // namespace k2dfuzz

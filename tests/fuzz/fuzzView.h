@@ -1,0 +1,22 @@
+// One input's life as a host lives it, shared by the fuzzing harnesses and by the replay of
+// the regression corpus: bytes loaded as a view, started, drawn, stopped and freed. An answer
+// no host expects aborts, so that the fuzzer reports it as it reports a crash.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace k2dfuzz {
+
+// Once per process: a silent log, so that inputs aren't bound by formatting and writing
+// messages, and no KOREL_HOME, so that starting a view never loads an installed plug-in.
+void prepareProcess();
+
+// An off-screen GL context (EGL, no display) and the library's window on it; false when the
+// machine offers none. Without it runView draws nothing.
+bool prepareDrawing();
+
+// Loads the bytes, draws a frame, starts, draws `frames` more, stops and frees.
+void runView(const uint8_t* data, size_t size, int frames);
+
+} // namespace k2dfuzz

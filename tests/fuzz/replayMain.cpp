@@ -1,0 +1,73 @@
+// Runs a harness over files instead of under the fuzzer, so that compilers without libFuzzer
+// replay the regression corpus too. Usage: korel2d-fuzz-replay FILE_OR_DIRECTORY...
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<fs::path> inputFiles(int argc, char** argv)
+{
+    std::vector<fs::path> files;
+    for (int i = 1; i < argc; ++i) {
+        if (!fs::is_directory(argv[i])) {
+            files.emplace_back(argv[i]);
+            continue;
+        }
+        std::vector<fs::path> inside;
+        for (const fs::directory_entry& entry : fs::directory_iterator(argv[i]))
+            if (entry.is_regular_file())
+                inside.push_back(entry.path());
+        std::sort(inside.begin(), inside.end());
+        files.insert(files.end(), inside.begin(), inside.end());
+    }
+    return files;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::vector<std::pair<std::string, std::vector<uint8_t>>> inputs;
+    for (const fs::path& file : inputFiles(argc, argv)) {
+        std::ifstream in(file, std::ios::binary);
+        if (!in) {
+            std::fprintf(stderr, "replay: cannot read %s\n", file.c_str());
+            return 1;
+        }
+        inputs.emplace_back(file.filename().string(), std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {}));
+    }
+    if (inputs.empty()) {
+        std::fprintf(stderr, "replay: no input files\n");
+        return 1;
+    }
+    // As under the fuzzer: an empty working directory, where the search for plug-ins and fonts finds nothing.
+    std::string scratch = (fs::temp_directory_path() / "k2dReplayXXXXXX").string();
+    if (!mkdtemp(scratch.data()) || chdir(scratch.c_str()) != 0) {
+        std::fprintf(stderr, "replay: cannot enter a scratch directory\n");
+        return 1;
+    }
+    LLVMFuzzerInitialize(&argc, &argv);
+    for (const auto& [name, bytes] : inputs) {
+        std::printf("replay: %s (%zu bytes)\n", name.c_str(), bytes.size());
+        std::fflush(stdout);
+        LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+    }
+    std::printf("replay: %zu inputs ran\n", inputs.size());
+    if (chdir("/") == 0)
+        fs::remove_all(scratch);
+    return 0;
+}
