@@ -6,6 +6,7 @@
 #include "glyph/GlyphKit.h"
 
 #include <cmath>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,8 @@ using namespace k2dtest;
 using namespace korelgen;
 
 namespace {
+
+const float kPi = 3.14159265f, kCos30 = 50 * 0.8660254f;
 
 struct Box {
     float xmin, ymin, xmax, ymax;
@@ -31,16 +34,6 @@ struct Box {
 Box unite(Box a, Box b)
 {
     return {std::min(a.xmin, b.xmin), std::min(a.ymin, b.ymin), std::max(a.xmax, b.xmax), std::max(a.ymax, b.ymax)};
-}
-
-// An arc of 30 to 60 degrees (clockwise) with radius 50: its rim lies well away from the
-// axes, so only widening to the centre brings the box to (200, 150).
-CircleFields pieArc()
-{
-    CircleFields s;
-    s.x = 200, s.y = 150;
-    s.start = 3.14159265f / 6, s.end = 3.14159265f / 3;
-    return s;
 }
 
 TextFields bitmapText()
@@ -65,10 +58,23 @@ Box bitmapTextBox()
 // the box's middle unless given.
 struct GeometryCase {
     const char* label;
-    void (*write)(ViewBuilder&);
+    std::function<void(ViewBuilder&)> write;
     Box box;
     float x = NAN, y = NAN;
 };
+
+// An arc of radius 50 about (200, 150) from `start` clockwise to `end`; its box, given about
+// the centre, holds the centre too, even where the rim keeps away from it.
+GeometryCase arc(const char* label, float start, float end, Box aboutCentre)
+{
+    auto write = [start, end](ViewBuilder& b) {
+        CircleFields s;
+        s.x = 200, s.y = 150, s.start = start, s.end = end;
+        b.arc(s);
+    };
+    const Box& a = aboutCentre;
+    return {label, write, {200 + a.xmin, 150 + a.ymin, 200 + a.xmax, 150 + a.ymax}, 200, 150};
+}
 
 const std::vector<GeometryCase>& geometryCases()
 {
@@ -91,7 +97,12 @@ const std::vector<GeometryCase>& geometryCases()
              b.circle(s);
          },
          {80, 30, 120, 130}},
-        {"arc", [](ViewBuilder& b) { b.arc(pieArc()); }, {200, 150 - 43.30127f, 243.30127f, 150}, 200, 150},
+        arc("arc of 30 to 60 degrees", kPi / 6, kPi / 3, {0, -kCos30, kCos30, 0}),
+        arc("arc across the right", -kPi / 6, kPi / 6, {0, -25, 50, 25}),
+        arc("arc at the lower left", 2 * kPi / 3, 5 * kPi / 6, {-kCos30, -kCos30, 0, 0}),
+        arc("arc of a full turn", 0, 2 * kPi, {-50, -50, 50, 50}),
+        arc("arc beyond a turn", kPi / 2, 3 * kPi, {-50, -50, 50, 50}),
+        arc("arc ending before its start", kPi / 6, 0, {0, 0, 0, 0}),
         {"text", [](ViewBuilder& b) { b.text(bitmapText()); }, bitmapTextBox()},
         {"line", [](ViewBuilder& b) { LineFields s; s.x1 = 300, s.y1 = 10, s.x2 = 250, s.y2 = 70; b.line(s); },
          {250, 10, 300, 70}},
@@ -129,24 +140,17 @@ TEST(KindGeometry, LinesArePickedAsTheirSegment)
     LineFields slanted, flat;
     slanted.x1 = 300, slanted.y1 = 10, slanted.x2 = 250, slanted.y2 = 70, slanted.strokeWidth = 2.9f;
     flat.x1 = 20, flat.y1 = 50, flat.x2 = 180, flat.y2 = 50;
-    struct Case {
-        const char* label;
-        ViewBuilder view;
-        std::vector<float> segment;
-    } cases[] = {
-        {"line", blackPage().line(slanted), {300, 10, 250, 70}},
-        {"group of a flat line", blackPage().beginGroup(1).line(flat).endGroup(), {20, 50, 180, 50}},
-        {"group of a slanted line", blackPage().beginGroup(1).line(slanted).endGroup(), {}},
+    LoadedView line(blackPage().line(slanted)), flatGroup(blackPage().beginGroup(1).line(flat).endGroup()),
+        slantedGroup(blackPage().beginGroup(1).line(slanted).endGroup());
+    auto pickLine = [](const LoadedView& v) {
+        return std::vector<float>(v.first()->pickLine, v.first()->pickLine + 4);
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.label);
-        LoadedView loaded(c.view);
-        const ELEMENT_STRUCT* e = loaded.first();
-        EXPECT_EQ(e->pickShape, c.segment.empty() ? 0 : 1);
-        if (!c.segment.empty())
-            EXPECT_EQ(std::vector<float>(e->pickLine, e->pickLine + 4), c.segment);
-    }
-    EXPECT_EQ(LoadedView(cases[0].view).first()->attr.lineWidth, 2);
+    EXPECT_EQ(line.first()->pickShape, 1);
+    EXPECT_EQ(pickLine(line), (std::vector<float>{300, 10, 250, 70}));
+    EXPECT_EQ(flatGroup.first()->pickShape, 1);
+    EXPECT_EQ(pickLine(flatGroup), (std::vector<float>{20, 50, 180, 50}));
+    EXPECT_EQ(slantedGroup.first()->pickShape, 0);
+    EXPECT_EQ(line.first()->attr.lineWidth, 2);
 }
 
 // Angles far beyond a turn must neither hang the rim's walk nor widen the box.

@@ -292,30 +292,4 @@ TEST(CirclePick, HitsInsideTheEllipseOfTheMatrix)
     EXPECT_EQ(arc.first()->pick, nullptr);
 }
 
-// The box holds the stored section and its centre, even where the rim keeps away from it.
-TEST(CircleBox, SectionBoxReachesTheCentre)
-{
-    const float r = 50, s = r * 0.5f, l = r * 0.8660254f;
-    struct Case {
-        float start, end;
-        float xmin, ymin, xmax, ymax; // about the centre
-    } cases[] = {
-        {-kPi / 6, kPi / 6, 0, -s, r, s},            // across the right: only x widens
-        {2 * kPi / 3, 5 * kPi / 6, -l, -l, 0, 0},    // lower left, away from both axes
-        {0, 2 * kPi, -r, -r, r, r},                  // the full turn
-        {kPi / 2, 3 * kPi, -r, -r, r, r},            // beyond a turn
-        {kPi / 6, 0, 0, 0, 0, 0},                    // ending before its start: nothing but the centre
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(::testing::Message() << "arc " << c.start << " to " << c.end);
-        LoadedView loaded(blackPage().arc(disc(200, 150, 0.5f, 0, 0, 0.5f, c.start, c.end)));
-        const ELEMENT_STRUCT* e = loaded.first();
-        const float want[4] = {200 + c.xmin, 150 + c.ymin, 200 + c.xmax, 150 + c.ymax};
-        for (int i = 0; i < 4; ++i)
-            EXPECT_NEAR(e->bounds[i], want[i], 0.05f) << i;
-        EXPECT_FLOAT_EQ(e->x, 200);
-        EXPECT_FLOAT_EQ(e->y, 150);
-    }
-}
-
 } // namespace
