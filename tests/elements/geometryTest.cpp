@@ -8,6 +8,7 @@
 #include <cmath>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace k2dtest;
@@ -36,24 +37,6 @@ Box unite(Box a, Box b)
     return {std::min(a.xmin, b.xmin), std::min(a.ymin, b.ymin), std::max(a.xmax, b.xmax), std::max(a.ymax, b.ymax)};
 }
 
-TextFields bitmapText()
-{
-    TextFields s;
-    s.x = 120, s.y = 260;
-    s.fontFamily = "Courier [fixed]", s.fontSize = 20;
-    s.text = "Level";
-    return s;
-}
-
-// A bitmap text's box is its string's metric about the stored position.
-Box bitmapTextBox()
-{
-    LoadedView loaded(blackPage().text(bitmapText()));
-    int metric[2] = {0, 0};
-    gkFontStringMetric(static_cast<TEXT_STRUCT*>(loaded.first()->data)->font, "Level", metric);
-    return {120 - metric[0] * 0.5f, 260 - metric[1] * 0.5f, 120 + metric[0] * 0.5f, 260 + metric[1] * 0.5f};
-}
-
 // A kind written with known geometry, the box it must come up with and its centre, which is
 // the box's middle unless given.
 struct GeometryCase {
@@ -74,6 +57,29 @@ GeometryCase arc(const char* label, float start, float end, Box aboutCentre)
     };
     const Box& a = aboutCentre;
     return {label, write, {200 + a.xmin, 150 + a.ymin, 200 + a.xmax, 150 + a.ymax}, 200, 150};
+}
+
+// "Gauge" at (200, 100), 40 units high: an outline font is scaled to that height, a bitmap font
+// shows at its own size. A quarter turn swaps an outline text's width and height, not a bitmap one's.
+GeometryCase text(const char* label, const char* family, bool scalable, bool turned)
+{
+    auto write = [family, turned](ViewBuilder& b) {
+        TextFields s;
+        s.x = 200, s.y = 100;
+        s.fontFamily = family, s.fontSize = 20, s.textSize = 40, s.text = "Gauge";
+        if (turned)
+            s.matrix[0] = 0, s.matrix[1] = -1, s.matrix[2] = 1, s.matrix[3] = 0;
+        b.text(s);
+    };
+    ViewBuilder b = blackPage();
+    write(b);
+    LoadedView loaded(b);
+    int metric[2] = {0, 0};
+    gkFontStringMetric(static_cast<TEXT_STRUCT*>(loaded.first()->data)->font, "Gauge", metric);
+    float w = scalable ? float(int(2.0f * float(metric[0]))) : float(metric[0]), h = scalable ? 40 : float(metric[1]);
+    if (scalable && turned)
+        std::swap(w, h);
+    return {label, write, {200 - w / 2, 100 - h / 2, 200 + w / 2, 100 + h / 2}};
 }
 
 const std::vector<GeometryCase>& geometryCases()
@@ -103,7 +109,9 @@ const std::vector<GeometryCase>& geometryCases()
         arc("arc of a full turn", 0, 2 * kPi, {-50, -50, 50, 50}),
         arc("arc beyond a turn", kPi / 2, 3 * kPi, {-50, -50, 50, 50}),
         arc("arc ending before its start", kPi / 6, 0, {0, 0, 0, 0}),
-        {"text", [](ViewBuilder& b) { b.text(bitmapText()); }, bitmapTextBox()},
+        text("outline text", "Arial", true, false),
+        text("turned outline text", "Arial", true, true),
+        text("turned bitmap text", "Courier [fixed]", false, true),
         {"line", [](ViewBuilder& b) { LineFields s; s.x1 = 300, s.y1 = 10, s.x2 = 250, s.y2 = 70; b.line(s); },
          {250, 10, 300, 70}},
         {"image", [](ViewBuilder& b) { ImageFields s; s.x0 = 40, s.y0 = 200, s.x1 = 104, s.y1 = 232; b.image(s); },
@@ -163,35 +171,6 @@ TEST(KindGeometry, AnglesBeyondAnyTurnStillEnd)
         ASSERT_NE(loaded.first(), nullptr);
         EXPECT_LE(loaded.first()->width, 100.05f) << start;
     }
-}
-
-TEST(KindGeometry, TextBoxFollowsFontAndMatrix)
-{
-    TextFields s;
-    s.x = 200, s.y = 100;
-    s.fontFamily = "Arial", s.fontSize = 20, s.textSize = 40;
-    s.text = "Gauge";
-    LoadedView loaded(blackPage().text(s));
-    const ELEMENT_STRUCT* e = loaded.first();
-    int metric[2];
-    ASSERT_EQ(gkFontStringMetric(static_cast<TEXT_STRUCT*>(e->data)->font, "Gauge", metric), 0);
-    // An outline font is scaled to the text height.
-    const float width = float(int(2.0f * float(metric[0])));
-    EXPECT_TRUE(HasBounds(e, {200 - width / 2, 80, 200 + width / 2, 120}, 0.5f));
-    EXPECT_STREQ(e->attr.text, "Gauge");
-
-    // Turned a quarter: width and height change places.
-    s.matrix[0] = 0, s.matrix[1] = -1, s.matrix[2] = 1, s.matrix[3] = 0;
-    LoadedView turned(blackPage().text(s));
-    EXPECT_FLOAT_EQ(turned.first()->width, 40);
-    EXPECT_FLOAT_EQ(turned.first()->height, width);
-
-    // A bitmap font shows at its own size and does not turn.
-    s.fontFamily = "Courier [fixed]";
-    LoadedView fixed(blackPage().text(s));
-    ASSERT_EQ(gkFontStringMetric(static_cast<TEXT_STRUCT*>(fixed.first()->data)->font, "Gauge", metric), 0);
-    EXPECT_FLOAT_EQ(fixed.first()->width, float(metric[0]));
-    EXPECT_FLOAT_EQ(fixed.first()->height, float(metric[1]));
 }
 
 // A graph takes its outline and grid colours; images, buttons and sliders their face alone,
