@@ -192,10 +192,9 @@ TEST(KindGeometry, LooksSeededFromEachRecord)
     const std::pair<int, float> faces[] = {{0, 0.5f}, {2, 0.125f}, {1, 0.375f}};
     for (const auto& face : faces) {
         e = e->next;
-        SCOPED_TRACE(e->name);
-        EXPECT_FLOAT_EQ(e->attr.fillColor[face.first], face.second);
-        EXPECT_EQ(e->attr.lineWidth + e->attr.lineStyle, 0);
-        EXPECT_FLOAT_EQ(e->attr.strokeColor[0], 0);
+        EXPECT_TRUE(e->attr.fillColor[face.first] == face.second && e->attr.lineWidth + e->attr.lineStyle == 0 &&
+                    e->attr.strokeColor[0] == 0)
+            << e->name;
     }
 }
 
