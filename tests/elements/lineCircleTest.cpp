@@ -59,22 +59,62 @@ bool litNear(const Frame& f, int x, int y, Rgb c)
 
 using LineCircle = ViewTest;
 
+// How a line is placed: by the walk's offset (no actions, in groups or not) or by a matrix of
+// its own or of its group (elements with actions). A small unpainted rectangle moves each
+// group's centre away from the line's.
+enum Placement { kAlone, kTwoGroupsDeep, kInAGroupWithActions, kWithActionsOfItsOwn };
+
+ViewBuilder placed(Placement placement, const LineFields& line)
+{
+    ActionFields moveX;
+    moveX.type = KR_ACTION_MOVE_X;
+    moveX.var = "v";
+    RectFields unpainted;
+    unpainted.fillOn = 0;
+    switch (placement) {
+    case kTwoGroupsDeep:
+        return blackPage().beginGroup(2).rect(unpainted).beginGroup(1).line(line).endGroup().endGroup();
+    case kInAGroupWithActions:
+        return blackPage().actions({moveX}).beginGroup(2).rect(unpainted).line(line).endGroup();
+    case kWithActionsOfItsOwn:
+        return blackPage().beginGroup(2).rect(unpainted).actions({moveX}).line(line).endGroup();
+    default: return blackPage().line(line);
+    }
+}
+
+// The line lands where it is stored, however placed, at any position and zoom: every lit
+// pixel is teal and lies within half the width of the segment, and the whole segment is lit.
 TEST_F(LineCircle, LineLightsItsSegmentAndNothingElse)
 {
+    const LineFields stored = segment(50, 80, 150, 80, 3);
     struct Case {
-        float x1, y1, x2, y2, width;
+        const char* label;
+        LineFields line;
+        Placement placement;
+        float x, y, zoom;
     } cases[] = {
-        {60, 150, 340, 150, 1}, {60, 150, 340, 150, 3}, {200, 40, 200, 260, 5},
-        {100, 50, 250, 200, 1}, {320, 60, 80, 240, 2},
+        {"flat", segment(60, 150, 340, 150, 1), kAlone, 0, 0, 1},
+        {"flat and wide", segment(60, 150, 340, 150, 3), kAlone, 0, 0, 1},
+        {"upright", segment(200, 40, 200, 260, 5), kAlone, 0, 0, 1},
+        {"rising", segment(100, 50, 250, 200, 1), kAlone, 0, 0, 1},
+        {"falling", segment(320, 60, 80, 240, 2), kAlone, 0, 0, 1},
+        {"two groups deep", stored, kTwoGroupsDeep, 0, 0, 1},
+        {"in a group with actions", stored, kInAGroupWithActions, 0, 0, 1},
+        {"with actions of its own", stored, kWithActionsOfItsOwn, 0, 0, 1},
+        {"zoomed", stored, kAlone, 20, 10, 2},
+        {"zoomed two groups deep", stored, kTwoGroupsDeep, 20, 10, 2},
+        {"zoomed in a group with actions", stored, kInAGroupWithActions, 20, 10, 2},
+        {"zoomed with actions of its own", stored, kWithActionsOfItsOwn, 20, 10, 2},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(::testing::Message() << "line from " << c.x1 << ", " << c.y1 << " width " << c.width);
-        VIEW_STRUCT* v = load(blackPage().line(segment(c.x1, c.y1, c.x2, c.y2, c.width)));
+        SCOPED_TRACE(c.label);
+        VIEW_STRUCT* v = load(placed(c.placement, c.line));
         ASSERT_NE(v, nullptr);
-        Frame f = draw(v);
-        const float ax = pixelX(c.x1), ay = pixelY(c.y1), bx = pixelX(c.x2), by = pixelY(c.y2);
+        Frame f = draw(v, c.x, c.y, c.zoom);
+        const LineFields& l = c.line;
+        const float ax = pixelX(c.x + c.zoom * l.x1), ay = pixelY(c.y + c.zoom * l.y1);
+        const float bx = pixelX(c.x + c.zoom * l.x2), by = pixelY(c.y + c.zoom * l.y2);
         const float length = std::hypot(bx - ax, by - ay);
-        // Every lit pixel is teal and lies within half the width of the segment.
         int lit = 0, astray = 0;
         for (int y = 0; y < f.height(); ++y)
             for (int x = 0; x < f.width(); ++x) {
@@ -84,14 +124,14 @@ TEST_F(LineCircle, LineLightsItsSegmentAndNothingElse)
                 const float t = std::clamp((px * (bx - ax) + py * (by - ay)) / (length * length), 0.0f, 1.0f);
                 ++lit;
                 astray += !PixelIs(f, x, y, kTeal) ||
-                          std::hypot(px - t * (bx - ax), py - t * (by - ay)) > c.width / 2 + 1.5f;
+                          std::hypot(px - t * (bx - ax), py - t * (by - ay)) > l.strokeWidth / 2 + 1.5f;
             }
         EXPECT_EQ(astray, 0);
-        // And the whole segment is lit, as wide as asked across its major axis, as GL draws wide lines.
+        // As wide as asked across its major axis, as GL draws wide lines.
         for (float t = 0.05f; t < 1; t += 0.1f)
             EXPECT_TRUE(litNear(f, int(ax + t * (bx - ax)), int(ay + t * (by - ay)), kTeal)) << t;
-        EXPECT_GT(lit, 0.6f * length * c.width);
-        EXPECT_LT(lit, 1.1f * (length + 2) * c.width);
+        EXPECT_GT(lit, 0.6f * length * l.strokeWidth);
+        EXPECT_LT(lit, 1.1f * (length + 2) * l.strokeWidth);
     }
 }
 
@@ -110,45 +150,6 @@ TEST_F(LineCircle, DashedLineLeavesGaps)
     }
     EXPECT_GE(longestGap, 7);
     EXPECT_LE(longestGap, 10);
-}
-
-// Placed by the walk's offset (no actions, in groups or not) or by a matrix of its own (an
-// element with actions): the line lands where it is stored, at any position and zoom.
-TEST_F(LineCircle, LineLandsWhereStoredHoweverItIsPlaced)
-{
-    const LineFields stored = segment(50, 80, 150, 80, 3);
-    ActionFields moveX;
-    moveX.type = KR_ACTION_MOVE_X;
-    moveX.var = "v";
-    // The small rectangle moves each group's centre away from the line's.
-    struct Case {
-        const char* label;
-        ViewBuilder view;
-    } cases[] = {
-        {"alone", blackPage().line(stored)},
-        {"two groups deep",
-         blackPage().beginGroup(2).rect(RectFields()).beginGroup(1).line(stored).endGroup().endGroup()},
-        {"in a group with actions",
-         blackPage().actions({moveX}).beginGroup(2).rect(RectFields()).line(stored).endGroup()},
-        {"with actions of its own",
-         blackPage().beginGroup(2).rect(RectFields()).actions({moveX}).line(stored).endGroup()},
-    };
-    // Unzoomed, then at 20 + 2x and 10 + 2y: 50..150 on 120..320, 80 on 170.
-    const struct {
-        int x, y;
-        bool lit;
-    } plain[] = {{100, 80, 1}, {60, 80, 1}, {100, 86, 0}, {44, 80, 0}, {156, 80, 0}},
-      zoomed[] = {{220, 170, 1}, {130, 170, 1}, {220, 180, 0}, {110, 170, 0}, {330, 170, 0}};
-    for (Case& c : cases) {
-        SCOPED_TRACE(c.label);
-        VIEW_STRUCT* v = load(c.view);
-        ASSERT_NE(v, nullptr);
-        Frame f = draw(v), g = draw(v, 20, 10, 2);
-        for (int i = 0; i < 5; ++i) {
-            EXPECT_EQ(litNear(f, plain[i].x, plain[i].y, kTeal), plain[i].lit) << plain[i].x << ", " << plain[i].y;
-            EXPECT_EQ(litNear(g, zoomed[i].x, zoomed[i].y, kTeal), zoomed[i].lit) << zoomed[i].x << ", " << zoomed[i].y;
-        }
-    }
 }
 
 // Fills reach the rim of the ellipse the matrix makes, whatever its size and turn.
