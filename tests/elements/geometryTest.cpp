@@ -76,7 +76,8 @@ GeometryCase text(const char* label, const char* family, bool scalable, bool tur
     LoadedView loaded(b);
     int metric[2] = {0, 0};
     gkFontStringMetric(static_cast<TEXT_STRUCT*>(loaded.first()->data)->font, "Gauge", metric);
-    float w = scalable ? float(int(2.0f * float(metric[0]))) : float(metric[0]), h = scalable ? 40 : float(metric[1]);
+    float w = scalable ? float(int(2.0f * float(metric[0]))) : float(metric[0]);
+    float h = scalable ? 40 : float(metric[1]);
     if (scalable && turned)
         std::swap(w, h);
     return {label, write, {200 - w / 2, 100 - h / 2, 200 + w / 2, 100 + h / 2}};

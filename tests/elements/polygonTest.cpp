@@ -65,16 +65,26 @@ void expectProbes(const Frame& f, const std::vector<Probe>& probes)
 
 using PolygonDraw = ViewTest;
 
-// An open polyline fills just like a closed polygon; the closing edge of the outline (the
-// box's left side) shows only where the stored flag closes it.
-TEST_F(PolygonDraw, FillLeavesTheNotchAndOutlineClosesOnlyWhenClosed)
+// An open polyline fills, and is picked by the even-odd rule, just like a closed polygon; the
+// closing edge of the outline (the box's left side) shows only where the stored flag closes it.
+TEST_F(PolygonDraw, FillAndPickLeaveTheNotchAndOutlineClosesOnlyWhenClosed)
 {
+    const struct {
+        float x, y;
+        bool inside;
+    } ell[] = {{250, 75, true},  {125, 200, true},  {225, 175, false},
+               {50, 75, false},  {125, 270, false}, {350, 75, false}};
     for (int kind : {KR_CPOLY, KR_POLYLINE}) {
         SCOPED_TRACE(kind);
-        Frame ell = draw(load(polygon(kind, shape(kEll))));
-        expectProbes(ell, {{250, 75, kGreen}, {125, 200, kGreen}, {225, 175, kPage}, {50, 75, kPage}});
+        VIEW_STRUCT* v = load(polygon(kind, shape(kEll)));
+        ASSERT_NE(v->elements->pick, nullptr);
+        Frame f = draw(v);
+        for (const auto& p : ell) {
+            EXPECT_TRUE(PixelIs(f, int(p.x), int(p.y), p.inside ? kGreen : kPage));
+            EXPECT_EQ(bool(v->elements->pick(v->elements, p.x, p.y)), p.inside) << p.x << ", " << p.y;
+        }
         // Foot 200 x 50 plus leg 50 x 150 units, a little less in pixels (400 units on 399 pixels).
-        EXPECT_NEAR(ell.count(0, 0, 400, 300, kGreen), 17200, 400);
+        EXPECT_NEAR(f.count(0, 0, 400, 300, kGreen), 17200, 400);
 
         Frame box = draw(load(polygon(kind, shape(kBox, 0, 1, kind == KR_CPOLY))));
         expectProbes(box, {{200, 100, kRed}, {299, 150, kRed}, {200, 199, kRed}, {200, 150, kPage}});
@@ -107,23 +117,6 @@ TEST_F(PolygonDraw, DegenerateShapesLoadAndDraw)
         ASSERT_NE(e->pick, nullptr);
         EXPECT_EQ(bool(e->pick(e, 280, 150)), c.shows);
         EXPECT_FALSE(e->pick(e, 200, 120)); // between the wings
-    }
-}
-
-// An open polyline is picked as if it were closed.
-TEST(PolygonPick, EvenOddRuleOverTheClosedRing)
-{
-    const struct {
-        float x, y;
-        bool hit;
-    } ell[] = {{250, 75, true},  {125, 200, true},  {225, 175, false},
-               {50, 75, false},  {125, 270, false}, {350, 75, false}};
-    for (int kind : {KR_CPOLY, KR_POLYLINE}) {
-        LoadedView loaded(polygon(kind, shape(kEll)));
-        ELEMENT_STRUCT* e = loaded.first();
-        ASSERT_NE(e->pick, nullptr);
-        for (const auto& p : ell)
-            EXPECT_EQ(bool(e->pick(e, p.x, p.y)), p.hit) << kind << " at " << p.x << ", " << p.y;
     }
 }
 
@@ -168,8 +161,9 @@ TEST_F(PolygonDraw, FillLevelPaintsTheSideItGrowsFrom)
     EXPECT_TRUE(PixelIs(draw(v), 200, 175, kGreen));
 }
 
-// The loader without a context can't make the list; the first draw does.
-TEST_F(PolygonDraw, ViewLoadedWithoutContextFillsAtFirstDraw)
+// The loader without a context can't make the list; the first draw does, and freeing the view
+// gives it back.
+TEST_F(PolygonDraw, DisplayListMadeAtFirstDrawAndGivenBackOnFree)
 {
     releaseGlContext();
     setLogLevel(2);
@@ -183,12 +177,6 @@ TEST_F(PolygonDraw, ViewLoadedWithoutContextFillsAtFirstDraw)
     ASSERT_NE(v, nullptr);
     EXPECT_NE(std::string(log).find("Warning polyMakeList: no valid openGL context !\n"), std::string::npos) << log;
     EXPECT_TRUE(PixelIs(draw(v), 200, 150, kGreen));
-}
-
-TEST_F(PolygonDraw, FreeingTheViewGivesTheListBack)
-{
-    VIEW_STRUCT* v = load(page().cpoly(shape(kBox)));
-    ASSERT_NE(v, nullptr);
     GLuint list = polyOf(v->elements)->displayList;
     ASSERT_TRUE(glIsList(list));
     krViewFree(v);
