@@ -125,21 +125,37 @@ const std::vector<GeometryCase>& geometryCases()
     return cases;
 }
 
-TEST(KindGeometry, EveryKindHasItsBoxAndCentre)
+// Each kind alone, then in a group beside a small square far away, then all kinds in one group.
+TEST(KindGeometry, EveryKindHasItsBoxAndCentreAloneAndInGroups)
 {
+    const Box farBox = {380, 280, 390, 290};
+    RectFields far;
+    far.x0 = 380, far.y0 = 280, far.x1 = 390, far.y1 = 290;
+    Box all = farBox;
+    ViewBuilder together = blackPage();
+    together.beginGroup(int(geometryCases().size()) + 1, "all").rect(far);
     for (const GeometryCase& c : geometryCases()) {
         SCOPED_TRACE(c.label);
-        ViewBuilder b = blackPage();
-        c.write(b);
-        LoadedView loaded(b);
+        ViewBuilder alone = blackPage(), grouped = blackPage();
+        c.write(alone);
+        c.write(grouped.beginGroup(2));
+        c.write(together);
+        all = unite(all, c.box);
+        LoadedView loaded(alone), group(grouped.rect(far).endGroup());
         const ELEMENT_STRUCT* e = loaded.first();
-        ASSERT_NE(e, nullptr);
+        const ELEMENT_STRUCT* g = group.first();
+        ASSERT_TRUE(e && g);
         EXPECT_TRUE(HasBounds(e, c.box));
         EXPECT_NEAR(e->width, c.box.xmax - c.box.xmin, 0.05f);
         EXPECT_NEAR(e->height, c.box.ymax - c.box.ymin, 0.05f);
         EXPECT_NEAR(e->x, std::isnan(c.x) ? (c.box.xmin + c.box.xmax) / 2 : c.x, 0.05f);
         EXPECT_NEAR(e->y, std::isnan(c.y) ? (c.box.ymin + c.box.ymax) / 2 : c.y, 0.05f);
+        EXPECT_TRUE(HasBounds(g, unite(c.box, farBox)));
+        // Children sit relative to the group's centre.
+        EXPECT_FLOAT_EQ(g->child->x + g->x, g->child->refX);
     }
+    LoadedView loaded(together.endGroup());
+    EXPECT_TRUE(HasBounds(loaded.first(), all));
 }
 
 // A line, and a group of one flat line, are picked as the segment; a group of a slanted line
@@ -197,32 +213,6 @@ TEST(KindGeometry, LooksSeededFromEachRecord)
                     e->attr.strokeColor[0] == 0)
             << e->name;
     }
-}
-
-TEST(GroupGeometry, BoxIsTheUnionOfEveryKindOfChild)
-{
-    // Each kind beside a small square far away, then all kinds together.
-    RectFields far;
-    far.x0 = 380, far.y0 = 280, far.x1 = 390, far.y1 = 290;
-    Box all = {380, 280, 390, 290};
-    ViewBuilder together = blackPage();
-    together.beginGroup(int(geometryCases().size()) + 1, "all").rect(far);
-    for (const GeometryCase& c : geometryCases()) {
-        SCOPED_TRACE(c.label);
-        ViewBuilder b = blackPage();
-        b.beginGroup(2);
-        c.write(b);
-        LoadedView loaded(b.rect(far).endGroup());
-        const ELEMENT_STRUCT* group = loaded.first();
-        ASSERT_NE(group, nullptr);
-        EXPECT_TRUE(HasBounds(group, unite(c.box, {380, 280, 390, 290})));
-        // Children sit relative to the group's centre.
-        EXPECT_FLOAT_EQ(group->child->x + group->x, group->child->refX);
-        c.write(together);
-        all = unite(all, c.box);
-    }
-    LoadedView loaded(together.endGroup());
-    EXPECT_TRUE(HasBounds(loaded.first(), all));
 }
 
 TEST(GroupGeometry, NestedThreeDeepAddsUpToViewUnits)
