@@ -1,10 +1,10 @@
 #!/bin/sh
 # Installs the build into a scratch prefix and builds hosts against what was installed:
-# a C host through pkg-config that runs a view's sources by dlopen, the installed sample plug-in
-# and then one built here against the installed header alone found through KOREL_HOME; and a C++
-# host through find_package. The README's host program, built both ways
-# as the README says, draws VIEW (the sample panel). Last, what scripts/demo.sh builds, in a
-# build directory of its own, installs whole, and the installed demo host runs.
+# a C++ host through find_package, and a C host through pkg-config that runs a view's sources by
+# dlopen, with the installed sample plug-in and then one built here against the installed header
+# alone, found through KOREL_HOME. The README's host program, built both ways as the README says,
+# draws VIEW (the sample panel). Last, what scripts/demo.sh builds, in a build directory of its
+# own, installs whole, and the installed demo host runs.
 #   installCheck.sh BUILD SOURCE VIEW [SOURCES_VIEW]   (SOURCES_VIEW: examples/sources.k2d)
 set -e
 BUILD="$1"; SOURCE="$2"; VIEW="$3"
@@ -36,18 +36,15 @@ awk '/minimalHost.c`\):$/ { inside = 1; next }
   inside && /^    / { if (started) for (; blanks > 0; --blanks) print ""; blanks = 0; started = 1; print substr($0, 5); next }
   inside && /^$/ { ++blanks; next }
   inside { exit }' "$ROOT/README.md" > "$PREFIX/readmeHost.c"
-if ! cmp -s "$PREFIX/readmeHost.c" "$ROOT/examples/host/minimalHost.c"; then
-  echo "the README's host program differs from examples/host/minimalHost.c" >&2
-  exit 1
-fi
+cmp -s "$PREFIX/readmeHost.c" "$ROOT/examples/host/minimalHost.c" ||
+  { echo "the README's host program differs from examples/host/minimalHost.c" >&2; exit 1; }
 # Built as the README says, it runs the panel; the pixel at the centre is a lamp bezel
 # (0.45, 0.47, 0.50), not the page colour that a frame without the panel would show.
 (cd "$PREFIX" && cc -o minimalHost "$ROOT/examples/host/minimalHost.c" $(pkg-config --cflags --libs korel2d) \
   -lEGL -lGL -Wl,-rpath,"$(pkg-config --variable=libdir korel2d)")
 for host in "$PREFIX/minimalHost" "$PREFIX/cmakeHost/minimalHost"; do
-  env -u LD_LIBRARY_PATH -u DISPLAY "$host" "$VIEW" | tee "$PREFIX/centre.txt"
-  awk '{ exit !($(NF-2) >= 114 && $(NF-2) <= 116 && $(NF-1) >= 119 && $(NF-1) <= 121 && $NF >= 127 && $NF <= 129) }' \
-    "$PREFIX/centre.txt"
+  env -u LD_LIBRARY_PATH -u DISPLAY "$host" "$VIEW" | tee /dev/stderr |
+    awk '{ exit !($(NF-2) >= 114 && $(NF-2) <= 116 && $(NF-1) >= 119 && $(NF-1) <= 121 && $NF >= 127 && $NF <= 129) }'
 done
 
 test -f "$SOURCES_VIEW"
@@ -61,10 +58,8 @@ mkdir "$PREFIX/run"
 mkdir -p "$PREFIX/outside/bin"
 cc -std=c99 -Wall -Wextra -Werror -shared -fPIC -I"$PREFIX/include" \
   -o "$PREFIX/outside/bin/libKrdOutside.so" "$SOURCE/outOfTree/krdOutside.c"
-if readelf -d "$PREFIX/bin/libKrdExample.so" "$PREFIX/outside/bin/libKrdOutside.so" | grep NEEDED | grep -q Korel2D; then
-  echo "a plug-in links the library" >&2
-  exit 1
-fi
+! readelf -d "$PREFIX/bin/libKrdExample.so" "$PREFIX/outside/bin/libKrdOutside.so" | grep NEEDED | grep -q Korel2D ||
+  { echo "a plug-in links the library" >&2; exit 1; }
 (cd "$PREFIX/run" && KOREL_HOME="$PREFIX/outside" LD_LIBRARY_PATH="$LIBDIR" "$PREFIX/cHost" libKorel2D.so.3 "$SOURCES_VIEW" outside)
 
 # From a fresh build directory: what scripts/demo.sh builds is all that an install copies.
