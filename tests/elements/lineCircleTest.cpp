@@ -208,39 +208,31 @@ TEST_F(LineCircle, SectionRunsClockwiseToTheEndOfItsLook)
     }
 }
 
-TEST_F(LineCircle, HalfArcFillsAndStrokesTheLowerHalf)
+// Strokes follow the rim: a half arc's strip stays open across its centre, and below a radius
+// of 8 a circle's rim takes eighth turns, an octagon of about 31 units.
+TEST_F(LineCircle, StrokesFollowTheRim)
 {
-    CircleFields half = disc(200, 150, 0.8f, 0, 0, 0.8f, 0, kPi);
-    half.strokeOn = 1;
-    half.strokeWidth = 3;
+    CircleFields half = disc(200, 150, 0.8f, 0, 0, 0.8f, 0, kPi), ring = disc(40, 40, 0.05f, 0, 0, 0.05f);
+    half.strokeOn = ring.strokeOn = 1;
+    half.strokeWidth = 3, ring.strokeWidth = 1;
+    ring.fillOn = 0;
     paint(half.stroke, kGreen);
-    Frame f = draw(load(blackPage().arc(half)));
-    const int cx = int(pixelX(200)), cy = int(pixelY(150)), bottom = int(pixelY(70)), top = int(pixelY(230));
+    paint(ring.stroke, kGreen);
+    Frame f = draw(load(blackPage().arc(half).circle(ring)));
+    const int cx = int(pixelX(200)), cy = int(pixelY(150));
     EXPECT_TRUE(PixelIs(f, cx, cy - 40, kRed));
     EXPECT_TRUE(PixelIs(f, cx, cy + 40, kBlack));
-    EXPECT_TRUE(litNear(f, cx, bottom, kGreen));
-    EXPECT_FALSE(litNear(f, cx, top, kGreen));
-    // The strip is open: no chord closes it across the centre.
-    EXPECT_FALSE(litNear(f, cx, cy + 1, kGreen));
-}
+    EXPECT_TRUE(litNear(f, cx, int(pixelY(70)), kGreen));
+    EXPECT_FALSE(litNear(f, cx, int(pixelY(230)), kGreen));
+    EXPECT_FALSE(litNear(f, cx, cy + 1, kGreen)); // no chord across the centre
 
-// Below a radius of 8 the rim takes eighth turns: an octagon of about 31 units.
-TEST_F(LineCircle, SmallCircleStrokeIsARingOfFewSteps)
-{
-    CircleFields ring = disc(100, 100, 0.05f, 0, 0, 0.05f);
-    ring.fillOn = 0;
-    ring.strokeOn = 1;
-    ring.strokeWidth = 1;
-    paint(ring.stroke, kGreen);
-    Frame f = draw(load(blackPage().circle(ring)));
-    const int cx = int(pixelX(100)), cy = int(pixelY(100));
-    EXPECT_TRUE(PixelIs(f, cx, cy, kBlack));
+    const int rx = int(pixelX(40)), ry = int(pixelY(40));
+    EXPECT_TRUE(PixelIs(f, rx, ry, kBlack));
     for (int d : {-5, 5})
-        EXPECT_TRUE(litNear(f, cx + d, cy, kGreen) && litNear(f, cx, cy + d, kGreen)) << d;
-    const int lit = f.count(cx - 10, cy - 10, cx + 11, cy + 11, kGreen, 40);
-    EXPECT_GT(lit, 20);
-    EXPECT_LT(lit, 45);
-    EXPECT_EQ(f.count(0, 0, 400, 300, kGreen, 40), lit);
+        EXPECT_TRUE(litNear(f, rx + d, ry, kGreen) && litNear(f, rx, ry + d, kGreen)) << d;
+    const int lit = f.count(rx - 10, ry - 10, rx + 11, ry + 11, kGreen, 40);
+    EXPECT_NEAR(lit, 32, 12);
+    EXPECT_EQ(f.count(0, 0, 100, 100, kGreen, 40), lit);
 }
 
 TEST_F(LineCircle, SelectedShapesShowARedDashedOutlineWhileStopped)
