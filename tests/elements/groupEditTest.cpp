@@ -1,33 +1,28 @@
 // An edit of a group reaches its children, nested groups included, with the group's own
 // handles and arguments, and leaves the group's box fitted to what the children became.
 #include "KorelEdit.h"
-#include "ViewBuilder.h"
-
-#include <gtest/gtest.h>
+#include "LoadedView.h"
+#include "ViewFixture.h"
 
 #include <string>
 #include <vector>
 
-using namespace korelgen;
+using namespace k2dtest;
 
 namespace {
 
-struct EditCall {
-    std::string element;
-    STICKY_STRUCT* stickies;
-    int code, phase;
-    void* value;
-};
+// The arguments the group is edited with; the handles are only handed on, never looked into.
+std::vector<std::string> edited;
+STICKY_STRUCT* const kHandles = reinterpret_cast<STICKY_STRUCT*>(&edited);
+float shift = 100;
 
-std::vector<EditCall> editCalls;
-
-// Stands in for a rectangle's edit: records what arrived and moves the rectangle right by
-// the float the value points at, re-deriving its geometry as a real edit does.
+// Stands in for a rectangle's edit: records who was edited with the group's arguments and moves
+// the rectangle right by the float the value points at, re-deriving its geometry as a real edit does.
 int recordingEdit(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    editCalls.push_back({element->name, stickies, code, phase, value});
-    RECT_STRUCT* r = static_cast<RECT_STRUCT*>(element->data);
-    for (float& x : r->cornerX)
+    const bool sameArguments = stickies == kHandles && code == 5 && phase == 2 && value == &shift;
+    edited.push_back(element->name + std::string(sameArguments ? "" : " with other arguments"));
+    for (float& x : static_cast<RECT_STRUCT*>(element->data)->cornerX)
         x += *static_cast<float*>(value);
     rectSetPickSticky(element);
     return 0;
@@ -42,14 +37,11 @@ RectFields square(float x, float y)
 
 TEST(GroupEdit, ChildrenGetTheGroupsArgumentsInOrderAndTheBoxFollows)
 {
-    ViewBuilder b;
-    b.page(0, 0, 400, 300, 0, 0, 0);
+    ViewBuilder b = blackPage();
     b.beginGroup(3, "outer").rect(square(0, 0), "first");
     b.beginGroup(2, "inner").rect(square(20, 50), "second").rect(square(40, 0), "third").endGroup();
-    b.rect(square(60, 20), "fixed").endGroup();
-    VIEW_STRUCT* view = krViewLoadData(b.bytes().data(), b.size());
-    ASSERT_NE(view, nullptr);
-    ELEMENT_STRUCT* outer = view->elements;
+    LoadedView loaded(b.rect(square(60, 20), "fixed").endGroup());
+    ELEMENT_STRUCT* outer = loaded.first();
     ASSERT_NE(outer, nullptr);
     ASSERT_EQ(outer->edit, editGroup); // every loaded group edits this way
     ELEMENT_STRUCT* inner = outer->child->next;
@@ -60,36 +52,17 @@ TEST(GroupEdit, ChildrenGetTheGroupsArgumentsInOrderAndTheBoxFollows)
     // "fixed" has no edit of its own and is passed over.
     ASSERT_EQ(inner->next->edit, nullptr);
 
-    int handles = 0; // the list is only handed on, never looked into
-    STICKY_STRUCT* groupHandles = reinterpret_cast<STICKY_STRUCT*>(&handles);
-    float shift = 100;
-    editCalls.clear();
-    EXPECT_EQ(outer->edit(outer, groupHandles, 5, 2, &shift), 0);
-
-    ASSERT_EQ(editCalls.size(), 3u);
-    const char* order[] = {"first", "second", "third"};
-    for (size_t i = 0; i < editCalls.size(); ++i) {
-        SCOPED_TRACE(order[i]);
-        EXPECT_EQ(editCalls[i].element, order[i]);
-        EXPECT_EQ(editCalls[i].stickies, groupHandles);
-        EXPECT_EQ(editCalls[i].code, 5);
-        EXPECT_EQ(editCalls[i].phase, 2);
-        EXPECT_EQ(editCalls[i].value, &shift);
-    }
+    EXPECT_EQ(outer->edit(outer, kHandles, 5, 2, &shift), 0);
+    EXPECT_EQ(edited, (std::vector<std::string>{"first", "second", "third"}));
 
     // Both boxes take in the moved squares; the unmoved one still bounds the outer box below.
-    EXPECT_FLOAT_EQ(inner->bounds[0], 120);
-    EXPECT_FLOAT_EQ(inner->bounds[2], 150);
-    EXPECT_FLOAT_EQ(outer->bounds[0], 60);
-    EXPECT_FLOAT_EQ(outer->bounds[1], 0);
-    EXPECT_FLOAT_EQ(outer->bounds[2], 150);
-    EXPECT_FLOAT_EQ(outer->bounds[3], 60);
+    EXPECT_EQ(std::vector<float>(inner->bounds, inner->bounds + 4), (std::vector<float>{120, 0, 150, 60}));
+    EXPECT_EQ(std::vector<float>(outer->bounds, outer->bounds + 4), (std::vector<float>{60, 0, 150, 60}));
     EXPECT_FLOAT_EQ(outer->x, 105);
     EXPECT_FLOAT_EQ(outer->y, 30);
     // Children stay relative to their group's new centre.
     EXPECT_FLOAT_EQ(inner->x, 135 - 105);
     EXPECT_FLOAT_EQ(inner->child->x, 125 - 135);
-    krViewFree(view);
 }
 
 } // namespace

@@ -39,14 +39,10 @@ bool ensureGlContext(std::string* why)
         if (!c.ok)
             c.failure += ": run the tests under xvfb-run";
     }
-    if (c.ok && !c.gl.makeCurrent()) {
-        if (why)
-            *why = "making the GL context current failed";
-        return false;
-    }
-    if (!c.ok && why)
-        *why = c.failure;
-    return c.ok;
+    const bool current = c.ok && c.gl.makeCurrent();
+    if (!current && why)
+        *why = c.ok ? "making the GL context current failed" : c.failure;
+    return current;
 }
 
 void releaseGlContext()
