@@ -31,18 +31,6 @@ std::vector<uint8_t> shippedSample(const std::string& name)
     return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});
 }
 
-// Every pixel in one number, to tell frames apart without keeping them.
-uint64_t frameHash(const Frame& frame)
-{
-    uint64_t hash = 1469598103934665603ull;
-    for (int y = 0; y < frame.height(); ++y)
-        for (int x = 0; x < frame.width(); ++x) {
-            const Rgb c = frame.at(x, y);
-            hash = (hash ^ uint64_t(c.r << 16 | c.g << 8 | c.b)) * 1099511628211ull;
-        }
-    return hash;
-}
-
 // ---------------------------------------------------------------- damaged samples, running
 
 class RunningFile : public ViewTest {
