@@ -1,4 +1,4 @@
-// Action records: the list operations an editing tool uses, copies, and ownership.
+// Action records: the list operations an editing tool uses, and copies.
 #include "KorelEdit.h"
 
 #include <gtest/gtest.h>
@@ -148,26 +148,6 @@ TEST(ActionCopies, StoredContentAndOwnThresholds)
     EXPECT_EQ(values, Ids({2, 3, 4}));
     delAction(nullptr, copy);
     EXPECT_EQ(actionCopy(nullptr), nullptr);
-}
-
-TEST(ActionOwnership, DeletingAnElementDeletesItsActions)
-{
-    ELEMENT_STRUCT* head = nullptr;
-    ELEMENT_STRUCT* group = elementCreate(KR_GROUP);
-    elementAppend(group, &head);
-    ELEMENT_STRUCT* rect = elementCreate(KR_RECT);
-    elementAppend(rect, &group->child);
-    for (ELEMENT_STRUCT* e : {group, rect}) {
-        for (int i = 0; i < 3; ++i) {
-            ACTION_STRUCT* a = createAction();
-            appendTh(&a->colorThresholds, createTh());
-            a->heldValue2 = malloc(8);
-            appendAction(&e->actions, a);
-        }
-    }
-    // The leak checker of the sanitized build sees anything left behind.
-    EXPECT_EQ(elementDeleteAll(&head), 0);
-    EXPECT_EQ(head, nullptr);
 }
 
 } // namespace

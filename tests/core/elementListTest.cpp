@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -87,7 +88,8 @@ TEST(ElementNames, CheckSearchesGroupsAtAnyDepth)
     EXPECT_EQ(elementCheckName(nullptr, "leaf"), 0);
 }
 
-// Run under the sanitizers, a leak or double free of the deleted tree fails the suite.
+// Run under the sanitizers, a leak or double free of the deleted tree, with the actions of its
+// elements, fails the suite.
 TEST(ElementLists, DeleteUnlinksFromAnyPositionWithTheWholeTree)
 {
     ListOwner list;
@@ -100,6 +102,12 @@ TEST(ElementLists, DeleteUnlinksFromAnyPositionWithTheWholeTree)
         ELEMENT_STRUCT* poly = list.add(KR_CPOLY, &inner->child);
         for (int p = 0; p < 4; ++p)
             appendCoord(&static_cast<POLY_STRUCT*>(poly->data)->coords, createCoord());
+        for (ELEMENT_STRUCT* owner : {inner, poly}) {
+            ACTION_STRUCT* action = createAction();
+            appendTh(&action->colorThresholds, createTh());
+            action->heldValue2 = malloc(8);
+            appendAction(&owner->actions, action);
+        }
     }
     elementDelete(group, &list.head);
     EXPECT_EQ(a->next, c);
