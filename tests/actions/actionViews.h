@@ -1,8 +1,10 @@
 // Small builders of views whose elements carry actions, shared by the tests of running views.
 #pragma once
 
+#include "GlContext.h"
 #include "ViewBuilder.h"
 
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,6 +43,18 @@ inline korelgen::RectFields box(float x0, float y0, float x1, float y1)
 inline korelgen::RectFields square()
 {
     return box(80, 80, 120, 120);
+}
+
+// Every pixel in one number, to tell frames apart without keeping them.
+inline uint64_t frameHash(const Frame& frame)
+{
+    uint64_t hash = 1469598103934665603ull;
+    for (int y = 0; y < frame.height(); ++y)
+        for (int x = 0; x < frame.width(); ++x) {
+            const Rgb c = frame.at(x, y);
+            hash = (hash ^ uint64_t(c.r << 16 | c.g << 8 | c.b)) * 1099511628211ull;
+        }
+    return hash;
 }
 
 // The internal source, whose variables keep what the host writes.

@@ -51,79 +51,52 @@ TEST_F(Walk, HiddenElementsShowOnlyWhileStopped)
     EXPECT_EQ(rect->attr.live, 1);
 }
 
-TEST_F(Walk, HiddenGroupHidesEverythingBelowIt)
+// A look the outer of two nested groups holds reaches the children at both depths only when
+// it is flagged; the flag travels with the value, so the inner group hands it on too.
+TEST_F(Walk, FlaggedGroupLooksReachChildrenAtAnyDepth)
 {
-    ViewBuilder b = blackPage();
-    b.beginGroup(2).rect(redSquare(50, 50, 40)).beginGroup(1).rect(redSquare(200, 200, 40)).endGroup().endGroup();
-    VIEW_STRUCT* v = load(b);
-    v->elements->attr.visible = 0;
-    v->elements->attr.visibleSet = 1;
-    Frame f = walk(v, 1);
-    EXPECT_EQ(f.count(0, 0, 400, 300, kRed), 0);
-}
-
-TEST_F(Walk, GroupLookReachesChildrenAtAnyDepth)
-{
-    ViewBuilder b = blackPage();
-    b.beginGroup(2).rect(redSquare(50, 50, 40)).beginGroup(1).rect(redSquare(200, 200, 40)).endGroup().endGroup();
-    VIEW_STRUCT* v = load(b);
-    ELEMENT_ATTR& look = v->elements->attr;
-    look.fillColor[0] = 0;
-    look.fillColor[1] = 1;
-    look.fillColor[2] = 0;
-    look.fillColorSet = 1;
-    Frame f = walk(v, 1);
-    EXPECT_TRUE(PixelIs(f, 70, 70, kGreen));
-    EXPECT_TRUE(PixelIs(f, 220, 220, kGreen));
-    // The flag travels with the value: the inner group now hands it on too.
-    EXPECT_EQ(v->elements->child->next->attr.fillColorSet, 1);
-}
-
-TEST_F(Walk, UnflaggedGroupValuesStayWithTheGroup)
-{
-    ViewBuilder b = blackPage();
-    b.beginGroup(1).rect(redSquare(50, 50, 40)).endGroup();
-    VIEW_STRUCT* v = load(b);
-    v->elements->attr.fillColor[0] = 0; // changed, but not marked as set
-    EXPECT_TRUE(PixelIs(walk(v, 1), 70, 70, kRed));
-}
-
-TEST_F(Walk, BlinkClockThreeShowsBothStatesWithinASecond)
-{
-    VIEW_STRUCT* v = load(blackPage().rect(redSquare(100, 100, 50)));
-    ELEMENT_ATTR& look = v->elements->attr;
-    look.blink = 1;
-    look.blinkSet = 1;
-    look.blinkRate = 3;
-    bool seenOn = false, seenOff = false;
-    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(1200);
-    while (std::chrono::steady_clock::now() < end && !(seenOn && seenOff)) {
-        bool on = PixelIs(walk(v, 1), 125, 125, kRed);
-        (on ? seenOn : seenOff) = true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(40));
+    const struct {
+        const char* look;
+        void (*apply)(ELEMENT_ATTR&);
+        Rgb expected;
+    } cases[] = {
+        {"hidden", [](ELEMENT_ATTR& a) { a.visible = 0, a.visibleSet = 1; }, kBlack},
+        {"green", [](ELEMENT_ATTR& a) { a.fillColor[0] = 0, a.fillColor[1] = 1, a.fillColorSet = 1; }, kGreen},
+        {"green, unflagged", [](ELEMENT_ATTR& a) { a.fillColor[0] = 0, a.fillColor[1] = 1; }, kRed},
+    };
+    for (const auto& c : cases) {
+        ViewBuilder b = blackPage();
+        b.beginGroup(2).rect(redSquare(50, 50, 40)).beginGroup(1).rect(redSquare(200, 200, 40)).endGroup().endGroup();
+        VIEW_STRUCT* v = load(b);
+        c.apply(v->elements->attr);
+        Frame f = walk(v, 1);
+        EXPECT_TRUE(PixelIs(f, 70, 70, c.expected)) << c.look;
+        EXPECT_TRUE(PixelIs(f, 220, 220, c.expected)) << c.look;
     }
-    EXPECT_TRUE(seenOn);
-    EXPECT_TRUE(seenOff);
 }
 
+// Without a rate from 1 to 8, or without a blink action evaluated since the last seeding, an
+// element shows steadily however long the clocks run.
 TEST_F(Walk, BlinkNeedsARateAndAnEvaluation)
 {
-    VIEW_STRUCT* v = load(blackPage().rect(redSquare(100, 100, 50)));
-    ELEMENT_ATTR& look = v->elements->attr;
-    look.blink = 1;
-    for (int rate : {0, 9}) {
-        look.blinkSet = 1;
-        look.blinkRate = uint8_t(rate);
-        for (int i = 0; i < 6; ++i) {
-            EXPECT_TRUE(PixelIs(walk(v, 1), 125, 125, kRed)) << rate;
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
+    ViewBuilder b = blackPage();
+    b.rect(redSquare(20, 20, 40)).rect(redSquare(120, 20, 40)).rect(redSquare(220, 20, 40));
+    VIEW_STRUCT* v = load(b);
+    const struct {
+        int rate, evaluated;
+    } looks[] = {{0, 1}, {9, 1}, {7, 0}};
+    ELEMENT_STRUCT* e = v->elements;
+    for (const auto& look : looks) {
+        e->attr.blink = 1;
+        e->attr.blinkRate = uint8_t(look.rate);
+        e->attr.blinkSet = uint8_t(look.evaluated);
+        e = e->next;
     }
-    look.blinkSet = 0; // no blink action evaluated since the last seeding
-    look.blinkRate = 7;
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_TRUE(PixelIs(walk(v, 1), 125, 125, kRed));
-        std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    for (int i = 0; i < 8; ++i) {
+        Frame f = walk(v, 1);
+        for (int x : {40, 140, 240})
+            EXPECT_TRUE(PixelIs(f, x, 40, kRed)) << x << " in frame " << i;
+        std::this_thread::sleep_for(std::chrono::milliseconds(80));
     }
 }
 
