@@ -99,49 +99,31 @@ void expectAction(const ActionFields& s, const ACTION_STRUCT* a)
     }
 }
 
+// Every type on a clip inside a group; the group and a code without a body carry actions too.
 TEST(ActionRecordsInFiles, EveryTypeGivesBackEveryStoredField)
 {
     std::vector<ActionFields> all;
     for (int type = KR_ACTION_TEXT; type <= KR_ACTION_BLINK; ++type)
         all.push_back(numberedAction(type));
     ViewBuilder b = page();
-    b.actions(all).rect(RectFields(), "animated");
+    b.beginGroup(2, "group").actions(all).scissor(0, 0, 10, 10);
+    b.actions({numberedAction(KR_ACTION_INPUT)}).bodiless(9);
+    b.actions({numberedAction(KR_ACTION_VISIBLE)}).endGroup();
     b.rect(RectFields(), "still");
     LoadedView loaded(b);
-    ASSERT_NE(loaded.view, nullptr);
-    const ELEMENT_STRUCT* animated = loaded.view->elements;
-    ASSERT_EQ(countList(animated->actions), 26);
-    const ACTION_STRUCT* a = animated->actions;
+    const ELEMENT_STRUCT* group = loaded.first();
+    ASSERT_EQ(countActions(group), 28);
+    expectAction(numberedAction(KR_ACTION_VISIBLE), group->actions);
+    const ACTION_STRUCT* a = group->child->actions;
     for (const ActionFields& fields : all) {
         expectAction(fields, a);
         a = a->next;
     }
+    expectAction(numberedAction(KR_ACTION_INPUT), group->child->next->actions);
     // The next element follows in step, with no action of its own.
-    ASSERT_NE(animated->next, nullptr);
-    EXPECT_STREQ(animated->next->name, "still");
-    EXPECT_EQ(animated->next->actions, nullptr);
-}
-
-TEST(ActionRecordsInFiles, GroupsClipsAndBodilessCodesCarryActions)
-{
-    ViewBuilder b = page();
-    b.beginGroup(2, "group");
-    b.actions({numberedAction(KR_ACTION_ROTATE)}).scissor(0, 0, 10, 10);
-    b.actions({numberedAction(KR_ACTION_INPUT), numberedAction(KR_ACTION_BUTTON_STATE)}).bodiless(9);
-    b.actions({numberedAction(KR_ACTION_VISIBLE)}).endGroup();
-    b.rect(RectFields(), "after");
-    LoadedView loaded(b);
-    ASSERT_NE(loaded.view, nullptr);
-    const ELEMENT_STRUCT* group = loaded.view->elements;
-    ASSERT_EQ(countList(group->actions), 1);
-    EXPECT_EQ(group->actions->type, KR_ACTION_VISIBLE);
-    const ELEMENT_STRUCT* clip = group->child;
-    ASSERT_EQ(countList(clip->actions), 1);
-    expectAction(numberedAction(KR_ACTION_ROTATE), clip->actions);
-    ASSERT_EQ(countList(clip->next->actions), 2);
-    EXPECT_EQ(clip->next->actions->next->type, KR_ACTION_BUTTON_STATE);
     ASSERT_NE(group->next, nullptr);
-    EXPECT_STREQ(group->next->name, "after");
+    EXPECT_STREQ(group->next->name, "still");
+    EXPECT_EQ(group->next->actions, nullptr);
 }
 
 VariableFields variable(const std::string& name, int capacity, std::vector<ParaFields> params)
