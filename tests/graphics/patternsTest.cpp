@@ -90,18 +90,6 @@ TEST(FillPatternTable, KnownRowsAndTheWholeTableStayAsShipped)
     EXPECT_EQ(digest, 5920327559602568973u);
 }
 
-TEST_F(FillPatterns, PatternOneIsAPixelChequer)
-{
-    Frame frame = drawPattern(1);
-    int wrong = 0;
-    for (int y = 0; y < 64; ++y)
-        for (int x = 0; x < 64; ++x)
-            wrong += lit(frame, x, y) != ((x + y) % 2 == 1);
-    EXPECT_EQ(wrong, 0);
-    EXPECT_EQ(litIn(frame, 0, 0, 64, 64), 2048);
-    EXPECT_EQ(litIn(frame, 64, 0, 128, 64), 0) << "nothing outside the square";
-}
-
 // Pattern 55 is a staircase: its row 0 holds columns 28..31 only, row 7 columns 0..3.
 // Seen in the window, row 0 is the bottom row and the high bit of the first byte the left column.
 TEST_F(FillPatterns, RowZeroIsAtTheBottomAndHighBitAtTheLeft)
