@@ -4,7 +4,6 @@
 #include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewBuilder.h"
-#include "glyph/GlyphKit.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +12,7 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using namespace k2dtest;
@@ -69,11 +69,12 @@ CircleFields sampleCircle(float end)
     return s;
 }
 
-TextFields sampleText(int kind)
+// Unlike a graph's, a text's font is taken as stored whatever its size.
+TextFields sampleText(int kind, const char* family)
 {
     TextFields s;
-    s.kind = kind, s.x = 70, s.y = 80, s.color[0] = 0.75f, s.align = 3, s.fontFamily = "Courier [fixed]";
-    s.fontSize = 17, s.text = "Pressure 42";
+    s.kind = kind, s.x = 70, s.y = 80, s.color[0] = 0.75f, s.align = 3, s.fontFamily = family;
+    s.fontSize = 50, s.text = "Pressure 42";
     return s;
 }
 
@@ -135,9 +136,10 @@ const std::vector<KindCase>& kindCases()
         {"arc", KR_ARC, [](ViewBuilder& b) { b.arc(sampleCircle(1.5707964f)); }, {150, 100, 180, 160},
          {0.5f, 1, 1, 1}, {1, 1, 0.5f, 0.5f}, 4, 3},
         // A text's width and style are not stored: the created record's 1 and solid stay.
-        {"text", KR_TEXT, [](ViewBuilder& b) { b.text(sampleText(4)); }, kMeasured, {0.75f, 1, 1, 1}, none, 0, 1},
-        {"old text code", KR_TEXT, [](ViewBuilder& b) { b.text(sampleText(10)); }, kMeasured, {0.75f, 1, 1, 1},
-         none, 0, 1},
+        {"text", KR_TEXT, [](ViewBuilder& b) { b.text(sampleText(4, "Courier [fixed]")); }, kMeasured,
+         {0.75f, 1, 1, 1}, none, 0, 1},
+        {"old text code", KR_TEXT, [](ViewBuilder& b) { b.text(sampleText(10, "Arial")); }, kMeasured,
+         {0.75f, 1, 1, 1}, none, 0, 1},
         {"line", KR_LINE, [](ViewBuilder& b) { b.line(sampleLine()); }, {5, 6, 95, 46}, {0.5f, 0.25f, 0.5f, 1},
          none, 5, 2},
         {"image", KR_IMAGE, [](ViewBuilder& b) { b.image(sampleImage()); }, {10, 20, 74, 52}, none,
@@ -179,8 +181,11 @@ TEST(ElementBodies, EveryKindArrivesWithItsBoxAndLooks)
             ASSERT_NE(e, nullptr);
             EXPECT_EQ(e->type, c.kind);
             if (c.box == kMeasured) {
-                EXPECT_FLOAT_EQ(e->x, 70);
-                EXPECT_FLOAT_EQ(e->y, 80);
+                const TEXT_STRUCT* t = recordOf<TEXT_STRUCT>(e);
+                EXPECT_EQ(std::make_tuple(e->x, e->y, t->fontSize), std::make_tuple(70.0f, 80.0f, 50));
+                EXPECT_STREQ(e->attr.text, "Pressure 42");
+                // Only an outline font scales with the text's matrix.
+                EXPECT_EQ(t->scalable != 0, strcmp(t->fontFamily, "Arial") == 0) << t->fontFamily;
             } else {
                 EXPECT_EQ(four(e->bounds), c.box);
             }
@@ -224,21 +229,6 @@ TEST(ElementBodies, GraphFontOutsideTheUsableRangeFallsBack)
         EXPECT_NE(g->font, 0u);
         // The font is made before the fixed label ranges, which follow it undisturbed.
         EXPECT_FLOAT_EQ(g->labelYmax, 100);
-    }
-}
-
-TEST(ElementBodies, TextFontIsTakenAsStoredAndAskedWhetherItScales)
-{
-    for (const char* family : {"Arial", "Courier [fixed]"}) {
-        TextFields s;
-        s.fontFamily = family;
-        s.fontSize = 50; // no fall-back for texts, whatever the size
-        ViewBuilder b = page();
-        LoadedView loaded(b.text(s));
-        const TEXT_STRUCT* t = recordOf<TEXT_STRUCT>(loaded.first());
-        EXPECT_STREQ(t->fontFamily, family);
-        EXPECT_EQ(t->fontSize, 50);
-        EXPECT_EQ(t->scalable != 0, strcmp(family, "Arial") == 0) << family;
     }
 }
 
