@@ -9,6 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 using namespace k2dtest;
 using namespace korelgen;
@@ -48,28 +51,6 @@ ActionFields numberedAction(int k)
     return a;
 }
 
-void expectBlock(const ThresholdBlockFields& fields, float min, float max, const TH_STRUCT* head, bool lineStyles)
-{
-    EXPECT_FLOAT_EQ(min, fields.min);
-    EXPECT_FLOAT_EQ(max, fields.max);
-    ASSERT_EQ(countList(head), int(fields.entries.size()));
-    for (const ThresholdFields& t : fields.entries) {
-        EXPECT_FLOAT_EQ(head->lower, t.lower);
-        EXPECT_FLOAT_EQ(head->upper, t.upper);
-        EXPECT_EQ(head->value, t.value);
-        for (int c = 0; c < 3; ++c)
-            EXPECT_FLOAT_EQ(head->color[c], t.color[c]);
-        if (lineStyles) {
-            int32_t factor;
-            uint16_t pattern;
-            getLineStipple(t.value, &factor, &pattern);
-            EXPECT_EQ(head->stippleFactor, factor);
-            EXPECT_EQ(head->stipplePattern, pattern);
-        }
-        head = head->next;
-    }
-}
-
 // A loaded field against the value written; ints and floats alike compare as floats.
 struct Field {
     template <class A, class B> Field(const char* n, A a, B w) : name(n), loaded(double(a)), written(double(w)) {}
@@ -88,68 +69,61 @@ void expectAction(const ActionFields& s, const ACTION_STRUCT* a)
                            SAME(mouseAction), SAME(mouseMode), SAME(mouseClamp), SAME(mouseInc), SAME(mouseMin),
                            SAME(mouseMax), SAME(mouseHiddenActive), SAME(visibleMode), SAME(visibleValue)})
         EXPECT_FLOAT_EQ(float(f.loaded), float(f.written)) << f.name;
-    EXPECT_EQ(a->var, s.var);
-    EXPECT_EQ(a->var2, s.var2);
-    EXPECT_EQ(a->format, s.format);
-    EXPECT_EQ(a->translatePoly, s.translatePoly);
-    expectBlock(s.blocks[KR_THRESHOLDS_COLOR], a->colorMin, a->colorMax, a->colorThresholds, false);
-    expectBlock(s.blocks[KR_THRESHOLDS_WIDTH], a->widthMin, a->widthMax, a->widthThresholds, false);
-    expectBlock(s.blocks[KR_THRESHOLDS_STYLE], a->styleMin, a->styleMax, a->styleThresholds, true);
-    expectBlock(s.blocks[KR_THRESHOLDS_VISIBLE], a->visibleMin, a->visibleMax, a->visibleThresholds, false);
-    expectBlock(s.blocks[KR_THRESHOLDS_BLINK], a->blinkMin, a->blinkMax, a->blinkThresholds, false);
-    // Run-time state is not stored.
-    EXPECT_EQ(a->value, nullptr);
-    EXPECT_EQ(a->heldValue, nullptr);
-    EXPECT_EQ(a->variable, nullptr);
+    EXPECT_EQ(std::vector<std::string>({a->var, a->var2, a->format, a->translatePoly}),
+              std::vector<std::string>({s.var, s.var2, s.format, s.translatePoly}));
+    const struct {
+        float min, max;
+        const TH_STRUCT* head;
+    } blocks[KR_THRESHOLD_BLOCKS] = {{a->colorMin, a->colorMax, a->colorThresholds},
+                                     {a->widthMin, a->widthMax, a->widthThresholds},
+                                     {a->styleMin, a->styleMax, a->styleThresholds},
+                                     {a->visibleMin, a->visibleMax, a->visibleThresholds},
+                                     {a->blinkMin, a->blinkMax, a->blinkThresholds}};
+    for (int k = 0; k < KR_THRESHOLD_BLOCKS; ++k) {
+        const ThresholdBlockFields& written = s.blocks[k];
+        EXPECT_EQ(std::make_pair(blocks[k].min, blocks[k].max), std::make_pair(written.min, written.max)) << k;
+        ASSERT_EQ(countList(blocks[k].head), int(written.entries.size())) << k;
+        const TH_STRUCT* t = blocks[k].head;
+        for (const ThresholdFields& w : written.entries) {
+            EXPECT_EQ(std::make_tuple(t->lower, t->upper, t->value, t->color[0], t->color[1], t->color[2]),
+                      std::make_tuple(w.lower, w.upper, w.value, w.color[0], w.color[1], w.color[2])) << k;
+            // Line styles arrive expanded into the stipple that draws them.
+            int32_t factor = 0;
+            uint16_t pattern = 0;
+            getLineStipple(w.value, &factor, &pattern);
+            if (k == KR_THRESHOLDS_STYLE) {
+                EXPECT_EQ(std::make_pair(t->stippleFactor, t->stipplePattern), std::make_pair(factor, pattern));
+            }
+            t = t->next;
+        }
+    }
 }
 
+// Every type on a clip inside a group; the group and a code without a body carry actions too.
 TEST(ActionRecordsInFiles, EveryTypeGivesBackEveryStoredField)
 {
     std::vector<ActionFields> all;
     for (int type = KR_ACTION_TEXT; type <= KR_ACTION_BLINK; ++type)
         all.push_back(numberedAction(type));
     ViewBuilder b = page();
-    b.actions(all).rect(RectFields(), "animated");
+    b.beginGroup(2, "group").actions(all).scissor(0, 0, 10, 10);
+    b.actions({numberedAction(KR_ACTION_INPUT)}).bodiless(9);
+    b.actions({numberedAction(KR_ACTION_VISIBLE)}).endGroup();
     b.rect(RectFields(), "still");
     LoadedView loaded(b);
-    ASSERT_NE(loaded.view, nullptr);
-    const ELEMENT_STRUCT* animated = loaded.view->elements;
-    ASSERT_EQ(countList(animated->actions), 26);
-    const ACTION_STRUCT* a = animated->actions;
-    EXPECT_EQ(a->prev, nullptr);
+    const ELEMENT_STRUCT* group = loaded.first();
+    ASSERT_EQ(countActions(group), 28);
+    expectAction(numberedAction(KR_ACTION_VISIBLE), group->actions);
+    const ACTION_STRUCT* a = group->child->actions;
     for (const ActionFields& fields : all) {
         expectAction(fields, a);
-        if (a->next) {
-            EXPECT_EQ(a->next->prev, a);
-        }
         a = a->next;
     }
+    expectAction(numberedAction(KR_ACTION_INPUT), group->child->next->actions);
     // The next element follows in step, with no action of its own.
-    ASSERT_NE(animated->next, nullptr);
-    EXPECT_STREQ(animated->next->name, "still");
-    EXPECT_EQ(animated->next->actions, nullptr);
-}
-
-TEST(ActionRecordsInFiles, GroupsClipsAndBodilessCodesCarryActions)
-{
-    ViewBuilder b = page();
-    b.beginGroup(2, "group");
-    b.actions({numberedAction(KR_ACTION_ROTATE)}).scissor(0, 0, 10, 10);
-    b.actions({numberedAction(KR_ACTION_INPUT), numberedAction(KR_ACTION_BUTTON_STATE)}).bodiless(9);
-    b.actions({numberedAction(KR_ACTION_VISIBLE)}).endGroup();
-    b.rect(RectFields(), "after");
-    LoadedView loaded(b);
-    ASSERT_NE(loaded.view, nullptr);
-    const ELEMENT_STRUCT* group = loaded.view->elements;
-    ASSERT_EQ(countList(group->actions), 1);
-    EXPECT_EQ(group->actions->type, KR_ACTION_VISIBLE);
-    const ELEMENT_STRUCT* clip = group->child;
-    ASSERT_EQ(countList(clip->actions), 1);
-    expectAction(numberedAction(KR_ACTION_ROTATE), clip->actions);
-    ASSERT_EQ(countList(clip->next->actions), 2);
-    EXPECT_EQ(clip->next->actions->next->type, KR_ACTION_BUTTON_STATE);
     ASSERT_NE(group->next, nullptr);
-    EXPECT_STREQ(group->next->name, "after");
+    EXPECT_STREQ(group->next->name, "still");
+    EXPECT_EQ(group->next->actions, nullptr);
 }
 
 VariableFields variable(const std::string& name, int capacity, std::vector<ParaFields> params)
@@ -186,50 +160,34 @@ TEST(DataSectionsInFiles, SourcesKeepTheirStoredCounts)
     ASSERT_EQ(countList(s), 3);
 
     // No source of type 3 is installed here: the view keeps what it stored.
-    for (const Field& f : {Field("id", s->id, 3), Field("nrData", s->nrData, 3), Field("nrVar", s->nrVar, 2),
-                           Field("found", s->found, 0), Field("para[0].ival", s->para[0].ival, 7)})
-        EXPECT_EQ(f.loaded, f.written) << f.name;
+    EXPECT_EQ(std::make_tuple(s->id, s->nrData, s->nrVar, s->found), std::make_tuple(3, 3, 2, 0));
     EXPECT_STREQ(s->name, "unknown Data Source 3");
-    EXPECT_STREQ(s->para[0].sval, "4711");
+    EXPECT_EQ(s->para[0].ival, 7);
     EXPECT_STREQ(s->para[1].sval, "big");
     // Slots beyond the stored count, up to ten, are there and empty.
-    for (int i = 3; i < 10; ++i) {
-        EXPECT_EQ(s->para[i].size, 64u) << i;
-        EXPECT_STREQ(s->para[i].sval, "") << i;
-    }
+    EXPECT_EQ(s->para[9].size, 64u);
+    EXPECT_STREQ(s->para[9].sval, "");
     ASSERT_EQ(countList(s->variables), 2);
     const VARIABLE_STRUCT* level = s->variables;
-    EXPECT_EQ(level->type, 6);
-    EXPECT_STREQ(level->name, "level");
-    EXPECT_STREQ(level->defaultValue, "1.5");
-    EXPECT_EQ(level->nrPara, 2);
-    EXPECT_EQ(level->value, nullptr);
+    EXPECT_EQ(std::make_tuple(level->type, std::string(level->name), std::string(level->defaultValue), level->nrPara),
+              std::make_tuple(int(KR_VAR_INT32), std::string("level"), std::string("1.5"), 2));
     // A text stored with n = 64 doesn't fit a 64-byte buffer with room to spare: it grows to 76.
     EXPECT_EQ(level->para[0].ival, 2);
-    EXPECT_EQ(level->para[0].size, 76u);
     EXPECT_STREQ(level->para[0].sval, "offset 8");
     EXPECT_EQ(level->para[1].size, 76u);
     EXPECT_EQ(std::string(level->para[1].sval), std::string(63, 'x'));
     EXPECT_EQ(level->para[9].size, 64u);
     const VARIABLE_STRUCT* flow = level->next;
-    EXPECT_EQ(flow->prev, level);
     EXPECT_EQ(flow->para[0].size, 64u); // n = 63 fits as it is
     EXPECT_EQ(std::string(flow->para[0].sval), std::string(62, 'y'));
-    EXPECT_EQ(flow->para[1].ival, 0);
 
     s = s->next;
-    for (const Field& f : {Field("id", s->id, 1234), Field("nrData", s->nrData, 12), Field("nrVar", s->nrVar, 0),
-                           Field("para[11].ival", s->para[11].ival, 11)})
-        EXPECT_EQ(f.loaded, f.written) << f.name;
+    EXPECT_EQ(std::make_tuple(s->id, s->nrData, s->nrVar), std::make_tuple(1234, 12, 0));
     EXPECT_STREQ(s->para[11].sval, "p11");
     ASSERT_EQ(countList(s->variables), 1);
     EXPECT_EQ(s->variables->nrPara, 0);
-    EXPECT_STREQ(s->variables->para[9].sval, "");
-
-    s = s->next;
-    EXPECT_EQ(s->id, 9);
-    EXPECT_EQ(s->nrData, 0);
-    EXPECT_EQ(s->variables, nullptr);
+    EXPECT_EQ(s->next->id, 9);
+    EXPECT_EQ(s->next->variables, nullptr);
 }
 
 TEST(DataSectionsInFiles, VariableTextsOfAnySizeKeepTheStreamInStep)

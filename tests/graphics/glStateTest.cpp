@@ -18,25 +18,27 @@ class LineStipple : public k2dtest::GraphicsTest {};
 class LineWidth : public k2dtest::GraphicsTest {};
 class GlWrappers : public k2dtest::GraphicsTest {};
 
+// Drawn as an element draws, over a blue page: a translucent factor blends even opaque colours.
 TEST_F(ColourFactor, ScalesEveryDrawnColourClampedToUnitRange)
 {
     struct Case {
-        float factor[3], colour[3];
+        float factor[4], colour[3];
         Rgb expected;
     };
     // Grey shows the clamp: an unclamped red factor of 2 would double it to 204.
-    const Case cases[] = {{{1, 0.5f, 1}, {1, 1, 1}, {255, 128, 255}},
-                          {{1, 0.5f, 1}, {0.5f, 1, 0}, {128, 128, 0}},
-                          {{2, -1, 0.5f}, {1, 1, 1}, {255, 0, 128}},
-                          {{2, -1, 0.5f}, {0.4f, 0.4f, 0.4f}, {102, 0, 51}}};
+    const Case cases[] = {{{1, 0.5f, 1, 1}, {1, 1, 1}, {255, 128, 255}},  {{1, 0.5f, 1, 1}, {0.5f, 1, 0}, {128, 128, 0}},
+                          {{2, -1, 0.5f, 1}, {1, 1, 1}, {255, 0, 128}},   {{2, -1, 0.5f, 1}, {0.4f, 0.4f, 0.4f}, {102, 0, 51}},
+                          {{1, 1, 1, 0.5f}, {1, 0, 0}, {128, 0, 128}},    {{1, 1, 1, 1}, {1, 0, 0}, {255, 0, 0}}};
     for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "factor " << c.factor[0] << ", " << c.factor[1] << ", " << c.factor[2]);
+        SCOPED_TRACE(testing::Message() << "factor " << c.factor[0] << ", " << c.factor[1] << ", " << c.factor[2]
+                                        << ", " << c.factor[3]);
+        tkClearColor(0, 0, 1);
         glClear(GL_COLOR_BUFFER_BIT);
-        kvSetColorFactor(c.factor[0], c.factor[1], c.factor[2], 1);
-        EXPECT_FALSE(glIsEnabled(GL_BLEND)) << "an opaque factor leaves blending alone";
+        kvSetColorFactor(c.factor[0], c.factor[1], c.factor[2], c.factor[3]);
+        tkAliasBlend(0, 1);
         kvColor4f(c.colour[0], c.colour[1], c.colour[2], 1);
         quad(100, 100, 150, 150);
-        EXPECT_TRUE(PixelIs(Frame::grab(), 125, 125, c.expected, 2));
+        EXPECT_TRUE(PixelIs(Frame::grab(), 125, 125, c.expected, 3));
     }
     // Switching to an opaque factor never turns blending off: that is left to each element.
     glEnable(GL_BLEND);
@@ -44,45 +46,20 @@ TEST_F(ColourFactor, ScalesEveryDrawnColourClampedToUnitRange)
     EXPECT_TRUE(glIsEnabled(GL_BLEND));
 }
 
-TEST_F(ColourFactor, TranslucentFactorBlendsOpaqueElements)
+// Antialiasing smooths and blends; below an alpha of 0.98 blending alone is switched on.
+TEST_F(AliasBlend, AntialiasOrTranslucencyBlends)
 {
-    tkClearColor(0, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    kvSetColorFactor(1, 1, 1, 0.5f);
-    EXPECT_TRUE(glIsEnabled(GL_BLEND));
-    tkAliasBlend(0, 1);
-    kvColor4f(1, 0, 0, 1);
-    quad(100, 100, 150, 150);
-
-    kvSetColorFactor(1, 1, 1, 1);
-    tkAliasBlend(0, 1);
-    kvColor4f(1, 0, 0, 1);
-    quad(200, 100, 250, 150);
-
-    Frame frame = Frame::grab();
-    EXPECT_TRUE(PixelIs(frame, 125, 125, Rgb{128, 0, 128}, 3));
-    EXPECT_TRUE(PixelIs(frame, 225, 125, Rgb{255, 0, 0}, 2));
-    EXPECT_TRUE(PixelIs(frame, 300, 125, Rgb{0, 0, 255}, 2));
-}
-
-TEST_F(AliasBlend, AntialiasTurnsOnSmoothingAndBlending)
-{
-    tkAliasBlend(1, 1);
-    EXPECT_TRUE(glIsEnabled(GL_LINE_SMOOTH));
-    EXPECT_TRUE(glIsEnabled(GL_BLEND));
-    tkAliasBlend(0, 1);
-    EXPECT_FALSE(glIsEnabled(GL_LINE_SMOOTH));
-    EXPECT_FALSE(glIsEnabled(GL_BLEND));
-}
-
-TEST_F(AliasBlend, AlphaBelowThresholdBlends)
-{
-    tkAliasBlend(0, 0.98f);
-    EXPECT_FALSE(glIsEnabled(GL_BLEND)) << "0.98 itself counts as opaque";
-    tkAliasBlend(0, std::nextafter(0.98f, 0.0f));
-    EXPECT_TRUE(glIsEnabled(GL_BLEND));
-    EXPECT_FALSE(glIsEnabled(GL_LINE_SMOOTH));
-
+    struct Case {
+        int antialias;
+        float alpha;
+        bool smooth, blend;
+    };
+    for (const Case& c : {Case{1, 1, true, true}, Case{0, 1, false, false}, Case{0, 0.98f, false, false},
+                          Case{0, std::nextafter(0.98f, 0.0f), false, true}}) {
+        tkAliasBlend(c.antialias, c.alpha);
+        EXPECT_EQ(bool(glIsEnabled(GL_LINE_SMOOTH)), c.smooth) << c.antialias << ", " << c.alpha;
+        EXPECT_EQ(bool(glIsEnabled(GL_BLEND)), c.blend) << c.antialias << ", " << c.alpha;
+    }
     tkClearColor(0, 0, 1);
     glClear(GL_COLOR_BUFFER_BIT);
     tkAliasBlend(0, 0.5f);
@@ -160,11 +137,9 @@ TEST_F(GlWrappers, PopMatrixUndoesATransform)
     quad(10, 10, 20, 20);
     tkPopMatrix();
     quad(10, 50, 20, 60);
-    Frame frame = Frame::grab();
-    EXPECT_TRUE(lit(frame, 115, 15));
-    EXPECT_FALSE(lit(frame, 15, 15));
-    EXPECT_TRUE(lit(frame, 15, 55));
-    EXPECT_FALSE(lit(frame, 115, 55));
+    const Frame frame = Frame::grab();
+    EXPECT_EQ(frame.count(0, 0, 200, 100, kWhite, 100), 200) << "two 10 x 10 squares";
+    EXPECT_TRUE(lit(frame, 115, 15) && lit(frame, 15, 55));
 }
 
 TEST_F(GlWrappers, ClearColourHasZeroAlpha)
