@@ -32,9 +32,8 @@ def main():
         ok = True
         for path, old, new in f['edits']:
             full = os.path.join(root, path)
-            text = saved.get(full) or open(full).read()
-            saved.setdefault(full, text)
             cur = open(full).read()
+            saved.setdefault(full, cur)
             if cur.count(old) != 1:
                 print(f"{f['name']}: NOT APPLIED ({path}: found {cur.count(old)} times)", flush=True)
                 ok = False
