@@ -3,6 +3,7 @@
 #include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewFixture.h"
+#include "dataViews.h"
 #include "actions/actions.h"
 #include "data/autoWaves.h"
 #include "data/data.h"
@@ -66,17 +67,6 @@ VariableFields autoVar(int type, const std::string& name, AutoWave wave, Hz freq
     return VariableFields{type, name, "", {{wave, ""}, {frequency, ""}, {0, min}, {0, max}}};
 }
 
-std::string read(VIEW_STRUCT* view, const std::string& name)
-{
-    char text[256] = "";
-    return krVarGetStr(view, name.c_str(), text) < 0 ? "<error>" : text;
-}
-
-double number(VIEW_STRUCT* view, const std::string& name)
-{
-    return strtod(read(view, name).c_str(), nullptr);
-}
-
 // The MIN and MAX texts of a variable of the view's one source.
 std::string rangeOf(VIEW_STRUCT* view, const std::string& name)
 {
@@ -131,9 +121,7 @@ TEST(AutoSource, ViewReadsScaledWavesAndClockTextsFromItsStart)
                                              autoVar(KR_VAR_TEXT, "time", kTime, k0_01)};
     for (const ScaledCase& c : cases)
         variables.push_back(c.variable);
-    ViewBuilder b = blackPage();
-    b.dataSection({SourceFields{1, {}, 4, variables}});
-    LoadedView loaded(b);
+    LoadedView loaded(viewWith({SourceFields{1, {}, 4, variables}}));
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
 
@@ -162,27 +150,6 @@ TEST(AutoSource, ViewReadsScaledWavesAndClockTextsFromItsStart)
     }
 }
 
-TEST(AutoSource, AnimatedSinFollowsRealTime)
-{
-    ViewBuilder b = blackPage();
-    b.dataSection({SourceFields{1, {}, 4, {autoVar(KR_VAR_FLOAT, "sin", kSin, k1)}}});
-    LoadedView loaded(b);
-    VIEW_STRUCT* view = loaded.view;
-    ASSERT_NE(view, nullptr);
-    ASSERT_EQ(krViewStartAnim(view), 0);
-    double low = 0, high = 0;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(1500);
-    while (std::chrono::steady_clock::now() < end && (low > -0.9 || high < 0.9)) {
-        const double v = number(view, "sin");
-        low = std::min(low, v);
-        high = std::max(high, v);
-        std::this_thread::sleep_for(std::chrono::milliseconds(3));
-    }
-    EXPECT_LE(low, -0.9);
-    EXPECT_GE(high, 0.9);
-    EXPECT_EQ(krViewStop(view), 0);
-}
-
 // The built-in record as an editing host meets it: its form, a new variable, a changed form.
 class AutoRecord : public testing::Test {
 protected:
@@ -206,21 +173,6 @@ protected:
     DD_DATA_TYPE_STRUCT* known = nullptr;
     DD_DATA_TYPE_STRUCT* source = nullptr;
 };
-
-// An editor lists the form's wave names and frequencies by their numbers.
-TEST_F(AutoRecord, DescribesItsVariableForm)
-{
-    EXPECT_STREQ(source->name, "Auto Data");
-    ASSERT_EQ(source->nrVar, 4);
-    const OPTION_STRUCT* form = source->varOptions;
-    EXPECT_EQ(std::string(form[0].title) + form[1].title + form[2].title + form[3].title, "TYPEFREQUENCYMINMAX");
-    ASSERT_EQ(form[0].count, 12);
-    EXPECT_STREQ(form[0].items + 32 * kSinHalf, "SIN Half Wave");
-    EXPECT_STREQ(form[0].items + 32 * kTime, "TIME");
-    ASSERT_EQ(form[1].count, 10);
-    EXPECT_STREQ(form[1].items + 32 * k0_1, "0.10 Hz");
-    EXPECT_STREQ(form[1].items + 32 * k10, "10.0 Hz");
-}
 
 TEST_F(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
 {

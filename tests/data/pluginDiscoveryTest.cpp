@@ -3,15 +3,11 @@
 #include "Korel2D.h"
 #include "LoadedView.h"
 #include "PluginDirs.h"
-#include "ViewBuilder.h"
+#include "dataViews.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <cmath>
-#include <cstdlib>
 #include <string>
-#include <thread>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -54,14 +50,6 @@ testing::AssertionResult contains(const std::string& log, const std::string& mes
     return testing::AssertionFailure() << "the log\n" << log << "has no\n" << message;
 }
 
-ViewBuilder viewWith(const std::vector<SourceFields>& sources)
-{
-    ViewBuilder b;
-    b.page(0, 0, 400, 300, 0, 0, 0);
-    b.dataSection(sources);
-    return b;
-}
-
 VariableFields variable(int type, const char* name, std::vector<ParaFields> params = {})
 {
     return VariableFields{type, name, "", std::move(params)};
@@ -94,25 +82,6 @@ std::string pluginFound()
     if (!source)
         return "no source";
     return source->found ? krDataSourceLibName(source) : "unknown";
-}
-
-// A variable of a running view as a number; NaN when it can't be read.
-double valueOf(VIEW_STRUCT* view, const char* name)
-{
-    char text[256];
-    return krVarGetStr(view, name, text) < 0 ? std::nan("") : strtod(text, nullptr);
-}
-
-// Polls the data thread's progress; false if `done` didn't come within five seconds.
-template <class Done> bool waitFor(Done done)
-{
-    auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
 }
 
 TEST_F(PluginDiscovery, ViewListsBuiltinsPluginsAndUnknownTypes)
@@ -239,7 +208,7 @@ TEST_F(PluginDiscovery, APluginCannotTakeTheNumberOfABuiltinSource)
     EXPECT_STREQ(krDataSourceName(sourceOfType(loaded.view, 2)), "Constant Data");
     EXPECT_EQ(takeLog(), "Data Type <2> already present. skipped ...\n");
     ASSERT_EQ(krViewStartAnim(loaded.view), 0);
-    EXPECT_TRUE(waitFor([&] { return valueOf(loaded.view, "constant") == 2.5; }));
+    EXPECT_TRUE(waitFor([&] { return number(loaded.view, "constant") == 2.5; }));
     EXPECT_EQ(krViewStop(loaded.view), 0);
 }
 
@@ -289,7 +258,7 @@ TEST_F(PluginDiscovery, StoredParameterCountsGiveWayToThePlugins)
         EXPECT_STREQ(source->para[2].sval, "c");
         EXPECT_STREQ(source->para[19].sval, "");
         ASSERT_EQ(krViewStartAnim(loaded.view), 0);
-        EXPECT_TRUE(waitFor([&] { return valueOf(loaded.view, "EX_RUNS") >= 5; }));
+        EXPECT_TRUE(waitFor([&] { return number(loaded.view, "EX_RUNS") >= 5; }));
         EXPECT_EQ(krViewStop(loaded.view), 0);
     }
 }
@@ -304,12 +273,12 @@ TEST_F(PluginDiscovery, GlobalVariablesFollowThePluginsGlobals)
     ASSERT_NE(loaded.view, nullptr);
     ASSERT_EQ(krViewStartAnim(loaded.view), 0);
     EXPECT_EQ(takeLog(), "error global variable noSuchGlobal\n");
-    ASSERT_TRUE(waitFor([&] { return valueOf(loaded.view, "exampleGlobalCount") > 0; }));
-    double count = valueOf(loaded.view, "exampleGlobalCount");
+    ASSERT_TRUE(waitFor([&] { return number(loaded.view, "exampleGlobalCount") > 0; }));
+    double count = number(loaded.view, "exampleGlobalCount");
     // Each Run counts up the plug-in's globals and sets the float to half the count; read
     // second, the float can only have gone further.
-    EXPECT_GE(valueOf(loaded.view, "exampleGlobalFloat"), 0.5 * count);
-    EXPECT_EQ(valueOf(loaded.view, "noSuchGlobal"), 0);
+    EXPECT_GE(number(loaded.view, "exampleGlobalFloat"), 0.5 * count);
+    EXPECT_EQ(number(loaded.view, "noSuchGlobal"), 0);
     EXPECT_EQ(krViewStop(loaded.view), 0);
 }
 

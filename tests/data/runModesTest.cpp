@@ -3,6 +3,7 @@
 #include "LoadedView.h"
 #include "PluginDirs.h"
 #include "ViewFixture.h"
+#include "dataViews.h"
 
 #include <gtest/gtest.h>
 
@@ -35,24 +36,15 @@ public:
 // Constants, and the example's run count and calling thread; Run blocks for blockMs.
 ViewBuilder sourcesView(int blockMs = 0)
 {
-    ViewBuilder b = blackPage();
     SourceFields constants{2, {}, 1, {{KR_VAR_FLOAT, "pi", "", {{0, "3.5"}}}, {KR_VAR_UINT8, "byte", "", {{0, "300"}}}}};
     SourceFields example{kExampleType, {{0, std::to_string(blockMs)}, {0, "test"}}, 1,
                          {{KR_VAR_INT32, "runs", "", {{kRuns, ""}}}, {KR_VAR_TEXT, "thread", "", {{kThreadName, ""}}}}};
-    b.dataSection({constants, example});
-    return b;
-}
-
-std::string valueOf(VIEW_STRUCT* view, const char* name)
-{
-    char text[256] = "";
-    int result = krVarGetStr(view, name, text);
-    return result < 0 ? "error " + std::to_string(result) : text;
+    return viewWith({constants, example});
 }
 
 int runsOf(VIEW_STRUCT* view)
 {
-    return std::atoi(valueOf(view, "runs").c_str());
+    return int(number(view, "runs"));
 }
 
 // Entries of a /proc directory; with a name, only the threads of this process called so.
@@ -75,15 +67,6 @@ int dataThreads()
     return entriesIn("/proc/self/task", kDataThread);
 }
 
-// Polls; false if `done` didn't come within ten seconds.
-template <class Done> bool waitFor(Done done)
-{
-    const auto end = Clock::now() + std::chrono::seconds(10);
-    while (!done() && Clock::now() < end)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return done();
-}
-
 TEST(RunModeStates, EachEntryAnswersOnlyInItsState)
 {
     ExampleHome home;
@@ -96,7 +79,7 @@ TEST(RunModeStates, EachEntryAnswersOnlyInItsState)
     EXPECT_EQ(krViewPutData(view, 0.5), -3);
     EXPECT_EQ(krViewSetHaltMode(view, 1), -3);
     EXPECT_EQ(krViewSetTime(view, 2.0f), 0);
-    EXPECT_EQ(valueOf(view, "pi"), "error -3");
+    EXPECT_EQ(read(view, "pi"), "<-3>");
 
     ASSERT_EQ(krViewStart(view), 0);
     EXPECT_EQ(krViewStart(view), -3);
@@ -129,16 +112,16 @@ TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
     VIEW_STRUCT* view = load(sourcesView());
     ASSERT_EQ(krViewStart(view), 0);
     // Before the first draw no source has been asked.
-    EXPECT_EQ(valueOf(view, "pi"), "0.000000");
+    EXPECT_EQ(read(view, "pi"), "0.000000");
     draw(view);
-    EXPECT_EQ(valueOf(view, "pi"), "3.500000");
-    EXPECT_EQ(valueOf(view, "byte"), "44");
+    EXPECT_EQ(read(view, "pi"), "3.500000");
+    EXPECT_EQ(read(view, "byte"), "44");
     EXPECT_EQ(runsOf(view), 1);
     for (int i = 0; i < 5; ++i)
         draw(view);
     EXPECT_EQ(runsOf(view), 6);
     // The drawing thread asks the source itself.
-    EXPECT_NE(valueOf(view, "thread"), kDataThread);
+    EXPECT_NE(read(view, "thread"), kDataThread);
     EXPECT_EQ(dataThreads(), 0);
     ASSERT_EQ(krViewStop(view), 0);
 
@@ -166,12 +149,12 @@ TEST(AnimatedMode, TheDataThreadCyclesEveryTenMillisecondsWhileRunning)
     // 10 ms of pause plus the cycle: about 50; a loaded machine runs fewer.
     EXPECT_GE(inHalfASecond, 20);
     EXPECT_LE(inHalfASecond, 55);
-    EXPECT_EQ(valueOf(view, "thread"), kDataThread);
-    EXPECT_EQ(valueOf(view, "pi"), "3.500000");
+    EXPECT_EQ(read(view, "thread"), kDataThread);
+    EXPECT_EQ(read(view, "pi"), "3.500000");
 
     ASSERT_EQ(krViewStop(view), 0);
     EXPECT_EQ(dataThreads(), 0);
-    EXPECT_EQ(valueOf(view, "runs"), "error -3");
+    EXPECT_EQ(read(view, "runs"), "<-3>");
 }
 
 // A stop gives the data thread half a second; one blocked in a plug-in's Run for three is left
@@ -195,9 +178,10 @@ TEST(AnimatedMode, StopDoesNotWaitForABlockedPlugin)
         EXPECT_EQ(krViewStop(view), 0);
         EXPECT_LT(Clock::now() - before, std::chrono::seconds(2));
         EXPECT_EQ(dataThreads(), 1); // still inside Run
-        EXPECT_EQ(valueOf(view, "pi"), "error -3");
-        if (!freeAtOnce)
-            EXPECT_TRUE(waitFor([] { return dataThreads() == 0; }));
+        EXPECT_EQ(read(view, "pi"), "<-3>");
+        if (!freeAtOnce) {
+            EXPECT_TRUE(waitFor([] { return dataThreads() == 0; })); // back into a stopped view, it ends
+        }
         EXPECT_EQ(krViewFree(view), 0);
         EXPECT_EQ(dataThreads(), 0);
     }

@@ -6,6 +6,7 @@
 #include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewFixture.h"
+#include "dataViews.h"
 #include "actions/actions.h"
 #include "data/data.h"
 
@@ -32,21 +33,6 @@ VariableFields var(int type, const std::string& name, const std::string& default
 SourceFields source(int id, std::vector<VariableFields> variables)
 {
     return SourceFields{id, {}, id == 2 ? 1 : 0, std::move(variables)};
-}
-
-ViewBuilder viewWith(const std::vector<SourceFields>& sources)
-{
-    ViewBuilder b = blackPage();
-    b.dataSection(sources);
-    return b;
-}
-
-// What krVarGetStr prints, or its result code in angle brackets where that isn't 0.
-std::string read(VIEW_STRUCT* view, const std::string& name)
-{
-    char text[256] = "unchanged";
-    int result = krVarGetStr(view, name.c_str(), text);
-    return result == 0 ? std::string(text) : "<" + std::to_string(result) + ">";
 }
 
 std::string nameOf(size_t row) { return "v" + std::to_string(row); }
