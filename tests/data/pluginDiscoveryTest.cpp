@@ -64,14 +64,10 @@ SourceFields exampleSource(int type,
 
 DD_DATA_TYPE_STRUCT* sourceOfType(VIEW_STRUCT* view, int type)
 {
-    int count = 0;
-    DD_DATA_TYPE_STRUCT** all = krDataSourceGetAll(view, &count);
-    DD_DATA_TYPE_STRUCT* found = nullptr;
-    for (int i = 0; i < count && !found; ++i)
-        if (krDataSourceType(all[i]) == type)
-            found = all[i];
-    krFree(all);
-    return found;
+    for (DD_DATA_TYPE_STRUCT* source = view ? view->dataTypes : nullptr; source; source = source->next)
+        if (krDataSourceType(source) == type)
+            return source;
+    return nullptr;
 }
 
 // The library name of the example-type source in a view loaded now; "unknown" if it found none.
