@@ -67,16 +67,10 @@ VariableFields autoVar(int type, const std::string& name, AutoWave wave, Hz freq
     return VariableFields{type, name, "", {{wave, ""}, {frequency, ""}, {0, min}, {0, max}}};
 }
 
-// The MIN and MAX texts of a variable of the view's one source.
-std::string rangeOf(VIEW_STRUCT* view, const std::string& name)
+// A variable's MIN..MAX texts, as an editor shows them.
+std::string rangeOf(const VARIABLE_STRUCT* v)
 {
-    char min[256] = "?", max[256] = "?";
-    for (VARIABLE_STRUCT* v = view->dataTypes->variables; v; v = v->next)
-        if (name == krVarName(v)) {
-            krVarGetPara(v, 2, nullptr, min);
-            krVarGetPara(v, 3, nullptr, max);
-        }
-    return std::string(min) + ".." + max;
+    return std::string(v->para[2].sval) + ".." + v->para[3].sval;
 }
 
 std::string localNow(const char* format)
@@ -131,9 +125,11 @@ TEST(AutoSource, ViewReadsScaledWavesAndClockTextsFromItsStart)
         const std::string dateBefore = localNow("%d.%m.%Y "), timeBefore = localNow("%H:%M:%S");
         fillDP(view->dataTypes);
         const std::string dateAfter = localNow("%d.%m.%Y "), timeAfter = localNow("%H:%M:%S");
+        const VARIABLE_STRUCT* v = view->dataTypes->variables->next->next->next; // past clock, date, time
         for (const ScaledCase& c : cases) {
             EXPECT_NEAR(number(view, c.variable.name), c.expected, 0.05) << c.variable.name;
-            EXPECT_EQ(rangeOf(view, c.variable.name), c.range) << c.variable.name;
+            EXPECT_EQ(rangeOf(v), c.range) << c.variable.name;
+            v = v->next;
         }
         const std::string date = read(view, "date"), time = read(view, "time");
         EXPECT_TRUE(date == dateBefore || date == dateAfter) << "\"" << date << "\" for \"" << dateBefore << "\"";
@@ -150,39 +146,22 @@ TEST(AutoSource, ViewReadsScaledWavesAndClockTextsFromItsStart)
     }
 }
 
-// The built-in record as an editing host meets it: its form, a new variable, a changed form.
-class AutoRecord : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        ASSERT_EQ(kriLoadStaticDataSources(&known), 0);
-        for (DD_DATA_TYPE_STRUCT* s = known; s; s = s->next)
-            if (s->id == 1)
-                source = s;
-        ASSERT_NE(source, nullptr);
-    }
-    void TearDown() override
-    {
-        while (known)
-            delDataType(&known, known, 1);
-    }
-    static std::string range(const VARIABLE_STRUCT* v)
-    {
-        return std::string(v->para[2].sval) + ".." + v->para[3].sval;
-    }
-    DD_DATA_TYPE_STRUCT* known = nullptr;
-    DD_DATA_TYPE_STRUCT* source = nullptr;
-};
-
-TEST_F(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
+// The built-in record as an editing host meets it: a new variable, a changed form.
+TEST(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
 {
+    DD_DATA_TYPE_STRUCT* known = nullptr;
+    ASSERT_EQ(kriLoadStaticDataSources(&known), 0);
+    DD_DATA_TYPE_STRUCT* source = known;
+    while (source && source->id != 1)
+        source = source->next;
+    ASSERT_NE(source, nullptr);
     VARIABLE_STRUCT* v = createVariable(4);
     v->type = KR_VAR_UINT32;
     v->para[0].ival = 5;
     EXPECT_EQ(source->newVariable(v), 0);
     EXPECT_EQ(v->type, KR_VAR_FLOAT);
     EXPECT_EQ(v->para[0].ival, kSin);
-    EXPECT_EQ(range(v), "-1.0..1.0");
+    EXPECT_EQ(rangeOf(v), "-1.0..1.0");
 
     const struct {
         int form, type;
@@ -194,11 +173,11 @@ TEST_F(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
     for (const auto& c : chosen) {
         EXPECT_EQ(source->callbackVar(0, c.form, nullptr, v), 0);
         EXPECT_EQ(v->type, c.type) << c.form;
-        EXPECT_EQ(range(v), c.range) << c.form;
+        EXPECT_EQ(rangeOf(v), c.range) << c.form;
     }
     // Only the form parameter calls back with consequences.
     source->callbackVar(1, kSinHalf, nullptr, v);
-    EXPECT_EQ(range(v), "-1.0..1.0");
+    EXPECT_EQ(rangeOf(v), "-1.0..1.0");
     delVariable(nullptr, v);
 
     // A variable stored with fewer slots than the form is left as it is, and so is its value.
@@ -217,6 +196,8 @@ TEST_F(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
     short3->value = nullptr;
     delVariable(nullptr, short3);
     source->close(source);
+    while (known)
+        delDataType(&known, known, 1);
 }
 
 } // namespace
