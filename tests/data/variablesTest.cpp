@@ -266,55 +266,39 @@ TEST(VariablesByName, SourcesOfNamesAndParametersAsAHostEditsThem)
     EXPECT_EQ(count, 0);
 }
 
-class RunningVariables : public ViewTest {
-protected:
-    VIEW_STRUCT* started(const ViewBuilder& b)
-    {
-        VIEW_STRUCT* view = load(b);
-        EXPECT_EQ(view ? krViewStart(view) : -1, 0);
-        return view;
-    }
-};
+class RunningVariables : public ViewTest {};
 
-TEST_F(RunningVariables, ConstantOverwritesWritesAtTheNextDraw)
+// A Constant's cycle overwrites what a host wrote, an Internal keeps it while the view runs, and
+// a restart begins again from the defaults.
+TEST_F(RunningVariables, WritesLastUntilTheSourceWritesOrTheViewRestarts)
 {
-    VIEW_STRUCT* view = started(viewWith({source(2, {var(KR_VAR_INT32, "level", "99", "12")})}));
+    VIEW_STRUCT* view = load(viewWith(
+        {source(2, {var(KR_VAR_INT32, "level", "99", "12")}),
+         source(5, {var(KR_VAR_INT32, "plain"), var(KR_VAR_INT32, "preset", "0x1F"), var(KR_VAR_TEXT, "label", "idle")})}));
     ASSERT_NE(view, nullptr);
+    auto values = [view] {
+        return read(view, "level") + " " + read(view, "plain") + " " + read(view, "preset") + " " + read(view, "label");
+    };
+    ASSERT_EQ(krViewStart(view), 0);
     // Defaults only go through a Set entry, which a Constant lacks: nothing before the first cycle.
-    EXPECT_EQ(read(view, "level"), "0");
-    draw(view);
-    EXPECT_EQ(read(view, "level"), "12");
-    EXPECT_EQ(krVarSetStr(view, "level", "5"), 1);
-    EXPECT_EQ(read(view, "level"), "5");
-    draw(view);
-    EXPECT_EQ(read(view, "level"), "12");
-}
-
-TEST_F(RunningVariables, InternalKeepsWritesAndARestartBeginsAgain)
-{
-    VIEW_STRUCT* view = started(viewWith({source(
-        5, {var(KR_VAR_INT32, "plain"), var(KR_VAR_INT32, "preset", "0x1F"), var(KR_VAR_TEXT, "label", "idle")})}));
-    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(values(), "0 0 31 idle");
     const int32_t written = 41;
-    for (const char* name : {"plain", "preset"})
+    for (const char* name : {"level", "plain", "preset"})
         EXPECT_EQ(krVarSet(view, name, &written), 1);
     EXPECT_EQ(krVarSetStr(view, "label", "ready"), 1);
+    EXPECT_EQ(values(), "41 41 41 ready");
     // A hundred cycles: three drawn as a host does, the rest run directly.
     for (int i = 0; i < 3; ++i)
         draw(view);
     for (int i = 3; i < 100; ++i)
         fillDP(view->dataTypes);
-    EXPECT_EQ(read(view, "plain"), "41");
-    EXPECT_EQ(read(view, "preset"), "41");
-    EXPECT_EQ(read(view, "label"), "ready");
+    EXPECT_EQ(values(), "12 41 41 ready");
 
     ASSERT_EQ(krViewStop(view), 0);
     ASSERT_EQ(krViewStart(view), 0);
-    EXPECT_EQ(read(view, "plain"), "0");
-    EXPECT_EQ(read(view, "preset"), "31");
-    EXPECT_EQ(read(view, "label"), "idle");
+    EXPECT_EQ(values(), "0 0 31 idle");
     draw(view);
-    EXPECT_EQ(read(view, "plain"), "0");
+    EXPECT_EQ(values(), "12 0 31 idle");
 }
 
 } // namespace
