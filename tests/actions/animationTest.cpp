@@ -333,7 +333,7 @@ TEST_F(Animation, InputActionsMakeVariablesReadWrite)
 TEST_F(Animation, WrittenGlobalGoesOutOnce)
 {
     PluginDirs dirs;
-    dirs.copyIntoHomeBin(variant("globals", "libKrdGlobals.so"));
+    dirs.copy(PluginDirs::Place::HomeBin, variant("globals", "libKrdGlobals.so"));
     ViewBuilder b = blackPage();
     b.actions({act(KR_ACTION_INPUT, "exampleGlobalFloat")}).rect(square());
     b.dataSection({pluginSource(101, "exampleGlobalFloat")});

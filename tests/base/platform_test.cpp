@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <set>
@@ -17,29 +16,7 @@ namespace {
 
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
-
-// A scratch directory with two files, removed again at the end.
-class ScratchDir {
-public:
-    ScratchDir()
-    {
-        char pattern[] = "/tmp/korel2d-dir-XXXXXX";
-        path_ = mkdtemp(pattern);
-        for (const std::string& name : names())
-            fclose(fopen((path_ + "/" + name).c_str(), "w"));
-    }
-    ~ScratchDir()
-    {
-        for (const std::string& name : names())
-            unlink((path_ + "/" + name).c_str());
-        rmdir(path_.c_str());
-    }
-    static std::set<std::string> names() { return {"alpha.so", std::string(255, 'n')}; }
-    const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
+using testing::internal::RE;
 
 TEST(Platform, TimeOfDayInSeconds)
 {
@@ -54,14 +31,21 @@ TEST(Platform, TimeOfDayInSeconds)
 
 TEST(Platform, ReadsEveryEntryThenStopsWithoutTouchingTheBuffer)
 {
-    ScratchDir dir;
-    void* handle = apiOpenDir(dir.path().c_str());
+    char pattern[] = "/tmp/korel2d-dir-XXXXXX";
+    const std::string dir = mkdtemp(pattern);
+    const std::set<std::string> files = {"alpha.so", std::string(255, 'n')};
+    for (const std::string& name : files)
+        fclose(fopen((dir + "/" + name).c_str(), "w"));
+    void* handle = apiOpenDir(dir.c_str());
     ASSERT_NE(handle, nullptr);
     std::set<std::string> seen;
     char buffer[256];
     while (apiReadDir(handle, buffer))
         seen.insert(buffer);
-    std::set<std::string> expected = ScratchDir::names();
+    for (const std::string& name : files)
+        unlink((dir + "/" + name).c_str());
+    rmdir(dir.c_str());
+    std::set<std::string> expected = files;
     expected.insert({".", ".."});
     EXPECT_EQ(seen, expected);
 
@@ -78,65 +62,43 @@ TEST(Platform, ReadsEveryEntryThenStopsWithoutTouchingTheBuffer)
     EXPECT_EQ(apiCloseDir(nullptr), 0);
 }
 
-TEST(Platform, LoadsALibraryAndResolvesItsSymbols)
+// Every refusal prints the loader's reason, naming what was asked for.
+TEST(Platform, LoadsLibrariesAndSymbolsAndPrintsWhyTheLoaderRefused)
 {
     void* lib = apiDllOpen("libm.so.6");
     ASSERT_NE(lib, nullptr);
     auto* cosine = reinterpret_cast<double (*)(double)>(apiDllGetSymbol(lib, "cos"));
     ASSERT_NE(cosine, nullptr);
     EXPECT_DOUBLE_EQ(cosine(0.0), 1.0);
-
-    CaptureStdout();
-    EXPECT_EQ(apiDllGetSymbol(lib, "krdNoSuchEntryInfo"), nullptr);
-    const std::string line = GetCapturedStdout();
-    EXPECT_EQ(line.rfind("apiDllGetSymbol: ", 0), 0u) << line;
-    EXPECT_NE(line.find("krdNoSuchEntryInfo"), std::string::npos) << line;
-    EXPECT_EQ(line.back(), '\n');
-
     // A loader error left pending by someone else must not fail the next look-up.
     ASSERT_EQ(dlsym(lib, "krdAnotherMissingEntry"), nullptr);
     EXPECT_NE(apiDllGetSymbol(lib, "sin"), nullptr);
-    EXPECT_EQ(apiDllClose(lib), 0);
-}
 
-TEST(Platform, MissingLibraryAndNullArgumentsPrintWhyTheLoaderRefused)
-{
     CaptureStdout();
+    EXPECT_EQ(apiDllGetSymbol(lib, "krdNoSuchEntryInfo"), nullptr);
     EXPECT_EQ(apiDllOpen("/nonexistent/libKrdMissing.so"), nullptr);
-    std::string line = GetCapturedStdout();
-    EXPECT_EQ(line.rfind("apiDllOpen: ", 0), 0u) << line;
-    EXPECT_NE(line.find("/nonexistent/libKrdMissing.so"), std::string::npos) << line;
-    EXPECT_EQ(line.back(), '\n');
-
-    CaptureStdout();
+    EXPECT_EQ(apiDllGetSymbol(lib, nullptr), nullptr);
     EXPECT_EQ(apiDllOpen(nullptr), nullptr);
     EXPECT_EQ(apiDllGetSymbol(nullptr, nullptr), nullptr);
-    EXPECT_EQ(GetCapturedStdout(), "apiDllOpen: path = NULL\napiDllGetSymbol: handle 0x0 symbol 0x0\n");
-
-    void* lib = apiDllOpen("libm.so.6");
-    ASSERT_NE(lib, nullptr);
-    CaptureStdout();
-    EXPECT_EQ(apiDllGetSymbol(lib, nullptr), nullptr);
-    line = GetCapturedStdout();
-    EXPECT_EQ(line.rfind("apiDllGetSymbol: handle 0x", 0), 0u) << line;
-    EXPECT_NE(line.find(" symbol 0x0\n"), std::string::npos) << line;
-    apiDllClose(lib);
+    EXPECT_TRUE(RE::FullMatch(GetCapturedStdout(), "apiDllGetSymbol: [^\n]*krdNoSuchEntryInfo[^\n]*\n"
+                                                    "apiDllOpen: [^\n]*/nonexistent/libKrdMissing.so[^\n]*\n"
+                                                    "apiDllGetSymbol: handle 0x[0-9a-f]+ symbol 0x0\n"
+                                                    "apiDllOpen: path = NULL\n"
+                                                    "apiDllGetSymbol: handle 0x0 symbol 0x0\n"));
+    EXPECT_EQ(apiDllClose(lib), 0);
     EXPECT_EQ(apiDllClose(nullptr), 0);
 }
 
 TEST(Platform, ReleaseTexts)
 {
     EXPECT_EQ(KGet_releasenr(), 304);
-
     const char* release = KGet_release();
-    EXPECT_TRUE(testing::internal::RE::FullMatch(release, "Korel2D 3\\.4\\.1 20[0-9][0-9]")) << release;
+    EXPECT_TRUE(RE::FullMatch(release, "Korel2D 3\\.4\\.1 20[0-9][0-9]")) << release;
     const char* version = KGet_releaseshort();
-    EXPECT_STREQ(version, "3.4.1");
     EXPECT_EQ(release, version); // one buffer: the release text is gone
     EXPECT_STREQ(release, "3.4.1");
-
     const char* built = get_ctime();
-    EXPECT_TRUE(testing::internal::RE::FullMatch(built, "[A-Z][a-z][a-z] [ 0-9][0-9] 20[0-9][0-9] [0-9][0-9]:[0-9][0-9]:[0-9][0-9]"))
+    EXPECT_TRUE(RE::FullMatch(built, "[A-Z][a-z][a-z] [ 0-9][0-9] 20[0-9][0-9] [0-9][0-9]:[0-9][0-9]:[0-9][0-9]"))
         << built;
     EXPECT_NE(built, version);
 }

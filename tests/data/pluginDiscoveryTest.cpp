@@ -3,22 +3,24 @@
 #include "Korel2D.h"
 #include "LoadedView.h"
 #include "PluginDirs.h"
-#include "ViewBuilder.h"
+#include "dataViews.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <cmath>
-#include <cstdlib>
 #include <string>
-#include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 using namespace k2dtest;
 using namespace korelgen;
+using Place = PluginDirs::Place;
 
 namespace {
+
+constexpr int kExampleType = 100, kWideType = 102, kGlobalsType = 101;
+const std::string kNotFound = "Warning: data type 100 not found. deleted !\n";
+const std::string kTaken = "Data Type <100> already present. skipped ...\n";
 
 // The memory log is one per process: each case starts with it empty and sees warnings.
 class PluginDiscovery : public testing::Test {
@@ -48,92 +50,53 @@ testing::AssertionResult contains(const std::string& log, const std::string& mes
     return testing::AssertionFailure() << "the log\n" << log << "has no\n" << message;
 }
 
-ViewBuilder viewWith(const std::vector<SourceFields>& sources)
-{
-    ViewBuilder b;
-    b.page(0, 0, 400, 300, 0, 0, 0);
-    b.dataSection(sources);
-    return b;
-}
-
 VariableFields variable(int type, const char* name, std::vector<ParaFields> params = {})
 {
-    VariableFields v;
-    v.type = type;
-    v.name = name;
-    v.params = std::move(params);
-    return v;
-}
-
-SourceFields source(int type, std::vector<ParaFields> data = {}, int varParams = 0, std::vector<VariableFields> variables = {})
-{
-    return SourceFields{type, std::move(data), varParams, std::move(variables)};
+    return VariableFields{type, name, "", std::move(params)};
 }
 
 // A source of the sample plug-in's layout: two data parameters and, per variable, what it GIVES.
 SourceFields exampleSource(int type,
                            std::vector<VariableFields> variables = {variable(KR_VAR_INT32, "EX_RUNS", {{0, "RUNS"}})})
 {
-    return source(type, {{0, "0"}, {0, "label"}}, 1, std::move(variables));
+    return SourceFields{type, {{0, "0"}, {0, "label"}}, 1, std::move(variables)};
 }
 
 DD_DATA_TYPE_STRUCT* sourceOfType(VIEW_STRUCT* view, int type)
 {
-    int count = 0;
-    DD_DATA_TYPE_STRUCT** all = krDataSourceGetAll(view, &count);
-    DD_DATA_TYPE_STRUCT* found = nullptr;
-    for (int i = 0; i < count && !found; ++i)
-        if (krDataSourceType(all[i]) == type)
-            found = all[i];
-    krFree(all);
-    return found;
+    for (DD_DATA_TYPE_STRUCT* source = view ? view->dataTypes : nullptr; source; source = source->next)
+        if (krDataSourceType(source) == type)
+            return source;
+    return nullptr;
 }
 
-// The library name of the source of this type in a view loaded now; "unknown" if it found none.
-std::string pluginFoundFor(int type)
+// The library name of the example-type source in a view loaded now; "unknown" if it found none.
+std::string pluginFound()
 {
-    LoadedView loaded(viewWith({exampleSource(type)}));
-    DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, type);
+    LoadedView loaded(viewWith({exampleSource(kExampleType)}));
+    DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, kExampleType);
     if (!source)
         return "no source";
     return source->found ? krDataSourceLibName(source) : "unknown";
 }
 
-// A variable of a running view as a number; NaN when it can't be read.
-double valueOf(VIEW_STRUCT* view, const char* name)
-{
-    char text[256];
-    return krVarGetStr(view, name, text) < 0 ? std::nan("") : strtod(text, nullptr);
-}
-
-// Polls the data thread's progress; false if `done` didn't come within five seconds.
-template <class Done> bool waitFor(Done done)
-{
-    auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
-
 TEST_F(PluginDiscovery, ViewListsBuiltinsPluginsAndUnknownTypes)
 {
     PluginDirs dirs;
-    dirs.copyIntoHomeBin(examplePlugin());
-    SourceFields unknown = source(999, {{4, "kept"}}, 1, {variable(KR_VAR_INT32, "orphan", {{1, "x"}})});
-    LoadedView loaded(viewWith({source(2, {}, 1), source(5), unknown, exampleSource(100)}));
+    dirs.copy(Place::HomeBin, examplePlugin());
+    SourceFields unknown{999, {{4, "kept"}}, 1, {variable(KR_VAR_INT32, "orphan", {{1, "x"}})}};
+    LoadedView loaded(viewWith({SourceFields{2, {}, 1, {}}, SourceFields{5, {}, 0, {}}, unknown,
+                                exampleSource(kExampleType)}));
     ASSERT_NE(loaded.view, nullptr);
 
     int count = 0;
     DD_DATA_TYPE_STRUCT** all = krDataSourceGetAll(loaded.view, &count);
     ASSERT_EQ(count, 4);
-    const char* names[] = {"Constant Data", "Internal Data", "unknown Data Source 999", "Example Data"};
-    const int types[] = {2, 5, 999, 100};
+    const std::pair<const char*, int> listed[] = {
+        {"Constant Data", 2}, {"Internal Data", 5}, {"unknown Data Source 999", 999}, {"Example Data", kExampleType}};
     for (int i = 0; i < 4; ++i) {
-        EXPECT_STREQ(krDataSourceName(all[i]), names[i]);
-        EXPECT_EQ(krDataSourceType(all[i]), types[i]);
+        EXPECT_STREQ(krDataSourceName(all[i]), listed[i].first);
+        EXPECT_EQ(krDataSourceType(all[i]), listed[i].second);
     }
     EXPECT_STREQ(krDataSourceLibName(all[3]), "libKrdExample.so");
 
@@ -145,8 +108,7 @@ TEST_F(PluginDiscovery, ViewListsBuiltinsPluginsAndUnknownTypes)
     int ival = 0;
     char text[64] = "";
     EXPECT_EQ(krVarGetPara(orphans[0], 0, &ival, text), 0);
-    EXPECT_EQ(ival, 1);
-    EXPECT_STREQ(text, "x");
+    EXPECT_EQ(std::to_string(ival) + text, "1x");
     EXPECT_STREQ(all[2]->para[0].sval, "kept");
     krFree(orphans);
     krFree(all);
@@ -177,151 +139,109 @@ TEST_F(PluginDiscovery, RefusedPluginsAreReportedAndTheViewStillLoads)
     };
     // Alone, in each place of the search: the type it would have had stays unknown.
     for (const Refused& c : cases) {
-        for (int place = 0; place < 3; ++place) {
-            SCOPED_TRACE(std::string(c.file) + " in place " + std::to_string(place));
+        for (Place place : {Place::WorkDir, Place::HomeBin, Place::Home}) {
+            SCOPED_TRACE(std::string(c.file) + " in place " + std::to_string(int(place)));
             PluginDirs dirs;
-            std::string path = place == 0 ? (dirs.copyIntoWorkDir(variant(c.dir, c.file)), "./" + std::string(c.file))
-                               : place == 1 ? dirs.copyIntoHomeBin(variant(c.dir, c.file))
-                                            : dirs.copyIntoHome(variant(c.dir, c.file));
-            EXPECT_EQ(pluginFoundFor(100), "unknown");
+            const std::string path = dirs.copy(place, variant(c.dir, c.file));
+            EXPECT_EQ(pluginFound(), "unknown");
             EXPECT_TRUE(contains(takeLog(), expected(c, path)));
         }
     }
     // All at once in ".": none of them hides a good plug-in further along the search.
     PluginDirs dirs;
     for (const Refused& c : cases)
-        dirs.copyIntoWorkDir(variant(c.dir, c.file));
-    dirs.copyIntoHomeBin(examplePlugin());
-    LoadedView loaded(viewWith({exampleSource(100)}));
-    ASSERT_NE(loaded.view, nullptr);
-    EXPECT_STREQ(krDataSourceLibName(sourceOfType(loaded.view, 100)), "libKrdExample.so");
+        dirs.copy(Place::WorkDir, variant(c.dir, c.file));
+    dirs.copy(Place::HomeBin, examplePlugin());
+    EXPECT_EQ(pluginFound(), "libKrdExample.so");
     std::string log = takeLog();
     for (const Refused& c : cases)
         EXPECT_TRUE(contains(log, expected(c, "./" + std::string(c.file))));
-    EXPECT_EQ(krViewStart(loaded.view), 0);
-    EXPECT_EQ(krViewStop(loaded.view), 0);
 }
 
-TEST_F(PluginDiscovery, FirstHolderOfATypeNumberWins)
+// The search covers ".", then KOREL_HOME/bin, then KOREL_HOME itself, only for exact names;
+// the first holder of a type number wins.
+TEST_F(PluginDiscovery, SearchOrderAndExactNamesDecideWhichPluginServesAType)
 {
-    {
-        PluginDirs dirs;
-        dirs.copyIntoWorkDir(variant("twin", "libKrdTwin.so"));
-        dirs.copyIntoHomeBin(examplePlugin());
-        EXPECT_EQ(pluginFoundFor(100), "libKrdTwin.so");
-        EXPECT_EQ(takeLog(), "Data Type <100> already present. skipped ...\n");
-    }
-    {
-        // bin/ comes before KOREL_HOME itself.
-        PluginDirs dirs;
-        dirs.copyIntoHomeBin(variant("twin", "libKrdTwin.so"));
-        dirs.copyIntoHome(examplePlugin());
-        EXPECT_EQ(pluginFoundFor(100), "libKrdTwin.so");
-        EXPECT_EQ(takeLog(), "Data Type <100> already present. skipped ...\n");
-    }
-    {
-        // A plug-in can't take the number of a built-in source.
-        PluginDirs dirs;
-        dirs.copyIntoWorkDir(variant("builtinClash", "libKrdBuiltinClash.so"));
-        LoadedView loaded(viewWith({source(2, {}, 1, {variable(KR_VAR_DOUBLE, "constant", {{0, "2.5"}})})}));
-        ASSERT_NE(loaded.view, nullptr);
-        EXPECT_STREQ(krDataSourceName(sourceOfType(loaded.view, 2)), "Constant Data");
-        EXPECT_EQ(takeLog(), "Data Type <2> already present. skipped ...\n");
-        ASSERT_EQ(krViewStartAnim(loaded.view), 0);
-        EXPECT_TRUE(waitFor([&] { return valueOf(loaded.view, "constant") == 2.5; }));
-        EXPECT_EQ(krViewStop(loaded.view), 0);
-    }
-}
-
-TEST_F(PluginDiscovery, SearchCoversDotHomeBinAndHomeOnlyForExactNames)
-{
-    {
+    using Copies = std::vector<std::tuple<Place, std::string, std::string>>;
+    const std::string twin = variant("twin", "libKrdTwin.so");
+    Copies nearNames;
+    for (const char* name : {"libKrdExample.so.1", "libKrdExample.sox", "libkrdExample.so", "Example.so"})
+        for (Place place : {Place::WorkDir, Place::HomeBin})
+            nearNames.emplace_back(place, examplePlugin(), name);
+    const struct {
+        PluginDirs::Home home;
+        Copies copies;
+        const char* found;
+        std::string log;
+    } rows[] = {
+        {PluginDirs::Home::Fresh, {{Place::WorkDir, twin, ""}, {Place::HomeBin, examplePlugin(), ""}}, "libKrdTwin.so", kTaken},
+        {PluginDirs::Home::Fresh, {{Place::HomeBin, twin, ""}, {Place::Home, examplePlugin(), ""}}, "libKrdTwin.so", kTaken},
+        {PluginDirs::Home::Fresh, {{Place::Home, examplePlugin(), ""}}, "libKrdExample.so", ""},
+        {PluginDirs::Home::PluginDir, {}, "libKrdExample.so", ""},
         // Without KOREL_HOME only "." counts.
-        PluginDirs dirs(PluginDirs::Home::Unset);
-        dirs.copyIntoHomeBin(examplePlugin());
-        dirs.copyIntoHome(examplePlugin());
-        EXPECT_EQ(pluginFoundFor(100), "unknown");
-        EXPECT_EQ(takeLog(), "Warning: data type 100 not found. deleted !\n");
-        dirs.copyIntoWorkDir(examplePlugin());
-        EXPECT_EQ(pluginFoundFor(100), "libKrdExample.so");
-    }
-    {
-        PluginDirs dirs;
-        dirs.copyIntoHome(examplePlugin());
-        EXPECT_EQ(pluginFoundFor(100), "libKrdExample.so");
-    }
-    {
-        PluginDirs dirs(PluginDirs::Home::PluginDir);
-        EXPECT_EQ(pluginFoundFor(100), "libKrdExample.so");
-    }
-    {
-        // Names that only begin like a plug-in's, or end in more than ".so", are left alone.
-        PluginDirs dirs;
-        for (const char* name : {"libKrdExample.so.1", "libKrdExample.sox", "libkrdExample.so", "Example.so"}) {
-            dirs.copyIntoWorkDir(examplePlugin(), name);
-            dirs.copyIntoHomeBin(examplePlugin(), name);
-        }
-        EXPECT_EQ(pluginFoundFor(100), "unknown");
-        EXPECT_EQ(takeLog(), "Warning: data type 100 not found. deleted !\n");
+        {PluginDirs::Home::Unset, {{Place::HomeBin, examplePlugin(), ""}, {Place::Home, examplePlugin(), ""}},
+         "unknown", kNotFound},
+        {PluginDirs::Home::Unset, {{Place::Home, examplePlugin(), ""}, {Place::WorkDir, examplePlugin(), ""}},
+         "libKrdExample.so", ""},
+        {PluginDirs::Home::Fresh, nearNames, "unknown", kNotFound},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << "row " << &row - rows);
+        PluginDirs dirs(row.home);
+        for (const auto& [place, path, as] : row.copies)
+            dirs.copy(place, path, as);
+        EXPECT_EQ(pluginFound(), row.found);
+        EXPECT_EQ(takeLog(), row.log);
     }
 }
 
-// The three lines of a count the example plug-in and a view disagree on.
-std::string mismatchLog(const char* what, int library, int view)
+TEST_F(PluginDiscovery, APluginCannotTakeTheNumberOfABuiltinSource)
 {
-    return std::string("Warning: nr of ") + what + " parameter mismatch\nData type 100 Example Data\nLibrary has " +
-           std::to_string(library) + " parameters, view has " + std::to_string(view) + " parameters\n";
+    PluginDirs dirs;
+    dirs.copy(Place::WorkDir, variant("builtinClash", "libKrdBuiltinClash.so"));
+    LoadedView loaded(viewWith({SourceFields{2, {}, 1, {variable(KR_VAR_DOUBLE, "constant", {{0, "2.5"}})}}}));
+    ASSERT_NE(loaded.view, nullptr);
+    EXPECT_STREQ(krDataSourceName(sourceOfType(loaded.view, 2)), "Constant Data");
+    EXPECT_EQ(takeLog(), "Data Type <2> already present. skipped ...\n");
+    ASSERT_EQ(krViewStartAnim(loaded.view), 0);
+    EXPECT_TRUE(waitFor([&] { return number(loaded.view, "constant") == 2.5; }));
+    EXPECT_EQ(krViewStop(loaded.view), 0);
 }
 
 TEST_F(PluginDiscovery, StoredParameterCountsGiveWayToThePlugins)
 {
     PluginDirs dirs;
-    dirs.copyIntoHomeBin(examplePlugin());
-    dirs.copyIntoHomeBin(variant("wide", "libKrdWide.so"));
+    dirs.copy(Place::HomeBin, examplePlugin());
+    dirs.copy(Place::HomeBin, variant("wide", "libKrdWide.so"));
     {
-        LoadedView loaded(viewWith({source(100, {{42, "first"}}, 1, {variable(KR_VAR_INT32, "EX_RUNS")})}));
-        DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, 100);
-        ASSERT_NE(source, nullptr);
-        EXPECT_EQ(takeLog(), mismatchLog("data", 2, 1));
-        EXPECT_EQ(source->nrData, 2);
-        EXPECT_EQ(source->para[0].ival, 42);
-        EXPECT_STREQ(source->para[0].sval, "first");
-        EXPECT_EQ(source->para[1].ival, 0);
-        EXPECT_STREQ(source->para[1].sval, "");
-    }
-    {
-        SourceFields noGives = exampleSource(100);
+        SourceFields noGives = exampleSource(kExampleType);
         noGives.varParamCount = 0;
         LoadedView loaded(viewWith({noGives}));
-        DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, 100);
+        DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, kExampleType);
         ASSERT_NE(source, nullptr);
-        EXPECT_EQ(takeLog(), mismatchLog("variable", 1, 0));
-        EXPECT_EQ(source->nrVar, 1);
+        EXPECT_EQ(takeLog(), "Warning: nr of variable parameter mismatch\nData type 100 Example Data\n"
+                             "Library has 1 parameters, view has 0 parameters\n");
         // The host can set the parameter the file lacked.
         int item = -1;
         char text[64] = "x";
         EXPECT_EQ(krVarSetPara(source->variables, 0, 2, nullptr), 0);
         EXPECT_EQ(krVarGetPara(source->variables, 0, &item, text), 0);
-        EXPECT_EQ(item, 2);
-        EXPECT_STREQ(text, "");
+        EXPECT_EQ(std::to_string(item) + text, "2");
     }
     {
-        // More slots than the file's minimum: the plug-in may read every one while it runs.
-        LoadedView loaded(
-            viewWith({source(102, {{1, "0"}, {2, "b"}, {3, "c"}}, 1, {variable(KR_VAR_INT32, "EX_RUNS")})}));
-        DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, 102);
+        // More slots than the file stored: the new ones are empty, and the plug-in reads every
+        // one while it runs.
+        LoadedView loaded(viewWith(
+            {SourceFields{kWideType, {{1, "0"}, {2, "b"}, {3, "c"}}, 1, {variable(KR_VAR_INT32, "EX_RUNS")}}}));
+        DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, kWideType);
         ASSERT_NE(source, nullptr);
-        EXPECT_TRUE(contains(takeLog(), "Library has 20 parameters, view has 3 parameters\n"));
+        EXPECT_TRUE(contains(takeLog(), "Warning: nr of data parameter mismatch\nData type 102 Example Data\n"
+                                        "Library has 20 parameters, view has 3 parameters\n"));
         ASSERT_EQ(source->nrData, 20);
         EXPECT_STREQ(source->para[2].sval, "c");
-        for (int i = 3; i < 20; ++i) {
-            EXPECT_EQ(source->para[i].ival, 0) << i;
-            ASSERT_NE(source->para[i].sval, nullptr) << i;
-            EXPECT_EQ(source->para[i].size, 64u) << i;
-            EXPECT_STREQ(source->para[i].sval, "") << i;
-        }
+        EXPECT_STREQ(source->para[19].sval, "");
         ASSERT_EQ(krViewStartAnim(loaded.view), 0);
-        EXPECT_TRUE(waitFor([&] { return valueOf(loaded.view, "EX_RUNS") >= 5; }));
+        EXPECT_TRUE(waitFor([&] { return number(loaded.view, "EX_RUNS") >= 5; }));
         EXPECT_EQ(krViewStop(loaded.view), 0);
     }
 }
@@ -329,37 +249,19 @@ TEST_F(PluginDiscovery, StoredParameterCountsGiveWayToThePlugins)
 TEST_F(PluginDiscovery, GlobalVariablesFollowThePluginsGlobals)
 {
     PluginDirs dirs;
-    dirs.copyIntoHomeBin(variant("globals", "libKrdGlobals.so"));
-    LoadedView loaded(viewWith({exampleSource(101, {variable(KR_VAR_INT32, "exampleGlobalCount"),
-                                                    variable(KR_VAR_FLOAT, "exampleGlobalFloat"),
-                                                    variable(KR_VAR_INT32, "noSuchGlobal")})}));
+    dirs.copy(Place::HomeBin, variant("globals", "libKrdGlobals.so"));
+    LoadedView loaded(viewWith({exampleSource(kGlobalsType, {variable(KR_VAR_INT32, "exampleGlobalCount"),
+                                                             variable(KR_VAR_FLOAT, "exampleGlobalFloat"),
+                                                             variable(KR_VAR_INT32, "noSuchGlobal")})}));
     ASSERT_NE(loaded.view, nullptr);
     ASSERT_EQ(krViewStartAnim(loaded.view), 0);
     EXPECT_EQ(takeLog(), "error global variable noSuchGlobal\n");
-    ASSERT_TRUE(waitFor([&] { return valueOf(loaded.view, "exampleGlobalCount") > 0; }));
-    double count = valueOf(loaded.view, "exampleGlobalCount");
+    ASSERT_TRUE(waitFor([&] { return number(loaded.view, "exampleGlobalCount") > 0; }));
+    double count = number(loaded.view, "exampleGlobalCount");
     // Each Run counts up the plug-in's globals and sets the float to half the count; read
     // second, the float can only have gone further.
-    EXPECT_GE(valueOf(loaded.view, "exampleGlobalFloat"), 0.5 * count);
-    EXPECT_EQ(valueOf(loaded.view, "noSuchGlobal"), 0);
-    EXPECT_EQ(krViewStop(loaded.view), 0);
-}
-
-TEST_F(PluginDiscovery, RestartLoadsAndOpensThePluginAfresh)
-{
-    PluginDirs dirs;
-    dirs.copyIntoHomeBin(examplePlugin());
-    LoadedView loaded(viewWith({exampleSource(100)}));
-    ASSERT_NE(loaded.view, nullptr);
-    ASSERT_EQ(krViewStartAnim(loaded.view), 0);
-    ASSERT_TRUE(waitFor([&] { return valueOf(loaded.view, "EX_RUNS") >= 10; }));
-    double before = valueOf(loaded.view, "EX_RUNS");
-    EXPECT_EQ(krViewStop(loaded.view), 0);
-    EXPECT_TRUE(std::isnan(valueOf(loaded.view, "EX_RUNS"))); // stopped: nothing to read
-
-    ASSERT_EQ(krViewStartAnim(loaded.view), 0);
-    ASSERT_TRUE(waitFor([&] { return valueOf(loaded.view, "EX_RUNS") >= 1; }));
-    EXPECT_LT(valueOf(loaded.view, "EX_RUNS"), before);
+    EXPECT_GE(number(loaded.view, "exampleGlobalFloat"), 0.5 * count);
+    EXPECT_EQ(number(loaded.view, "noSuchGlobal"), 0);
     EXPECT_EQ(krViewStop(loaded.view), 0);
 }
 

@@ -3,10 +3,12 @@
 #include "LoadedView.h"
 #include "PluginDirs.h"
 #include "ViewFixture.h"
+#include "dataViews.h"
 
 #include <gtest/gtest.h>
 
 #include <dirent.h>
+#include <pthread.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -23,6 +25,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kExampleType = 100;
 constexpr int kRuns = 0, kThreadName = 2; // what an example variable gives
+constexpr const char* kDataThread = "Korel2D:Data";
 
 // The sample plug-in found through KOREL_HOME, from a working directory of the test's own.
 class ExampleHome : public PluginDirs {
@@ -33,57 +36,35 @@ public:
 // Constants, and the example's run count and calling thread; Run blocks for blockMs.
 ViewBuilder sourcesView(int blockMs = 0)
 {
-    ViewBuilder b = blackPage();
-    SourceFields constants;
-    constants.id = 2;
-    constants.varParamCount = 1;
-    constants.variables = {{KR_VAR_FLOAT, "pi", "", {{0, "3.5"}}}, {KR_VAR_UINT8, "byte", "", {{0, "300"}}}};
-    SourceFields example;
-    example.id = kExampleType;
-    example.dataParams = {{0, std::to_string(blockMs)}, {0, "test"}};
-    example.varParamCount = 1;
-    example.variables = {{KR_VAR_INT32, "runs", "", {{kRuns, ""}}}, {KR_VAR_TEXT, "thread", "", {{kThreadName, ""}}}};
-    b.dataSection({constants, example});
-    return b;
-}
-
-std::string valueOf(VIEW_STRUCT* view, const char* name)
-{
-    char text[256] = "";
-    int result = krVarGetStr(view, name, text);
-    return result < 0 ? "error " + std::to_string(result) : text;
+    SourceFields constants{2, {}, 1, {{KR_VAR_FLOAT, "pi", "", {{0, "3.5"}}}, {KR_VAR_UINT8, "byte", "", {{0, "300"}}}}};
+    SourceFields example{kExampleType, {{0, std::to_string(blockMs)}, {0, "test"}}, 1,
+                         {{KR_VAR_INT32, "runs", "", {{kRuns, ""}}}, {KR_VAR_TEXT, "thread", "", {{kThreadName, ""}}}}};
+    return viewWith({constants, example});
 }
 
 int runsOf(VIEW_STRUCT* view)
 {
-    return std::atoi(valueOf(view, "runs").c_str());
+    return int(number(view, "runs"));
 }
 
-// Threads of this process with the given name, and open file descriptors: what a run leaves.
-int threadsNamed(const char* name)
-{
-    int n = 0;
-    DIR* tasks = opendir("/proc/self/task");
-    while (const dirent* task = tasks ? readdir(tasks) : nullptr) {
-        std::ifstream comm(std::string("/proc/self/task/") + task->d_name + "/comm");
-        std::string line;
-        if (std::getline(comm, line) && line == name)
-            ++n;
-    }
-    if (tasks)
-        closedir(tasks);
-    return n;
-}
-
-int entriesIn(const char* directory)
+// Entries of a /proc directory; with a name, only the threads of this process called so.
+int entriesIn(const char* directory, const char* threadName = nullptr)
 {
     int n = 0;
     DIR* dir = opendir(directory);
-    while (dir && readdir(dir))
-        ++n;
+    while (const dirent* entry = dir ? readdir(dir) : nullptr) {
+        std::ifstream comm(std::string(directory) + "/" + entry->d_name + "/comm");
+        std::string line;
+        n += !threadName || (std::getline(comm, line) && line == threadName);
+    }
     if (dir)
         closedir(dir);
     return n;
+}
+
+int dataThreads()
+{
+    return entriesIn("/proc/self/task", kDataThread);
 }
 
 TEST(RunModeStates, EachEntryAnswersOnlyInItsState)
@@ -98,10 +79,9 @@ TEST(RunModeStates, EachEntryAnswersOnlyInItsState)
     EXPECT_EQ(krViewPutData(view, 0.5), -3);
     EXPECT_EQ(krViewSetHaltMode(view, 1), -3);
     EXPECT_EQ(krViewSetTime(view, 2.0f), 0);
-    EXPECT_EQ(valueOf(view, "pi"), "error -3");
+    EXPECT_EQ(read(view, "pi"), "<-3>");
 
     ASSERT_EQ(krViewStart(view), 0);
-    EXPECT_EQ(view->runMode, uint32_t(KR_RUN_SYNCHRONOUS));
     EXPECT_EQ(krViewStart(view), -3);
     EXPECT_EQ(krViewStartAnim(view), -3);
     EXPECT_EQ(krViewStopAnim(view), -3);
@@ -109,7 +89,6 @@ TEST(RunModeStates, EachEntryAnswersOnlyInItsState)
     EXPECT_DOUBLE_EQ(view->time, 2.5);
     EXPECT_EQ(krViewSetHaltMode(view, 1), 0);
     EXPECT_EQ(krViewStop(view), 0);
-    EXPECT_EQ(view->runMode, uint32_t(KR_RUN_STOPPED));
 
     // A start clears halt; the clock goes on from where it was.
     ASSERT_EQ(krViewStartAnim(view), 0);
@@ -133,18 +112,17 @@ TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
     VIEW_STRUCT* view = load(sourcesView());
     ASSERT_EQ(krViewStart(view), 0);
     // Before the first draw no source has been asked.
-    EXPECT_EQ(valueOf(view, "pi"), "0.000000");
+    EXPECT_EQ(read(view, "pi"), "0.000000");
     draw(view);
-    EXPECT_EQ(valueOf(view, "pi"), "3.500000");
-    EXPECT_EQ(valueOf(view, "byte"), "44");
-    int first = runsOf(view);
-    EXPECT_EQ(first, 1);
+    EXPECT_EQ(read(view, "pi"), "3.500000");
+    EXPECT_EQ(read(view, "byte"), "44");
+    EXPECT_EQ(runsOf(view), 1);
     for (int i = 0; i < 5; ++i)
         draw(view);
-    EXPECT_EQ(runsOf(view), first + 5);
+    EXPECT_EQ(runsOf(view), 6);
     // The drawing thread asks the source itself.
-    EXPECT_NE(valueOf(view, "thread"), "Korel2D:Data");
-    EXPECT_EQ(threadsNamed("Korel2D:Data"), 0);
+    EXPECT_NE(read(view, "thread"), kDataThread);
+    EXPECT_EQ(dataThreads(), 0);
     ASSERT_EQ(krViewStop(view), 0);
 
     // A new start opens the plug-in afresh: its count begins again.
@@ -160,47 +138,52 @@ TEST(AnimatedMode, TheDataThreadCyclesEveryTenMillisecondsWhileRunning)
     LoadedView loaded(sourcesView());
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
-    EXPECT_EQ(threadsNamed("Korel2D:Data"), 0);
+    EXPECT_EQ(dataThreads(), 0);
 
     ASSERT_EQ(krViewStartAnim(view), 0);
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    EXPECT_EQ(threadsNamed("Korel2D:Data"), 1);
+    EXPECT_EQ(dataThreads(), 1);
     int before = runsOf(view);
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
     int inHalfASecond = runsOf(view) - before;
     // 10 ms of pause plus the cycle: about 50; a loaded machine runs fewer.
     EXPECT_GE(inHalfASecond, 20);
     EXPECT_LE(inHalfASecond, 55);
-    EXPECT_EQ(valueOf(view, "thread"), "Korel2D:Data");
-    EXPECT_EQ(valueOf(view, "pi"), "3.500000");
+    EXPECT_EQ(read(view, "thread"), kDataThread);
+    EXPECT_EQ(read(view, "pi"), "3.500000");
 
     ASSERT_EQ(krViewStop(view), 0);
-    EXPECT_EQ(threadsNamed("Korel2D:Data"), 0);
-    EXPECT_EQ(valueOf(view, "runs"), "error -3");
+    EXPECT_EQ(dataThreads(), 0);
+    EXPECT_EQ(read(view, "runs"), "<-3>");
 }
 
+// A stop gives the data thread half a second; one blocked in a plug-in's Run for three is left
+// to come back on its own into a stopped view, and the free waits for it before unloading.
 TEST(AnimatedMode, StopDoesNotWaitForABlockedPlugin)
 {
     ExampleHome home;
     for (bool freeAtOnce : {false, true}) {
-        const std::vector<uint8_t> bytes = sourcesView(2000).bytes();
+        const std::vector<uint8_t> bytes = sourcesView(3000).bytes();
         VIEW_STRUCT* view = krViewLoadData(bytes.data(), bytes.size());
         ASSERT_NE(view, nullptr);
         ASSERT_EQ(krViewStartAnim(view), 0);
-        // Let the thread enter the first Run, which sleeps for two seconds.
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        auto before = Clock::now();
+        // The thread holds the view's lock through a cycle: once it is busy, the first Run blocks.
+        ASSERT_TRUE(waitFor([view] {
+            const bool free = pthread_mutex_trylock(&view->mutex) == 0;
+            if (free)
+                pthread_mutex_unlock(&view->mutex);
+            return !free;
+        })) << "the data thread never held the view's lock";
+        const auto before = Clock::now();
         EXPECT_EQ(krViewStop(view), 0);
-        EXPECT_LT(Clock::now() - before, std::chrono::milliseconds(600));
-        EXPECT_EQ(view->runMode, uint32_t(KR_RUN_STOPPED));
+        EXPECT_LT(Clock::now() - before, std::chrono::seconds(2));
+        EXPECT_EQ(dataThreads(), 1); // still inside Run
+        EXPECT_EQ(read(view, "pi"), "<-3>");
         if (!freeAtOnce) {
-            // The thread comes back from Run into a stopped view, then ends on its own.
-            std::this_thread::sleep_for(std::chrono::milliseconds(2200));
-            EXPECT_EQ(threadsNamed("Korel2D:Data"), 0);
+            EXPECT_TRUE(waitFor([] { return dataThreads() == 0; })); // back into a stopped view, it ends
         }
-        // The free waits for a thread still inside the plug-in before it unloads anything.
         EXPECT_EQ(krViewFree(view), 0);
-        EXPECT_EQ(threadsNamed("Korel2D:Data"), 0);
+        EXPECT_EQ(dataThreads(), 0);
     }
 }
 
@@ -219,7 +202,7 @@ TEST(AnimatedMode, AThousandRoundsLeaveNoThreadAndNoOpenFile)
         ASSERT_EQ(krViewStartAnim(view), 0) << round;
         ASSERT_EQ(krViewStop(view), 0) << round;
     }
-    EXPECT_EQ(threadsNamed("Korel2D:Data"), 0);
+    EXPECT_EQ(dataThreads(), 0);
     EXPECT_EQ(entriesIn("/proc/self/task"), threads);
     EXPECT_EQ(entriesIn("/proc/self/fd"), files);
 }

@@ -6,6 +6,7 @@
 #include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewFixture.h"
+#include "dataViews.h"
 #include "actions/actions.h"
 #include "data/data.h"
 
@@ -32,21 +33,6 @@ VariableFields var(int type, const std::string& name, const std::string& default
 SourceFields source(int id, std::vector<VariableFields> variables)
 {
     return SourceFields{id, {}, id == 2 ? 1 : 0, std::move(variables)};
-}
-
-ViewBuilder viewWith(const std::vector<SourceFields>& sources)
-{
-    ViewBuilder b = blackPage();
-    b.dataSection(sources);
-    return b;
-}
-
-// What krVarGetStr prints, or its result code in angle brackets where that isn't 0.
-std::string read(VIEW_STRUCT* view, const std::string& name)
-{
-    char text[256] = "unchanged";
-    int result = krVarGetStr(view, name.c_str(), text);
-    return result == 0 ? std::string(text) : "<" + std::to_string(result) + ">";
 }
 
 std::string nameOf(size_t row) { return "v" + std::to_string(row); }
@@ -82,91 +68,52 @@ struct TableView : LoadedView {
     }
 };
 
-TEST(SourceServices, InitNamesTheSourceAndResetsItsDataCount)
+// What a plug-in builds its record with: a name cut to its field, the descriptions of its
+// parameters with their item lists, and variables whose parameters follow those descriptions.
+TEST(SourceServices, BuildTheRecordAPluginDescribes)
 {
     DD_DATA_TYPE_STRUCT* source = createDataType(0);
     source->nrData = 4;
     EXPECT_EQ(krdInit(source, std::string(70, 'n').c_str(), 4711, 7), 0);
-    EXPECT_EQ(std::string(source->name), std::string(63, 'n'));
-    EXPECT_EQ(source->id, 4711);
+    EXPECT_EQ(std::string(source->name) + " " + std::to_string(source->id), std::string(63, 'n') + " 4711");
     EXPECT_EQ(source->nrData, 0);
     EXPECT_EQ(source->globalVariables, 1);
-    krdInit(source, "Plain", 8, 0);
-    EXPECT_STREQ(source->name, "Plain");
-    EXPECT_EQ(source->globalVariables, 0);
-    delDataType(nullptr, source, 1);
-}
 
-TEST(SourceServices, OptionsDescribeEachScopeInOrder)
-{
-    DD_DATA_TYPE_STRUCT* source = createDataType(0);
-    EXPECT_EQ(krdOption(source, 0, 0, 3u, "HOST"), 0);
-    EXPECT_EQ(krdOption(source, 0, 1, 0u, "MODE", "fast", std::string(40, 'i').c_str(), "off", nullptr), 0);
-    EXPECT_EQ(krdOption(source, 1, 1, 0u, "NOTHING", nullptr), 0);
-    EXPECT_EQ(krdOption(source, 2, 2, 0u, std::string(40, 't').c_str(), "Reset"), 0);
-    EXPECT_EQ(krdOption(source, 1, 3, 5u, "FORMULA"), 0);
-    ASSERT_EQ(source->nrData, 2);
-    ASSERT_EQ(source->nrVar, 3);
-
-    const OPTION_STRUCT* data = source->dataOptions;
-    EXPECT_STREQ(data[0].title, "HOST");
-    EXPECT_EQ(data[0].flags, 3u);
-    EXPECT_EQ(data[0].count, 0);
-    ASSERT_EQ(data[1].count, 3);
-    EXPECT_STREQ(data[1].items, "fast");
-    EXPECT_EQ(std::string(data[1].items + 32), std::string(31, 'i'));
-    EXPECT_STREQ(data[1].items + 64, "off");
-
-    const OPTION_STRUCT* perVariable = source->varOptions;
-    EXPECT_EQ(perVariable[0].count, 0);
-    EXPECT_EQ(std::string(perVariable[1].title), std::string(31, 't'));
-    ASSERT_EQ(perVariable[1].count, 1);
-    EXPECT_STREQ(perVariable[1].items, "Reset");
-    EXPECT_EQ(perVariable[2].kind, 3);
-    EXPECT_EQ(perVariable[2].flags, 5u);
-    EXPECT_EQ(perVariable[2].count, 0);
-    delDataType(nullptr, source, 1);
-}
-
-TEST(SourceServices, VariablesTakeTheirParametersByKindAndAreListed)
-{
-    DD_DATA_TYPE_STRUCT* source = createDataType(0);
+    EXPECT_EQ(krdOption(source, 0, 1, 3u, "MODE", "fast", std::string(40, 'i').c_str(), "off", nullptr), 0);
     // Button and formula parameters take no argument: the text after them still lands last.
     krdOption(source, 1, 0, 0u, "UNIT");
+    krdOption(source, 1, 2, 0u, std::string(40, 't').c_str(), "Zero");
+    krdOption(source, 1, 3, 5u, "FORMULA");
     krdOption(source, 1, 1, 0u, "RANGE", "low", "high", nullptr);
-    krdOption(source, 1, 2, 0u, "ZERO", "Zero");
-    krdOption(source, 1, 3, 0u, "FORMULA");
     krdOption(source, 1, 0, 0u, "NOTE");
+    ASSERT_EQ(source->nrData, 1);
+    ASSERT_EQ(source->nrVar, 5);
+    const OPTION_STRUCT& mode = source->dataOptions[0];
+    ASSERT_EQ(mode.count, 3);
+    EXPECT_EQ(std::string(mode.items) + "|" + (mode.items + 32) + "|" + (mode.items + 64),
+              "fast|" + std::string(31, 'i') + "|off");
+    EXPECT_EQ(mode.flags, 3u);
+    EXPECT_EQ(std::string(source->varOptions[1].title), std::string(31, 't'));
+    EXPECT_EQ(source->varOptions[2].kind + source->varOptions[2].flags, 3u + 5u);
+
     EXPECT_EQ(krdAddVariable(source, "speed", KR_VAR_INT32, "km/h", 1, "front axle"), 0);
     EXPECT_EQ(krdAddVariable(source, "gear", KR_VAR_UINT8, "", 0, ""), 0);
     const VARIABLE_STRUCT* speed = source->variables;
-    ASSERT_NE(speed, nullptr);
     ASSERT_EQ(speed->nrPara, 5);
-    EXPECT_STREQ(speed->para[0].sval, "km/h");
-    EXPECT_EQ(speed->para[1].ival, 1);
-    EXPECT_STREQ(speed->para[2].sval, "");
-    EXPECT_STREQ(speed->para[4].sval, "front axle");
+    EXPECT_EQ(std::string(speed->para[0].sval) + "|" + speed->para[2].sval + "|" + speed->para[4].sval,
+              "km/h||front axle");
+    EXPECT_EQ(speed->para[3].ival, 1);
 
     char** names = krdGetAllVariables(source);
     ASSERT_NE(names, nullptr);
-    EXPECT_STREQ(names[0], "speed");
-    EXPECT_STREQ(names[1], "gear");
+    EXPECT_EQ(std::string(names[0]) + names[1], "speedgear");
     EXPECT_EQ(names[2], nullptr);
-    EXPECT_NE(names[0], speed->name); // copies, not the records' own
     VARIABLE_STRUCT** records = krdGetAllVariablesS(source);
     ASSERT_NE(records, nullptr);
-    EXPECT_EQ(records[0], speed);
     EXPECT_EQ(records[1], speed->next);
     EXPECT_EQ(records[2], nullptr);
-
     EXPECT_EQ(krdDeleteAllVariables(source), 0);
-    EXPECT_EQ(source->variables, nullptr);
-    names = krdGetAllVariables(source);
-    ASSERT_NE(names, nullptr);
-    EXPECT_EQ(names[0], nullptr);
-    // Null gives the last arrays back and nothing new.
-    EXPECT_EQ(krdGetAllVariables(nullptr), nullptr);
-    EXPECT_EQ(krdGetAllVariablesS(nullptr), nullptr);
+    EXPECT_EQ(krdGetAllVariables(source)[0], nullptr);
     delDataType(nullptr, source, 1);
 }
 
@@ -275,38 +222,27 @@ TEST(VariablesByName, ResultsOutsideARunningView)
     }
 }
 
-TEST(VariablesByName, SourcesAndVariablesAreListed)
+TEST(VariablesByName, SourcesOfNamesAndParametersAsAHostEditsThem)
 {
     LoadedView loaded(
         viewWith({source(2, {var(KR_VAR_INT32, "shared", "", "3"), var(KR_VAR_FLOAT, "gain", "", "1")}),
                   source(5, {var(KR_VAR_TEXT, "shared"), var(KR_VAR_UINT32, "own")})}));
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
-    int count = -1;
-    DD_DATA_TYPE_STRUCT** sources = krDataSourceGetAll(view, &count);
-    ASSERT_EQ(count, 2);
-    EXPECT_EQ(krDataSourceType(sources[0]), 2);
-    EXPECT_EQ(krDataSourceType(sources[1]), 5);
-    VARIABLE_STRUCT** vars = krVarGetAll(sources[1], &count);
-    ASSERT_EQ(count, 2);
-    EXPECT_STREQ(krVarName(vars[1]), "own");
-    EXPECT_EQ(krVarType(vars[0]), KR_VAR_TEXT);
-    EXPECT_EQ(krVarReadWrite(vars[0]), 0);
-    krFree(vars);
-    EXPECT_EQ(krVarSource(view, "shared"), 2); // the first source holding the name
-    EXPECT_EQ(krVarSource(view, "own"), 5);
-    EXPECT_EQ(krVarSource(view, "none"), -1);
-    EXPECT_EQ(krVarSource(view, nullptr), -1);
+    const std::pair<const char*, int> holders[] = {{"shared", 2}, {"own", 5}, {"none", -1}, {nullptr, -1}};
+    for (const auto& [name, type] : holders) // the first source holding the name
+        EXPECT_EQ(krVarSource(view, name), type) << (name ? name : "null");
+    VARIABLE_STRUCT* text = view->dataTypes->next->variables;
+    EXPECT_EQ(krVarType(text), KR_VAR_TEXT);
+    EXPECT_EQ(krVarReadWrite(text), 0);
 
     // The Constant's VALUE is its parameter 0: a new text is what the next cycle reads.
-    VARIABLE_STRUCT* gain = sources[0]->variables->next;
-    krFree(sources);
-    char text[256];
+    VARIABLE_STRUCT* gain = view->dataTypes->variables->next;
+    char value[256];
     int ival = -1;
     EXPECT_EQ(krVarSetPara(gain, 0, 4, "12.5"), 0);
-    EXPECT_EQ(krVarGetPara(gain, 0, &ival, text), 0);
-    EXPECT_EQ(ival, 4);
-    EXPECT_STREQ(text, "12.5");
+    EXPECT_EQ(krVarGetPara(gain, 0, &ival, value), 0);
+    EXPECT_EQ(std::to_string(ival) + " " + value, "4 12.5");
     EXPECT_EQ(krVarGetPara(gain, 0, nullptr, nullptr), 0);
     ASSERT_EQ(krViewStart(view), 0);
     fillDP(view->dataTypes);
@@ -314,73 +250,55 @@ TEST(VariablesByName, SourcesAndVariablesAreListed)
 
     for (int index : {-1, 1}) {
         EXPECT_EQ(krVarSetPara(gain, index, 0, "x"), -2) << index;
-        EXPECT_EQ(krVarGetPara(gain, index, &ival, text), -2) << index;
+        EXPECT_EQ(krVarGetPara(gain, index, &ival, value), -2) << index;
     }
     EXPECT_EQ(krVarSetPara(nullptr, 0, 0, "x"), -1);
-    EXPECT_EQ(krVarGetPara(nullptr, 0, &ival, text), -1);
+    EXPECT_EQ(krVarGetPara(nullptr, 0, &ival, value), -1);
     EXPECT_EQ(krVarName(nullptr), nullptr);
     EXPECT_EQ(krVarType(nullptr), -1);
     EXPECT_EQ(krVarReadWrite(nullptr), -1);
     VIEW_STRUCT notAView{};
-    for (VIEW_STRUCT* bad : {static_cast<VIEW_STRUCT*>(nullptr), &notAView}) {
-        count = 5;
-        EXPECT_EQ(krDataSourceGetAll(bad, &count), nullptr);
-        EXPECT_EQ(count, 0);
-    }
+    int count = 5;
+    EXPECT_EQ(krDataSourceGetAll(&notAView, &count), nullptr);
+    EXPECT_EQ(count, 0);
     count = 5;
     EXPECT_EQ(krVarGetAll(nullptr, &count), nullptr);
     EXPECT_EQ(count, 0);
 }
 
-class RunningVariables : public ViewTest {
-protected:
-    VIEW_STRUCT* started(const ViewBuilder& b)
-    {
-        VIEW_STRUCT* view = load(b);
-        EXPECT_EQ(view ? krViewStart(view) : -1, 0);
-        return view;
-    }
-};
+class RunningVariables : public ViewTest {};
 
-TEST_F(RunningVariables, ConstantOverwritesWritesAtTheNextDraw)
+// A Constant's cycle overwrites what a host wrote, an Internal keeps it while the view runs, and
+// a restart begins again from the defaults.
+TEST_F(RunningVariables, WritesLastUntilTheSourceWritesOrTheViewRestarts)
 {
-    VIEW_STRUCT* view = started(viewWith({source(2, {var(KR_VAR_INT32, "level", "99", "12")})}));
+    VIEW_STRUCT* view = load(viewWith(
+        {source(2, {var(KR_VAR_INT32, "level", "99", "12")}),
+         source(5, {var(KR_VAR_INT32, "plain"), var(KR_VAR_INT32, "preset", "0x1F"), var(KR_VAR_TEXT, "label", "idle")})}));
     ASSERT_NE(view, nullptr);
+    auto values = [view] {
+        return read(view, "level") + " " + read(view, "plain") + " " + read(view, "preset") + " " + read(view, "label");
+    };
+    ASSERT_EQ(krViewStart(view), 0);
     // Defaults only go through a Set entry, which a Constant lacks: nothing before the first cycle.
-    EXPECT_EQ(read(view, "level"), "0");
-    draw(view);
-    EXPECT_EQ(read(view, "level"), "12");
-    EXPECT_EQ(krVarSetStr(view, "level", "5"), 1);
-    EXPECT_EQ(read(view, "level"), "5");
-    draw(view);
-    EXPECT_EQ(read(view, "level"), "12");
-}
-
-TEST_F(RunningVariables, InternalKeepsWritesAndARestartBeginsAgain)
-{
-    VIEW_STRUCT* view = started(viewWith({source(
-        5, {var(KR_VAR_INT32, "plain"), var(KR_VAR_INT32, "preset", "0x1F"), var(KR_VAR_TEXT, "label", "idle")})}));
-    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(values(), "0 0 31 idle");
     const int32_t written = 41;
-    for (const char* name : {"plain", "preset"})
+    for (const char* name : {"level", "plain", "preset"})
         EXPECT_EQ(krVarSet(view, name, &written), 1);
     EXPECT_EQ(krVarSetStr(view, "label", "ready"), 1);
+    EXPECT_EQ(values(), "41 41 41 ready");
     // A hundred cycles: three drawn as a host does, the rest run directly.
     for (int i = 0; i < 3; ++i)
         draw(view);
     for (int i = 3; i < 100; ++i)
         fillDP(view->dataTypes);
-    EXPECT_EQ(read(view, "plain"), "41");
-    EXPECT_EQ(read(view, "preset"), "41");
-    EXPECT_EQ(read(view, "label"), "ready");
+    EXPECT_EQ(values(), "12 41 41 ready");
 
     ASSERT_EQ(krViewStop(view), 0);
     ASSERT_EQ(krViewStart(view), 0);
-    EXPECT_EQ(read(view, "plain"), "0");
-    EXPECT_EQ(read(view, "preset"), "31");
-    EXPECT_EQ(read(view, "label"), "idle");
+    EXPECT_EQ(values(), "0 0 31 idle");
     draw(view);
-    EXPECT_EQ(read(view, "plain"), "0");
+    EXPECT_EQ(values(), "12 0 31 idle");
 }
 
 } // namespace

@@ -17,19 +17,14 @@ namespace k2dtest {
 #ifdef KOREL2D_PLUGIN_DIR
 // The built sample plug-in lies directly in KOREL2D_PLUGIN_DIR; each variant alone in
 // variants/<dir>/, so that copying one brings no other along.
-inline std::string pluginDir()
-{
-    return KOREL2D_PLUGIN_DIR;
-}
-
 inline std::string examplePlugin()
 {
-    return pluginDir() + "/libKrdExample.so";
+    return KOREL2D_PLUGIN_DIR "/libKrdExample.so";
 }
 
 inline std::string variant(const std::string& dir, const std::string& file)
 {
-    return pluginDir() + "/variants/" + dir + "/" + file;
+    return KOREL2D_PLUGIN_DIR "/variants/" + dir + "/" + file;
 }
 #endif
 
@@ -40,29 +35,29 @@ public:
         Unset,     // no KOREL_HOME: only "." is searched; the fresh directory is still made
         PluginDir, // KOREL_HOME is the build's plug-in directory (needs KOREL2D_PLUGIN_DIR)
     };
+    // Where copy() puts a plug-in, in the order of the search.
+    enum class Place { WorkDir, HomeBin, Home };
 
     explicit PluginDirs(Home mode = Home::Fresh)
     {
-        namespace fs = std::filesystem;
         std::error_code error;
-        oldCwd_ = fs::current_path(error).string();
+        oldCwd_ = std::filesystem::current_path(error).string();
         if (const char* old = getenv("KOREL_HOME"))
             oldHome_ = old;
         workDir_ = makeTemporary("k2dWork");
         freshHome_ = makeTemporary("k2dHome");
-        fs::create_directory(freshHome_ + "/bin", error);
+        std::filesystem::create_directory(freshHome_ + "/bin", error);
         if (chdir(workDir_.c_str()) != 0)
             ADD_FAILURE() << "can't enter " << workDir_;
         switch (mode) {
-        case Home::Fresh: setHome(freshHome_); break;
+        case Home::Fresh: setenv("KOREL_HOME", freshHome_.c_str(), 1); break;
         case Home::Unset: unsetenv("KOREL_HOME"); break;
         case Home::PluginDir:
 #ifdef KOREL2D_PLUGIN_DIR
-            setHome(pluginDir());
+            setenv("KOREL_HOME", KOREL2D_PLUGIN_DIR, 1);
 #else
             ADD_FAILURE() << "KOREL2D_PLUGIN_DIR is not defined for this suite";
 #endif
-            break;
         }
     }
 
@@ -82,28 +77,18 @@ public:
     PluginDirs(const PluginDirs&) = delete;
     PluginDirs& operator=(const PluginDirs&) = delete;
 
-    const std::string& workDir() const { return workDir_; }
-    // The directory of the test's own; KOREL_HOME names it only in mode Fresh.
-    const std::string& freshHome() const { return freshHome_; }
-    // What KOREL_HOME holds now, empty when it is unset.
-    std::string home() const
+    // Copies a file under its own name or under `as`; returns the path as the search builds it.
+    std::string copy(Place place, const std::string& path, const std::string& as = "")
     {
-        const char* home = getenv("KOREL_HOME");
-        return home ? home : "";
-    }
-
-    // Each copies a file under its own name or under `as`, and returns the copy's path.
-    std::string copyIntoWorkDir(const std::string& path, const std::string& as = "")
-    {
-        return copy(path, workDir_, as);
-    }
-    std::string copyIntoHomeBin(const std::string& path, const std::string& as = "")
-    {
-        return copy(path, freshHome_ + "/bin", as);
-    }
-    std::string copyIntoHome(const std::string& path, const std::string& as = "")
-    {
-        return copy(path, freshHome_, as);
+        namespace fs = std::filesystem;
+        const fs::path name = as.empty() ? fs::path(path).filename() : fs::path(as);
+        const std::string directory = place == Place::WorkDir ? workDir_
+                                      : place == Place::HomeBin ? freshHome_ + "/bin" : freshHome_;
+        std::error_code error;
+        fs::copy_file(path, directory / name, fs::copy_options::overwrite_existing, error);
+        if (error)
+            ADD_FAILURE() << "can't copy " << path << " to " << directory << ": " << error.message();
+        return place == Place::WorkDir ? "./" + name.string() : (directory / name).string();
     }
 
 private:
@@ -111,24 +96,9 @@ private:
     {
         std::error_code error;
         std::string pattern = (std::filesystem::temp_directory_path(error) / stem).string() + "XXXXXX";
-        if (!mkdtemp(pattern.data())) {
+        if (!mkdtemp(pattern.data()))
             ADD_FAILURE() << "can't make a directory like " << pattern;
-            return "";
-        }
         return pattern;
-    }
-
-    static void setHome(const std::string& directory) { setenv("KOREL_HOME", directory.c_str(), 1); }
-
-    static std::string copy(const std::string& path, const std::string& directory, const std::string& as)
-    {
-        namespace fs = std::filesystem;
-        fs::path target = fs::path(directory) / (as.empty() ? fs::path(path).filename() : fs::path(as));
-        std::error_code error;
-        fs::copy_file(path, target, fs::copy_options::overwrite_existing, error);
-        if (error)
-            ADD_FAILURE() << "can't copy " << path << " to " << target << ": " << error.message();
-        return target.string();
     }
 
     std::string oldCwd_;
