@@ -208,7 +208,7 @@ void dial(ViewBuilder& b)
     sweep.strokeWidth = 4;
     ActionFields turn = action(2, KR_ACTION_ARC_END, "speed", 0, 200, 29, 149);
     turn.limit = 1;
-    turn.cg = 5;
+    turn.cg = KR_POS_LOWER_RIGHT;
     b.actions({turn}).arc(sweep, "sweep", "sweep-ID");
 
     LineFields needle;

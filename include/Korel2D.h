@@ -128,6 +128,27 @@ enum {
     KR_RUN_ANIMATED = 2     /* a data thread runs it */
 };
 
+/** Position words: points of an element's box, clockwise from the upper left, 9 the centre. They
+ *  number the centre of scale and rotate actions (ACTION_STRUCT.cg) and text anchors. */
+enum {
+    KR_POS_UPPER_LEFT = 1,
+    KR_POS_TOP = 2,
+    KR_POS_UPPER_RIGHT = 3,
+    KR_POS_RIGHT = 4,
+    KR_POS_LOWER_RIGHT = 5,
+    KR_POS_BOTTOM = 6,
+    KR_POS_LOWER_LEFT = 7,
+    KR_POS_LEFT = 8,
+    KR_POS_CENTRE = 9
+};
+
+/** Filters of an action's value (ACTION_STRUCT.filter). */
+enum {
+    KR_FILTER_NONE = 0,
+    KR_FILTER_TIME = 1, /* holds the value, taking a new one each filterTime seconds */
+    KR_FILTER_LAG = 2   /* first-order lag with time constant filterTime */
+};
+
 /** An element of a view: see struct ELEMENT_STRUCT. */
 typedef struct ELEMENT_STRUCT ELEMENT_STRUCT;
 /** An action of an element: see struct ACTION_STRUCT. */
@@ -231,8 +252,8 @@ struct ACTION_STRUCT {
     char var2[64]; /* second variable of a graph trace */
     float var2A0, var2A1, var2B0, var2B1;
     char format[64]; /* printf format of a text action */
-    int32_t cg;      /* position word 1..9 of the centre of scale and rotate */
-    int32_t filter;  /* 0 none, 1 time, 2 first-order lag */
+    int32_t cg;      /* position word (KR_POS_...) of the centre of scale and rotate */
+    int32_t filter;  /* KR_FILTER_... */
     float filterTime;
     ACTION_STRUCT* next;
     ACTION_STRUCT* prev;

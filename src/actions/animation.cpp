@@ -48,13 +48,13 @@ void translate(ELEMENT_STRUCT* element, double dx, double dy)
     element->pickMatrix[5] += float(dy);
 }
 
-// Scale and rotation work about the point cg of the element; 9 means its centre as it stands.
+// Scale and rotation work about the point cg of the element; the centre means the element as it stands.
 template <class Operation> void aboutPoint(ELEMENT_STRUCT* element, int cg, Operation operation)
 {
-    if (cg != 9)
+    if (cg != KR_POS_CENTRE)
         objMove(element, cg, 0);
     operation();
-    if (cg != 9)
+    if (cg != KR_POS_CENTRE)
         objMove(element, cg, 1);
 }
 
@@ -196,14 +196,14 @@ int objMove(ELEMENT_STRUCT* element, int cg, int back)
     const double w = element->width * 0.5 * s, h = element->height * 0.5 * s;
     double x = 0, y = 0;
     switch (cg) {
-    case 1: x = -w, y = h; break;
-    case 2: y = h; break;
-    case 3: x = w, y = h; break;
-    case 4: x = w; break;
-    case 5: x = w, y = -h; break;
-    case 6: y = -h; break;
-    case 7: x = -w, y = -h; break;
-    case 8: x = -w; break;
+    case KR_POS_UPPER_LEFT: x = -w, y = h; break;
+    case KR_POS_TOP: y = h; break;
+    case KR_POS_UPPER_RIGHT: x = w, y = h; break;
+    case KR_POS_RIGHT: x = w; break;
+    case KR_POS_LOWER_RIGHT: x = w, y = -h; break;
+    case KR_POS_BOTTOM: y = -h; break;
+    case KR_POS_LOWER_LEFT: x = -w, y = -h; break;
+    case KR_POS_LEFT: x = -w; break;
     default: break;
     }
     glTranslatef(float(x), float(y), 0);
@@ -227,9 +227,9 @@ double getActionFloatData(ACTION_STRUCT* action, int which, float dt)
         return 0.0;
     double raw = readValue(buffer, action->varType);
     switch (action->filter) {
-    case 0:
+    case KR_FILTER_NONE:
         return raw;
-    case 1:
+    case KR_FILTER_TIME:
         action->filterElapsed += dt;
         if (action->filterElapsed > action->filterTime) {
             action->filterElapsed = 0;
@@ -237,7 +237,7 @@ double getActionFloatData(ACTION_STRUCT* action, int which, float dt)
             return raw;
         }
         return action->filterValue;
-    case 2:
+    case KR_FILTER_LAG:
         action->filterValue = float((raw * dt + action->filterValue * action->filterTime) / (dt + action->filterTime));
         return action->filterValue;
     default:

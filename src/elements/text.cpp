@@ -12,7 +12,7 @@ static TEXT_STRUCT textDefaults(int textSize)
 {
     TEXT_STRUCT t = {};
     strcpy(t.text, "Text");
-    t.align = 7;
+    t.align = KR_POS_LOWER_LEFT;
     strcpy(t.fontFamily, "Arial");
     t.fontStyle = 1;
     t.fontSize = textSize;

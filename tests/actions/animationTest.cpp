@@ -227,9 +227,9 @@ TEST_F(Animation, MappingLimitsAndFiltersShapeTheValue)
     ActionFields limited = act(KR_ACTION_MOVE_X, "raw");
     limited.b0 = 10, limited.b1 = 0, limited.limit = 1; // v = 10 - 10 raw, kept within 0..10
     ActionFields timed = act(KR_ACTION_MOVE_Y, "raw");
-    timed.filter = 1, timed.filterTime = 0.25f;
+    timed.filter = KR_FILTER_TIME, timed.filterTime = 0.25f;
     ActionFields lagged = act(KR_ACTION_MOVE_Y, "raw");
-    lagged.filter = 2, lagged.filterTime = 0.1f;
+    lagged.filter = KR_FILTER_LAG, lagged.filterTime = 0.1f;
     ViewBuilder b = blackPage();
     b.actions({limited}).rect(square()).actions({timed}).rect(square()).actions({lagged}).rect(square());
     start(b, {"raw"});
