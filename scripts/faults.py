@@ -3,6 +3,7 @@
 flipped, a byte order swapped, a lock left out, ...), rebuilds, runs the whole suite and prints
 the tests that fail, or NOT CAUGHT. The source is restored after each fault.
 Usage: python3 scripts/faults.py scripts/faults.txt BUILD_DIR [F01 F02 ...]
+FAULT_TESTS=REGEX limits the run to the tests ctest -R selects (a quick look at one area).
 The table: '## NAME what it breaks', then per edit 'file: PATH', '- exact line part', '+ its replacement'."""
 import os, re, subprocess, sys
 
@@ -24,6 +25,7 @@ def read_table(path):
 def main():
     table, build = sys.argv[1], sys.argv[2]
     only = set(sys.argv[3:])
+    only_tests = ['-R', os.environ['FAULT_TESTS']] if os.environ.get('FAULT_TESTS') else []
     root = subprocess.check_output(['git', 'rev-parse', '--show-toplevel'], text=True).strip()
     for f in read_table(table):
         if only and f['name'].split()[0] not in only:
@@ -47,7 +49,7 @@ def main():
                 print(f"{f['name']}: BUILD FAILED\n{b.stdout[-1500:]}", flush=True)
                 continue
             r = subprocess.run(['xvfb-run', '-a', '-s', '-screen 0 1280x1024x24', 'ctest', '--test-dir', build,
-                                '-j2', '--timeout', '120'], capture_output=True, text=True)
+                                '-j2', '--timeout', '120'] + only_tests, capture_output=True, text=True)
             failed = re.findall(r'^\s*\d+ - (\S+) \(', r.stdout, re.M)
             print(f"{f['name']}: {len(failed)} failing: {' '.join(failed) if failed else 'NOT CAUGHT'}", flush=True)
         finally:
