@@ -17,12 +17,7 @@ const Rgb kRed{255, 0, 0}, kGreen{0, 255, 0}, kBlack{0, 0, 0};
 
 RectFields redSquare(float x0, float y0, float size)
 {
-    RectFields s;
-    s.x0 = x0;
-    s.y0 = y0;
-    s.x1 = x0 + size;
-    s.y1 = y0 + size;
-    return s;
+    return RectFields{x0, y0, x0 + size, y0 + size};
 }
 
 class Walk : public ViewTest {
@@ -82,39 +77,31 @@ TEST_F(Walk, BlinkNeedsARateAndAnEvaluation)
     ViewBuilder b = blackPage();
     b.rect(redSquare(20, 20, 40)).rect(redSquare(120, 20, 40)).rect(redSquare(220, 20, 40));
     VIEW_STRUCT* v = load(b);
-    const struct {
-        int rate, evaluated;
-    } looks[] = {{0, 1}, {9, 1}, {7, 0}};
-    ELEMENT_STRUCT* e = v->elements;
-    for (const auto& look : looks) {
+    const uint8_t rates[] = {0, 9, 7}, evaluated[] = {1, 1, 0};
+    int i = 0;
+    for (ELEMENT_STRUCT* e = v->elements; e; e = e->next, ++i) {
         e->attr.blink = 1;
-        e->attr.blinkRate = uint8_t(look.rate);
-        e->attr.blinkSet = uint8_t(look.evaluated);
-        e = e->next;
+        e->attr.blinkRate = rates[i];
+        e->attr.blinkSet = evaluated[i];
     }
-    for (int i = 0; i < 8; ++i) {
+    for (int frame = 0; frame < 8; ++frame) {
         Frame f = walk(v, 1);
         for (int x : {40, 140, 240})
-            EXPECT_TRUE(PixelIs(f, x, 40, kRed)) << x << " in frame " << i;
+            EXPECT_TRUE(PixelIs(f, x, 40, kRed)) << x << " in frame " << frame;
         std::this_thread::sleep_for(std::chrono::milliseconds(80));
     }
 }
 
+// A 2-pixel frame drawn at zoom 2 keeps its width, or doubles it with line scaling on.
 TEST_F(Walk, LineScalingFollowsTheZoom)
 {
     RectFields frame = redSquare(50, 50, 100);
-    frame.fillOn = 0;
-    frame.strokeOn = 1;
-    frame.strokeWidth = 2;
+    frame.fillOn = 0, frame.strokeOn = 1, frame.strokeWidth = 2;
     VIEW_STRUCT* v = load(blackPage().rect(frame));
     const Rgb white{255, 255, 255};
-    Frame thin = draw(v, 0, 0, 2);
-    int thinRows = thin.count(200, 80, 201, 120, white, 40);
+    EXPECT_EQ(draw(v, 0, 0, 2).count(200, 80, 201, 120, white, 40), 2);
     krViewSetUseLineScaling(v, 1);
-    Frame thick = draw(v, 0, 0, 2);
-    int thickRows = thick.count(200, 80, 201, 120, white, 40);
-    EXPECT_EQ(thinRows, 2);
-    EXPECT_EQ(thickRows, 4);
+    EXPECT_EQ(draw(v, 0, 0, 2).count(200, 80, 201, 120, white, 40), 4);
 }
 
 } // namespace
