@@ -28,30 +28,17 @@ int recordingEdit(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, in
     return 0;
 }
 
-RectFields square(float x, float y)
-{
-    RectFields s;
-    s.x0 = x, s.y0 = y, s.x1 = x + 10, s.y1 = y + 10;
-    return s;
-}
-
 TEST(GroupEdit, ChildrenGetTheGroupsArgumentsInOrderAndTheBoxFollows)
 {
     ViewBuilder b = blackPage();
-    b.beginGroup(3, "outer").rect(square(0, 0), "first");
-    b.beginGroup(2, "inner").rect(square(20, 50), "second").rect(square(40, 0), "third").endGroup();
-    LoadedView loaded(b.rect(square(60, 20), "fixed").endGroup());
+    b.beginGroup(3, "outer").rect({0, 0, 10, 10}, "first");
+    b.beginGroup(2, "inner").rect({20, 50, 30, 60}, "second").rect({40, 0, 50, 10}, "third").endGroup();
+    LoadedView loaded(b.rect({60, 20, 70, 30}, "fixed").endGroup());
     ELEMENT_STRUCT* outer = loaded.first();
-    ASSERT_NE(outer, nullptr);
-    ASSERT_EQ(outer->edit, editGroup); // every loaded group edits this way
     ELEMENT_STRUCT* inner = outer->child->next;
-    ASSERT_EQ(inner->edit, editGroup);
-    outer->child->edit = recordingEdit;
-    inner->child->edit = recordingEdit;
-    inner->child->next->edit = recordingEdit;
-    // "fixed" has no edit of its own and is passed over.
-    ASSERT_EQ(inner->next->edit, nullptr);
-
+    // Every loaded group edits this way; "fixed" has no edit of its own and is passed over.
+    ASSERT_TRUE(outer->edit == editGroup && inner->edit == editGroup && !inner->next->edit);
+    outer->child->edit = inner->child->edit = inner->child->next->edit = recordingEdit;
     EXPECT_EQ(outer->edit(outer, kHandles, 5, 2, &shift), 0);
     EXPECT_EQ(edited, (std::vector<std::string>{"first", "second", "third"}));
 

@@ -33,13 +33,7 @@ const std::vector<PointFields> kBox = {{0, 100, 100}, {1, 300, 100}, {2, 300, 20
 // Green fill, or a red outline five pixels wide, or both.
 PolyFields shape(const std::vector<PointFields>& points, int fillOn = 1, int strokeOn = 0, int closed = 0)
 {
-    PolyFields s;
-    s.points = points;
-    s.fillOn = fillOn, s.strokeOn = strokeOn, s.closed = closed;
-    s.strokeWidth = 5;
-    const float red[4] = {1, 0, 0, 1};
-    std::copy(red, red + 4, s.stroke);
-    return s;
+    return PolyFields{closed, strokeOn, 5, 0, {1, 0, 0, 1}, fillOn, {0, 1, 0, 1}, 0, 0, points};
 }
 
 ViewBuilder polygon(int kind, const PolyFields& s)
@@ -105,10 +99,8 @@ TEST_F(PolygonDraw, DegenerateShapesLoadAndDraw)
         VIEW_STRUCT* v = load(page().cpoly(shape(c.points, 1, 1)));
         ASSERT_NE(v, nullptr);
         Frame f = draw(v);
-        if (c.shows)
-            EXPECT_TRUE(PixelIs(f, 299, 150, kRed));
-        else
-            EXPECT_EQ(f.count(0, 0, 400, 300, kPage, 2), 400 * 300);
+        EXPECT_EQ(bool(PixelIs(f, 299, 150, kRed)), c.shows);
+        EXPECT_EQ(f.count(0, 0, 400, 300, kPage, 2) == 400 * 300, !c.shows);
         ELEMENT_STRUCT* e = v->elements;
         ASSERT_NE(e->pick, nullptr);
         EXPECT_EQ(bool(e->pick(e, 280, 150)), c.shows);
@@ -140,7 +132,6 @@ TEST_F(PolygonDraw, FillLevelPaintsTheSideItGrowsFrom)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.label);
         VIEW_STRUCT* v = load(page().cpoly(shape(c.points)));
-        ASSERT_NE(v, nullptr);
         polyOf(v->elements)->fillLevel = c.level;
         EXPECT_EQ(c.cut(v->elements), 0);
         EXPECT_EQ(polyMakeList(polyOf(v->elements), 1), 0);
@@ -185,40 +176,10 @@ TEST(PolygonLevels, ResetReachesEveryPolylineButNoClosedPolygon)
 {
     LoadedView loaded(page().polyline(shape(kBox)).cpoly(shape(kBox)).beginGroup(1).polyline(shape(kBox)).endGroup());
     ELEMENT_STRUCT* top = loaded.first();
-    ASSERT_NE(top->next->next->child, nullptr);
     EXPECT_EQ(resetAllPoly(top), 0);
     EXPECT_EQ(polyOf(top)->fillLevel, -1.0f);
     EXPECT_EQ(polyOf(top->next)->fillLevel, 1.0f);
     EXPECT_EQ(polyOf(top->next->next->child)->fillLevel, -1.0f);
-}
-
-TEST(SegmentCrossing, InFloatAndInDouble)
-{
-    struct Case {
-        const char* label;
-        double s[8];
-        int meets;
-        bool lines;  // the infinite lines meet
-        double x, y; // where
-    } cases[] = {
-        {"cross", {0, 0, 2, 2, 0, 2, 2, 0}, 1, true, 1, 1},
-        {"ends touch", {0, 0, 1, 0, 1, -1, 1, 1}, 1, true, 1, 0},
-        {"vertical first", {1, -1, 1, 1, 0, 0, 2, 0}, 1, true, 1, 0},
-        {"short of each other", {0, 0, 1, 1, 3, 0, 3, 5}, 0, true, 3, 3},
-        {"parallel", {0, 0, 1, 1, 0, 1, 1, 2}, 0, false, 0, 0},
-        {"first is a point", {1, 1, 1, 1, 0, 0, 2, 2}, 0, false, 0, 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.label);
-        const double* s = c.s;
-        EXPECT_EQ(lineCross(float(s[0]), float(s[1]), float(s[2]), float(s[3]), float(s[4]), float(s[5]),
-                            float(s[6]), float(s[7])),
-                  c.meets);
-        double x = -99, y = -99;
-        EXPECT_EQ(KLineCross2(&x, &y, s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7]), c.meets);
-        EXPECT_DOUBLE_EQ(x, c.lines ? c.x : -99);
-        EXPECT_DOUBLE_EQ(y, c.lines ? c.y : -99);
-    }
 }
 
 } // namespace
