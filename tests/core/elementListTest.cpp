@@ -82,18 +82,16 @@ TEST(ElementLists, DeleteUnlinksFromAnyPositionWithTheWholeTree)
     ELEMENT_STRUCT* a = list.add(KR_RECT);
     ELEMENT_STRUCT* group = list.add(KR_GROUP);
     ELEMENT_STRUCT* c = list.add(KR_RECT);
-    for (int i = 0; i < 3; ++i) {
-        ELEMENT_STRUCT* inner = list.add(KR_GROUP, &group->child);
-        list.add(KR_TEXT, &inner->child);
-        ELEMENT_STRUCT* poly = list.add(KR_CPOLY, &inner->child);
-        for (int p = 0; p < 4; ++p)
-            appendCoord(&static_cast<POLY_STRUCT*>(poly->data)->coords, createCoord());
-        for (ELEMENT_STRUCT* owner : {inner, poly}) {
-            ACTION_STRUCT* action = createAction();
-            appendTh(&action->colorThresholds, createTh());
-            action->heldValue2 = malloc(8);
-            appendAction(&owner->actions, action);
-        }
+    ELEMENT_STRUCT* inner = list.add(KR_GROUP, &group->child);
+    list.add(KR_TEXT, &inner->child);
+    ELEMENT_STRUCT* poly = list.add(KR_CPOLY, &inner->child);
+    for (int p = 0; p < 4; ++p)
+        appendCoord(&static_cast<POLY_STRUCT*>(poly->data)->coords, createCoord());
+    for (ELEMENT_STRUCT* owner : {inner, poly}) {
+        ACTION_STRUCT* action = createAction();
+        appendTh(&action->colorThresholds, createTh());
+        action->heldValue2 = malloc(8);
+        appendAction(&owner->actions, action);
     }
     elementDelete(group, &list.head);
     EXPECT_EQ(a->next, c);
@@ -104,15 +102,6 @@ TEST(ElementLists, DeleteUnlinksFromAnyPositionWithTheWholeTree)
     EXPECT_EQ(elementDelete(nullptr, &list.head), 0);
     ELEMENT_STRUCT* empty = nullptr;
     EXPECT_EQ(elementDeleteAll(&empty), 0);
-}
-
-// Thresholds, told apart by their values, in list order.
-std::vector<int> values(const TH_STRUCT* head)
-{
-    std::vector<int> result;
-    for (; head; head = head->next)
-        result.push_back(head->value);
-    return result;
 }
 
 TEST(Thresholds, InsertionsBesideAPositionOrTheHead)
@@ -128,7 +117,10 @@ TEST(Thresholds, InsertionsBesideAPositionOrTheHead)
     thInsertAfter(made[2], made[1], &head);
     thInsertAfter(made[3], nullptr, &head); // null position: after the head
     appendTh(&head, made[4]);
-    EXPECT_EQ(values(head), std::vector<int>({1, 3, 2, 0, 4}));
+    std::vector<int> values;
+    for (const TH_STRUCT* t = head; t; t = t->next)
+        values.push_back(t->value);
+    EXPECT_EQ(values, std::vector<int>({1, 3, 2, 0, 4}));
     EXPECT_EQ(made[0]->prev, made[2]);
     while (head)
         delTh(&head, head);

@@ -13,7 +13,7 @@ using namespace k2dtest;
 
 namespace {
 
-const Rgb kRed{255, 0, 0}, kGreen{0, 255, 0}, kBlack{0, 0, 0};
+const Rgb kRed{255, 0, 0}, kGreen{0, 255, 0}, kBlack{0, 0, 0}, kWhite{255, 255, 255};
 
 RectFields redSquare(float x0, float y0, float size)
 {
@@ -74,9 +74,8 @@ TEST_F(Walk, FlaggedGroupLooksReachChildrenAtAnyDepth)
 // element shows steadily however long the clocks run.
 TEST_F(Walk, BlinkNeedsARateAndAnEvaluation)
 {
-    ViewBuilder b = blackPage();
-    b.rect(redSquare(20, 20, 40)).rect(redSquare(120, 20, 40)).rect(redSquare(220, 20, 40));
-    VIEW_STRUCT* v = load(b);
+    VIEW_STRUCT* v =
+        load(blackPage().rect(redSquare(20, 20, 40)).rect(redSquare(120, 20, 40)).rect(redSquare(220, 20, 40)));
     const uint8_t rates[] = {0, 9, 7}, evaluated[] = {1, 1, 0};
     int i = 0;
     for (ELEMENT_STRUCT* e = v->elements; e; e = e->next, ++i) {
@@ -98,10 +97,9 @@ TEST_F(Walk, LineScalingFollowsTheZoom)
     RectFields frame = redSquare(50, 50, 100);
     frame.fillOn = 0, frame.strokeOn = 1, frame.strokeWidth = 2;
     VIEW_STRUCT* v = load(blackPage().rect(frame));
-    const Rgb white{255, 255, 255};
-    EXPECT_EQ(draw(v, 0, 0, 2).count(200, 80, 201, 120, white, 40), 2);
+    EXPECT_EQ(draw(v, 0, 0, 2).count(200, 80, 201, 120, kWhite, 40), 2);
     krViewSetUseLineScaling(v, 1);
-    EXPECT_EQ(draw(v, 0, 0, 2).count(200, 80, 201, 120, white, 40), 4);
+    EXPECT_EQ(draw(v, 0, 0, 2).count(200, 80, 201, 120, kWhite, 40), 4);
 }
 
 } // namespace

@@ -145,11 +145,10 @@ TEST(KindGeometry, LinesArePickedAsTheirSegment)
     const LineFields slanted{300, 10, 250, 70, 2.9f}, flat{20, 50, 180, 50};
     LoadedView line(blackPage().line(slanted)), flatGroup(blackPage().beginGroup(1).line(flat).endGroup()),
         slantedGroup(blackPage().beginGroup(1).line(slanted).endGroup());
-    auto pickLine = [](const LoadedView& v) { return std::vector<float>(v.first()->pickLine, v.first()->pickLine + 4); };
+    const ELEMENT_STRUCT* g = flatGroup.first();
     EXPECT_EQ(line.first()->pickShape, 1);
-    EXPECT_EQ(pickLine(line), (std::vector<float>{300, 10, 250, 70}));
-    EXPECT_EQ(flatGroup.first()->pickShape, 1);
-    EXPECT_EQ(pickLine(flatGroup), (std::vector<float>{20, 50, 180, 50}));
+    EXPECT_EQ(g->pickShape, 1);
+    EXPECT_EQ(std::vector<float>(g->pickLine, g->pickLine + 4), (std::vector<float>{20, 50, 180, 50}));
     EXPECT_EQ(slantedGroup.first()->pickShape, 0);
     EXPECT_EQ(line.first()->attr.lineWidth, 2);
 }
