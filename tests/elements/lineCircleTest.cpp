@@ -1,6 +1,5 @@
 // Lines, circles and arcs as a user sees them: drawn through the flat interface into a real
 // GL surface and read back, picked through the element's own hit test, boxed for picking.
-#include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewFixture.h"
 
@@ -51,7 +50,7 @@ using LineCircle = ViewTest;
 // How a line is placed: by the walk's offset (no actions, in groups or not) or by a matrix of
 // its own or of its group (elements with actions). A small unpainted rectangle moves each
 // group's centre away from the line's.
-enum Placement { kAlone, kTwoGroupsDeep, kInAGroupWithActions, kWithActionsOfItsOwn };
+enum Placement { kAlone, kThreeGroupsDeep, kInAGroupWithActions, kWithActionsOfItsOwn };
 
 ViewBuilder placed(Placement placement, const LineFields& line)
 {
@@ -60,8 +59,9 @@ ViewBuilder placed(Placement placement, const LineFields& line)
     RectFields unpainted;
     unpainted.fillOn = 0;
     switch (placement) {
-    case kTwoGroupsDeep:
-        return blackPage().beginGroup(2).rect(unpainted).beginGroup(1).line(line).endGroup().endGroup();
+    case kThreeGroupsDeep:
+        return blackPage().beginGroup(2).rect(unpainted).beginGroup(1).beginGroup(1).line(line).endGroup().endGroup()
+            .endGroup();
     case kInAGroupWithActions:
         return blackPage().actions({moveX}).beginGroup(2).rect(unpainted).line(line).endGroup();
     case kWithActionsOfItsOwn:
@@ -86,7 +86,7 @@ TEST_F(LineCircle, LineLightsItsSegmentAndNothingElse)
         {"rising", segment(100, 50, 250, 200, 1), kAlone, 0, 0, 1},
         {"falling", segment(320, 60, 80, 240, 2), kAlone, 0, 0, 1},
         {"zoomed", stored, kAlone, 20, 10, 2},
-        {"zoomed two groups deep", stored, kTwoGroupsDeep, 20, 10, 2},
+        {"zoomed three groups deep", stored, kThreeGroupsDeep, 20, 10, 2},
         {"zoomed in a group with actions", stored, kInAGroupWithActions, 20, 10, 2},
         {"zoomed with actions of its own", stored, kWithActionsOfItsOwn, 20, 10, 2},
     };
