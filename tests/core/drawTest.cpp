@@ -22,9 +22,7 @@ RectFields filled(float x0, float y0, float x1, float y1, Rgb colour)
 
 ViewBuilder page()
 {
-    ViewBuilder b;
-    b.page(0, 0, 400, 300, 0.2f, 0.4f, 0.6f);
-    return b;
+    return ViewBuilder().page(0, 0, 400, 300, 0.2f, 0.4f, 0.6f);
 }
 
 using ViewDraw = ViewTest;

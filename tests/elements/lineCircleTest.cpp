@@ -1,5 +1,5 @@
 // Lines, circles and arcs as a user sees them: drawn through the flat interface into a real
-// GL surface and read back, picked through the element's own hit test, boxed for picking.
+// GL surface and read back, picked through the element's own hit test, outlined when selected.
 #include "LoadedView.h"
 #include "ViewFixture.h"
 

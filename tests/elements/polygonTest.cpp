@@ -19,9 +19,7 @@ const Rgb kPage{51, 102, 153}, kGreen{0, 255, 0}, kRed{255, 0, 0};
 
 ViewBuilder page()
 {
-    ViewBuilder b;
-    b.page(0, 0, 400, 300, 0.2f, 0.4f, 0.6f);
-    return b;
+    return ViewBuilder().page(0, 0, 400, 300, 0.2f, 0.4f, 0.6f);
 }
 
 // An L: a foot along the bottom, a leg up the left side, the notch at the upper right.
