@@ -13,7 +13,6 @@
 #include <vector>
 
 using k2dtest::Frame;
-using k2dtest::PixelIs;
 using k2dtest::Rgb;
 
 namespace {
@@ -90,7 +89,7 @@ TEST_F(Blending, ColourFactorScalesEveryDrawnColourClampedToUnitRange)
         tkAliasBlend(0, c.colour[3]);
         kvColor4f(c.colour[0], c.colour[1], c.colour[2], c.colour[3]);
         glRectf(100, 100, 150, 150);
-        EXPECT_TRUE(PixelIs(Frame::grab(), 125, 125, c.expected, 3));
+        EXPECT_TRUE(k2dtest::PixelIs(Frame::grab(), 125, 125, c.expected, 3));
     }
     GLfloat clear[4] = {1, 1, 1, 1};
     glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);
