@@ -1,162 +1,158 @@
-#include "drawing.h"
+// The GL state layer as elements reach it: colours, blending, line styles and fill patterns,
+// seen in the pixels of a real GL context in window-pixel coordinates.
+#include "GlContext.h"
 #include "graphics/graphics.h"
 
+#include <GL/gl.h>
+
+#include <array>
+#include <climits>
 #include <cmath>
+#include <cstring>
+#include <tuple>
 #include <vector>
 
 using k2dtest::Frame;
-using k2dtest::PixelIs;
 using k2dtest::Rgb;
 
 namespace {
 
 const Rgb kWhite{255, 255, 255};
 
-class ColourFactor : public k2dtest::GraphicsTest {};
-class AliasBlend : public k2dtest::GraphicsTest {};
-class LineStipple : public k2dtest::GraphicsTest {};
-class LineWidth : public k2dtest::GraphicsTest {};
-class GlWrappers : public k2dtest::GraphicsTest {};
+class GraphicsTest : public k2dtest::GlTest {
+protected:
+    void SetUp() override
+    {
+        GlTest::SetUp();
+        if (HasFatalFailure())
+            return;
+        glMatrixMode(GL_PROJECTION);
+        glLoadIdentity();
+        glOrtho(0, k2dtest::kSurfaceWidth, 0, k2dtest::kSurfaceHeight, -1, 1);
+        glMatrixMode(GL_MODELVIEW);
+        glLoadIdentity();
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        // The layer's state outlives a test: start each one from a plain, opaque look.
+        kvSetColorFactor(1, 1, 1, 1);
+        kvSetLineScale(1);
+        tkAliasBlend(0, 1);
+        tkLineStipple(1, 0xFFFF);
+        tkLineWidth(1);
+        setStipple(0, nullptr);
+    }
 
-// Drawn as an element draws, over a blue page: a translucent factor blends even opaque colours.
-TEST_F(ColourFactor, ScalesEveryDrawnColourClampedToUnitRange)
+    static void line(float x0, float y0, float x1, float y1)
+    {
+        tkBegin(GL_LINES);
+        glVertex2f(x0, y0);
+        glVertex2f(x1, y1);
+        tkEnd();
+    }
+
+    static bool lit(const Frame& frame, int x, int y) { return frame.at(x, y).r > 127; }
+
+    // A white 64 x 64 square at the window origin, where the stipple's row 0 and column 0 fall.
+    static Frame drawPattern(int number, const uint8_t* bytes)
+    {
+        glClear(GL_COLOR_BUFFER_BIT);
+        setStipple(number, bytes);
+        kvColor4f(1, 1, 1, 1);
+        glRectf(0, 0, 64, 64);
+        setStipple(0, nullptr);
+        return Frame::grab();
+    }
+};
+
+class Blending : public GraphicsTest {};
+class Lines : public GraphicsTest {};
+class FillPatterns : public GraphicsTest {};
+
+// Drawn as an element draws, over a blue page: a translucent factor or colour blends, and the
+// page's clear colour is transparent.
+TEST_F(Blending, ColourFactorScalesEveryDrawnColourClampedToUnitRange)
 {
     struct Case {
-        float factor[4], colour[3];
+        float factor[4], colour[4];
         Rgb expected;
     };
     // Grey shows the clamp: an unclamped red factor of 2 would double it to 204.
-    const Case cases[] = {{{1, 0.5f, 1, 1}, {1, 1, 1}, {255, 128, 255}},  {{1, 0.5f, 1, 1}, {0.5f, 1, 0}, {128, 128, 0}},
-                          {{2, -1, 0.5f, 1}, {1, 1, 1}, {255, 0, 128}},   {{2, -1, 0.5f, 1}, {0.4f, 0.4f, 0.4f}, {102, 0, 51}},
-                          {{1, 1, 1, 0.5f}, {1, 0, 0}, {128, 0, 128}},    {{1, 1, 1, 1}, {1, 0, 0}, {255, 0, 0}}};
+    const Case cases[] = {
+        {{1, 0.5f, 1, 1}, {1, 1, 1, 1}, {255, 128, 255}}, {{1, 0.5f, 1, 1}, {0.5f, 1, 0, 1}, {128, 128, 0}},
+        {{2, -1, 0.5f, 1}, {1, 1, 1, 1}, {255, 0, 128}},  {{2, -1, 0.5f, 1}, {.4f, .4f, .4f, 1}, {102, 0, 51}},
+        {{1, 1, 1, 0.5f}, {1, 0, 0, 1}, {128, 0, 128}},   {{1, 1, 1, 1}, {1, 0, 0, 1}, {255, 0, 0}},
+        {{1, 1, 1, 1}, {1, 0, 0, 0.5f}, {128, 0, 128}}};
     for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "factor " << c.factor[0] << ", " << c.factor[1] << ", " << c.factor[2]
-                                        << ", " << c.factor[3]);
+        SCOPED_TRACE(testing::Message() << "row " << &c - cases);
         tkClearColor(0, 0, 1);
         glClear(GL_COLOR_BUFFER_BIT);
         kvSetColorFactor(c.factor[0], c.factor[1], c.factor[2], c.factor[3]);
-        tkAliasBlend(0, 1);
-        kvColor4f(c.colour[0], c.colour[1], c.colour[2], 1);
-        quad(100, 100, 150, 150);
-        EXPECT_TRUE(PixelIs(Frame::grab(), 125, 125, c.expected, 3));
+        tkAliasBlend(0, c.colour[3]);
+        kvColor4f(c.colour[0], c.colour[1], c.colour[2], c.colour[3]);
+        glRectf(100, 100, 150, 150);
+        EXPECT_TRUE(k2dtest::PixelIs(Frame::grab(), 125, 125, c.expected, 3));
     }
-    // Switching to an opaque factor never turns blending off: that is left to each element.
-    glEnable(GL_BLEND);
-    kvSetColorFactor(1, 1, 1, 5);
-    EXPECT_TRUE(glIsEnabled(GL_BLEND));
-}
-
-// Antialiasing smooths and blends; below an alpha of 0.98 blending alone is switched on.
-TEST_F(AliasBlend, AntialiasOrTranslucencyBlends)
-{
-    struct Case {
-        int antialias;
-        float alpha;
-        bool smooth, blend;
-    };
-    for (const Case& c : {Case{1, 1, true, true}, Case{0, 1, false, false}, Case{0, 0.98f, false, false},
-                          Case{0, std::nextafter(0.98f, 0.0f), false, true}}) {
-        tkAliasBlend(c.antialias, c.alpha);
-        EXPECT_EQ(bool(glIsEnabled(GL_LINE_SMOOTH)), c.smooth) << c.antialias << ", " << c.alpha;
-        EXPECT_EQ(bool(glIsEnabled(GL_BLEND)), c.blend) << c.antialias << ", " << c.alpha;
-    }
-    tkClearColor(0, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    tkAliasBlend(0, 0.5f);
-    kvColor4f(1, 0, 0, 0.5f);
-    quad(100, 100, 150, 150);
-    EXPECT_TRUE(PixelIs(Frame::grab(), 125, 125, Rgb{128, 0, 128}, 3));
-}
-
-// A one-pixel line along row 150 from x = 10 to 330: 320 fragments, the stipple counter
-// starting at the first one and reading the pattern from its lowest bit, `factor` pixels a bit.
-TEST_F(LineStipple, PatternAndFactorReachThePixels)
-{
-    struct Case {
-        int32_t factor;
-        uint16_t pattern;
-        bool stippled; // a full pattern at factor 1 is drawn solid, with stippling off
-        int lit;
-    };
-    int32_t factor9 = 0;
-    uint16_t pattern9 = 0;
-    getLineStipple(9, &factor9, &pattern9); // on x4, off x6, on x2, off x4
-    const Case cases[] = {{1, 0xF0F0, true, 160}, {1, 0xFFFF, false, 320}, {2, 0xFFFF, true, 320},
-                          {2, 0xF0F0, true, 160}, {factor9, pattern9, true, 120}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "factor " << c.factor << ", pattern " << std::hex << c.pattern);
-        glClear(GL_COLOR_BUFFER_BIT);
-        tkLineStipple(c.factor, c.pattern);
-        EXPECT_EQ(bool(glIsEnabled(GL_LINE_STIPPLE)), c.stippled);
-        kvColor4f(1, 1, 1, 1);
-        line(10, 150.5f, 330, 150.5f);
-        const Frame frame = Frame::grab();
-        EXPECT_EQ(frame.count(0, 150, k2dtest::kSurfaceWidth, 151, kWhite, 100), c.lit);
-        for (int i = 0; i < 320; ++i)
-            EXPECT_EQ(lit(frame, 10 + i, 150), bool(c.pattern >> (i / c.factor % 16) & 1)) << "pixel " << i;
-    }
-}
-
-// Rows lit by a horizontal line at y = 150 in column 200.
-int thickness()
-{
-    return Frame::grab().count(200, 130, 201, 170, kWhite, 100);
-}
-
-TEST_F(LineWidth, LineScaleMultipliesWidth)
-{
-    struct Case {
-        float scale, width;
-        int rows;
-    };
-    for (const Case& c : {Case{1, 2, 2}, Case{2, 2, 4}, Case{3, 3, 9}}) {
-        glClear(GL_COLOR_BUFFER_BIT);
-        kvSetLineScale(c.scale);
-        tkLineWidth(c.width);
-        kvColor4f(1, 1, 1, 1);
-        line(10, 150, 390, 150);
-        EXPECT_EQ(thickness(), c.rows) << "scale " << c.scale << ", width " << c.width;
-    }
-}
-
-TEST_F(LineWidth, ZeroWidthIsRefusedAndKeepsTheLastOne)
-{
-    tkLineWidth(3);
-    tkLineWidth(0);
-    EXPECT_EQ(glGetError(), GLenum(GL_INVALID_VALUE));
-    GLfloat width = 0;
-    glGetFloatv(GL_LINE_WIDTH, &width);
-    EXPECT_FLOAT_EQ(width, 3);
-}
-
-TEST_F(GlWrappers, PopMatrixUndoesATransform)
-{
-    kvColor4f(1, 1, 1, 1);
-    tkPushMatrix();
-    glTranslatef(100, 0, 0);
-    quad(10, 10, 20, 20);
-    tkPopMatrix();
-    quad(10, 50, 20, 60);
-    const Frame frame = Frame::grab();
-    EXPECT_EQ(frame.count(0, 0, 200, 100, kWhite, 100), 200) << "two 10 x 10 squares";
-    EXPECT_TRUE(lit(frame, 115, 15) && lit(frame, 15, 55));
-}
-
-TEST_F(GlWrappers, ClearColourHasZeroAlpha)
-{
-    tkClearColor(0, 1, 0.5f);
-    glClear(GL_COLOR_BUFFER_BIT);
-    EXPECT_TRUE(PixelIs(Frame::grab(), 10, 10, Rgb{0, 255, 128}, 2));
     GLfloat clear[4] = {1, 1, 1, 1};
     glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);
     EXPECT_EQ(clear[3], 0.0f);
+}
+
+// Antialiasing smooths and blends; below an alpha of 0.98 blending alone is switched on.
+TEST_F(Blending, AntialiasOrTranslucencyBlends)
+{
+    const std::tuple<int, float, bool, bool> cases[] = {
+        {1, 1, true, true}, {0, 1, false, false}, {0, .98f, false, false}, {0, std::nextafter(.98f, 0.f), false, true}};
+    for (const auto& [antialias, alpha, smooth, blend] : cases) {
+        tkAliasBlend(antialias, alpha);
+        EXPECT_EQ(bool(glIsEnabled(GL_LINE_SMOOTH)), smooth) << antialias << ", " << alpha;
+        EXPECT_EQ(bool(glIsEnabled(GL_BLEND)), blend) << antialias << ", " << alpha;
+    }
+}
+
+// Styles 0 to 9 come from a table, any other number is solid, and solid lines are drawn with
+// stippling off. A one-pixel line along row 150 from x = 10 to 330 shows the stipple counter
+// starting at the first fragment and reading the pattern from its lowest bit, `factor` pixels a bit.
+TEST_F(Lines, StylesAndStipplesReachThePixels)
+{
+    const uint16_t styles[10] = {0xFFFF, 0xAAAA, 0xCCCC, 0xF0F0, 0xFF00, 0x8888, 0x8080, 0x8181, 0xEEEE, 0x0C0F};
+    std::vector<std::tuple<int32_t, uint16_t, bool>> cases = {{2, 0xFFFF, true}, {2, 0xF0F0, true}};
+    for (int style : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 255, -1, INT_MIN}) {
+        int32_t factor = 0;
+        uint16_t pattern = 0;
+        EXPECT_EQ(getLineStipple(style, &factor, &pattern), 0);
+        EXPECT_EQ(factor, 1) << "style " << style;
+        EXPECT_EQ(pattern, style >= 0 && style < 10 ? styles[style] : 0xFFFF) << "style " << style;
+        cases.emplace_back(factor, pattern, style > 0 && style < 10);
+    }
+    for (const auto& [factor, pattern, stippled] : cases) {
+        SCOPED_TRACE(testing::Message() << "factor " << factor << ", pattern " << std::hex << pattern);
+        glClear(GL_COLOR_BUFFER_BIT);
+        tkLineStipple(factor, pattern);
+        EXPECT_EQ(bool(glIsEnabled(GL_LINE_STIPPLE)), stippled);
+        kvColor4f(1, 1, 1, 1);
+        line(10, 150.5f, 330, 150.5f);
+        const Frame frame = Frame::grab();
+        for (int i = -1; i <= 320; ++i) // and nothing beyond the ends
+            EXPECT_EQ(lit(frame, 10 + i, 150), i >= 0 && i < 320 && (pattern >> (i / factor % 16) & 1)) << i;
+    }
+}
+
+// A horizontal line's thickness in rows, counted in one column.
+TEST_F(Lines, LineScaleMultipliesWidth)
+{
+    for (const auto& [scale, width, rows] : {std::tuple{1.f, 2, 2}, {2.f, 2, 4}, {3.f, 3, 9}}) {
+        glClear(GL_COLOR_BUFFER_BIT);
+        kvSetLineScale(scale);
+        tkLineWidth(width);
+        kvColor4f(1, 1, 1, 1);
+        line(10, 150, 390, 150);
+        EXPECT_EQ(Frame::grab().count(200, 130, 201, 170, kWhite, 100), rows) << scale << " x " << width;
+    }
 }
 
 // One test owns the lookup table, so that it can also see the table of zeros before a host sets one.
 TEST(FastColour, IndexesTheHostTableByTruncatedSteps)
 {
     EXPECT_EQ(getFastRGBcolor(0.5f, 0.5f, 0.5f), 0u) << "no table set yet: zeros";
-    EXPECT_EQ(getFastRGBcolor(1, 1, 1), 0u);
 
     // Static: the layer keeps the pointer after the test.
     static std::vector<uint32_t> table(21 * 21 * 21);
@@ -164,7 +160,6 @@ TEST(FastColour, IndexesTheHostTableByTruncatedSteps)
         table[i] = uint32_t(100000 + i);
     setRgbColorIndex(table.data());
 
-    EXPECT_EQ(getFastRGBcolor(0, 0, 0), 100000u);
     EXPECT_EQ(getFastRGBcolor(1, 1, 1), 100000u + 9260);
     // 10 * 441 + 5 * 21 + 2
     EXPECT_EQ(getFastRGBcolor(0.5f, 0.25f, 0.1f), 100000u + 4517);
@@ -174,6 +169,56 @@ TEST(FastColour, IndexesTheHostTableByTruncatedSteps)
     EXPECT_EQ(getFastRGBcolor(0, 0, 0.35f), 100000u + 7);
     table[441 * 20] = 42;
     EXPECT_EQ(getFastRGBcolor(1, 0, 0), 42u) << "the table is read, not copied";
+}
+
+// The table is fixed: a few rows worked by hand from the rules that made it, bit 7 of a byte
+// its leftmost column, and a digest that holds every other byte of it in place. Patterns are
+// matched back to their numbers by content, so no two may be alike; numbers outside the table
+// give the solid fill.
+TEST(FillPatternTable, KnownRowsDistinctPatternsAndSolidOutsideTheTable)
+{
+    const std::tuple<int, int, std::array<unsigned, 4>> rows[] = {
+        {0, 31, {0xFF, 0xFF, 0xFF, 0xFF}},  // solid
+        {2, 2, {0x33, 0x33, 0x33, 0x33}},   // 2 x 2 chequer, flipped every second row pair
+        {5, 16, {0x00, 0x00, 0xFF, 0xFF}},  // 16 x 16 chequer, lower right half
+        {16, 1, {0x83, 0x83, 0x83, 0x83}},  // three-pixel diagonal moving one column a row
+        {31, 16, {0x00, 0x01, 0x80, 0x00}}, // crossing diagonals meeting mid-row
+        {55, 12, {0x00, 0x0F, 0x00, 0x00}}, // staircase of 4-pixel steps
+        {59, 3, {0x81, 0x00, 0x81, 0x00}},  // the widest row of a diamond
+    };
+    for (const auto& [number, row, bytes] : rows) {
+        const uint8_t* p = getPattern(number) + row * 4;
+        EXPECT_EQ((std::array<unsigned, 4>{p[0], p[1], p[2], p[3]}), bytes) << number << ", row " << row;
+    }
+    uint64_t digest = 14695981039346656037u; // FNV-1a over the patterns in order
+    for (int a = 0; a < kFillPatternCount; ++a) {
+        for (int i = 0; i < kFillPatternBytes; ++i)
+            digest = (digest ^ getPattern(a)[i]) * 1099511628211u;
+        for (int b = a + 1; b < kFillPatternCount; ++b)
+            EXPECT_NE(std::memcmp(getPattern(a), getPattern(b), kFillPatternBytes), 0) << a << " and " << b;
+    }
+    EXPECT_EQ(digest, 5920327559602568973u);
+    for (int number : {60, -1, INT_MIN})
+        EXPECT_EQ(getPattern(number), getPattern(0)) << number;
+}
+
+// Pattern 55 is a staircase: its row 0 holds columns 28..31 only, row 7 columns 0..3. Seen in
+// the window, row 0 is the bottom row and the high bit of the first byte the left column. The
+// bytes decide what is drawn; the number only switches the stipple on or off.
+TEST_F(FillPatterns, RowZeroIsAtTheBottomAndTheBytesDecide)
+{
+    Frame frame = drawPattern(55, getPattern(55));
+    EXPECT_TRUE(lit(frame, 29, 0));
+    EXPECT_FALSE(lit(frame, 2, 0));
+    EXPECT_TRUE(lit(frame, 2, 7));
+    EXPECT_FALSE(lit(frame, 29, 7));
+    EXPECT_TRUE(lit(frame, 29 + 32, 8)) << "the pattern tiles every 32 columns and 8 rows";
+    EXPECT_EQ(frame.count(0, 0, 64, 64, kWhite, 100), 64 * 64 / 8);
+
+    frame = drawPattern(7, getPattern(1));
+    EXPECT_EQ(frame.count(0, 0, 64, 64, kWhite, 100), 2048);
+    EXPECT_TRUE(lit(frame, 1, 0));
+    EXPECT_EQ(drawPattern(0, getPattern(1)).count(0, 0, 64, 64, kWhite, 100), 4096);
 }
 
 } // namespace
