@@ -1,6 +1,6 @@
 // Reading the bodies of every element kind: each kind's box and looks arrive, fonts are made
-// or replaced as the reader decides, pictures reach the picture store, and bodies cut short
-// or garbled load without harm.
+// or replaced as the reader decides, pictures reach the picture store, and bodies of any
+// length keep the stream in step.
 #include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewBuilder.h"
@@ -9,8 +9,6 @@
 
 #include <array>
 #include <cstring>
-#include <functional>
-#include <random>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -20,14 +18,11 @@ using namespace korelgen;
 
 namespace {
 
-using Box = std::array<float, 4>;
-using Colour = std::array<float, 4>;
+using Four = std::array<float, 4>;
 
-RectFields marker()
+Four four(const float* v)
 {
-    RectFields s;
-    s.x0 = 1, s.y0 = 2, s.x1 = 3, s.y1 = 4;
-    return s;
+    return {v[0], v[1], v[2], v[3]};
 }
 
 template <class Record> const Record* recordOf(const ELEMENT_STRUCT* e)
@@ -43,115 +38,6 @@ std::vector<uint8_t> gradient(int width, int height)
     return pixels;
 }
 
-// Samples with values unlike every default, so that a field the reader skips or misplaces
-// shows in the box or the colours the walk starts from.
-GraphFields sampleGraph()
-{
-    GraphFields s;
-    s.x = 11, s.y = 12, s.width = 301, s.height = 151, s.outline[0] = 0.25f, s.grid[1] = 0.125f;
-    return s;
-}
-
-PolyFields samplePoly()
-{
-    PolyFields s;
-    s.closed = 1, s.strokeWidth = 4.5f, s.strokeStyle = 2, s.stroke[2] = 0.5f, s.fillOn = 1, s.fill[0] = 0.25f;
-    s.fillStyle = 5, s.points = {{7, 1, 2}, {3, 30, 4}, {9, 25, 50}, {1, -5, 20}};
-    return s;
-}
-
-// Radii are not stored: the matrix scales a unit shape of radius 100, and angles run clockwise.
-CircleFields sampleCircle(float end)
-{
-    CircleFields s;
-    s.x = 150, s.y = 160, s.end = end, s.matrix[0] = 0.3f, s.matrix[3] = 0.6f;
-    s.strokeWidth = 3.5f, s.strokeStyle = 4, s.stroke[0] = 0.5f, s.fill[3] = 0.5f;
-    return s;
-}
-
-// Unlike a graph's, a text's font is taken as stored whatever its size.
-TextFields sampleText(int kind, const char* family)
-{
-    TextFields s;
-    s.kind = kind, s.x = 70, s.y = 80, s.color[0] = 0.75f, s.align = 3, s.fontFamily = family;
-    s.fontSize = 50, s.text = "Pressure 42";
-    return s;
-}
-
-LineFields sampleLine()
-{
-    LineFields s;
-    s.x1 = 5, s.y1 = 6, s.x2 = 95, s.y2 = 46, s.strokeWidth = 2.5f, s.strokeStyle = 5, s.stroke[1] = 0.25f;
-    return s;
-}
-
-ImageFields sampleImage()
-{
-    ImageFields s;
-    s.x0 = 10, s.y0 = 20, s.x1 = 74, s.y1 = 52, s.tint[2] = 0.5f, s.width = 3, s.height = 2;
-    s.pixels = gradient(3, 2);
-    return s;
-}
-
-ButtonFields sampleButton()
-{
-    ButtonFields s;
-    s.x0 = 200, s.y0 = 10, s.x1 = 260, s.y1 = 40, s.face[0] = 0.125f;
-    return s;
-}
-
-SliderFields sampleSlider()
-{
-    SliderFields s;
-    s.x = 300, s.y = 150, s.width = 24, s.height = 180, s.face[3] = 0.5f;
-    return s;
-}
-
-// A text's box comes from its font: only its centre, the stored anchor, is known here.
-const Box kMeasured = {-1, -1, -1, -1};
-
-struct KindCase {
-    const char* label;
-    uint32_t kind; // as the element holds it after loading
-    std::function<void(ViewBuilder&)> write;
-    Box box;
-    Colour stroke, fill;
-    int lineStyle, lineWidth;
-};
-
-const std::vector<KindCase>& kindCases()
-{
-    const Colour none = {0, 0, 0, 0};
-    static const std::vector<KindCase> cases = {
-        // A graph's outline and grid colours are what colour actions reach.
-        {"graph", KR_GRAPH, [](ViewBuilder& b) { b.graph(sampleGraph()); }, {11, 12, 312, 163}, {0.25f, 1, 1, 1},
-         {0.5f, 0.125f, 0.25f, 1}, 0, 0},
-        {"polyline", KR_POLYLINE, [](ViewBuilder& b) { b.polyline(samplePoly()); }, {-5, 2, 30, 50},
-         {1, 1, 0.5f, 1}, {0.25f, 1, 0, 1}, 2, 4},
-        {"closed polygon", KR_CPOLY, [](ViewBuilder& b) { b.cpoly(samplePoly()); }, {-5, 2, 30, 50},
-         {1, 1, 0.5f, 1}, {0.25f, 1, 0, 1}, 2, 4},
-        {"circle", KR_CIRCLE, [](ViewBuilder& b) { b.circle(sampleCircle(6.2831855f)); }, {120, 100, 180, 220},
-         {0.5f, 1, 1, 1}, {1, 1, 0.5f, 0.5f}, 4, 3},
-        // A quarter from 0 to 90 degrees, clockwise, with the centre in its box.
-        {"arc", KR_ARC, [](ViewBuilder& b) { b.arc(sampleCircle(1.5707964f)); }, {150, 100, 180, 160},
-         {0.5f, 1, 1, 1}, {1, 1, 0.5f, 0.5f}, 4, 3},
-        // A text's width and style are not stored: the created record's 1 and solid stay.
-        {"text", KR_TEXT, [](ViewBuilder& b) { b.text(sampleText(4, "Courier [fixed]")); }, kMeasured,
-         {0.75f, 1, 1, 1}, none, 0, 1},
-        {"old text code", KR_TEXT, [](ViewBuilder& b) { b.text(sampleText(10, "Arial")); }, kMeasured,
-         {0.75f, 1, 1, 1}, none, 0, 1},
-        {"line", KR_LINE, [](ViewBuilder& b) { b.line(sampleLine()); }, {5, 6, 95, 46}, {0.5f, 0.25f, 0.5f, 1},
-         none, 5, 2},
-        {"image", KR_IMAGE, [](ViewBuilder& b) { b.image(sampleImage()); }, {10, 20, 74, 52}, none,
-         {1, 1, 0.5f, 1}, 0, 0},
-        {"button", KR_BUTTON, [](ViewBuilder& b) { b.button(sampleButton()); }, {200, 10, 260, 40}, none,
-         {0.125f, 0.7f, 0.7f, 1}, 0, 0},
-        {"slider", KR_SLIDER, [](ViewBuilder& b) { b.slider(sampleSlider()); }, {288, 60, 312, 240}, none,
-         {0.5f, 0.5f, 0.5f, 0.5f}, 0, 0},
-    };
-    return cases;
-}
-
 ViewBuilder page(int revision = 303)
 {
     ViewBuilder b(revision / 100, revision % 100);
@@ -159,28 +45,78 @@ ViewBuilder page(int revision = 303)
     return b;
 }
 
-std::array<float, 4> four(const float* v)
+// A small rectangle after a body: a body read one word too short or too long shows as a lost
+// or garbled marker.
+ViewBuilder& marker(ViewBuilder& b, const char* name = "after")
 {
-    return {v[0], v[1], v[2], v[3]};
+    return b.rect(RectFields{1, 2, 3, 4}, name);
 }
 
-// Every kind once, each followed by a marker rectangle, so that a body read one word too
-// short or too long shows as a lost or garbled marker.
+// Every kind once with values unlike every default, each followed by a marker named after it,
+// so that a field the reader skips or misplaces shows in the box or the colours.
+ViewBuilder everyKind(int revision)
+{
+    ViewBuilder b = page(revision);
+    GraphFields graph;
+    graph.x = 11, graph.y = 12, graph.width = 301, graph.height = 151, graph.outline[0] = 0.25f, graph.grid[1] = 0.125f;
+    marker(b.graph(graph), "graph");
+    PolyFields poly;
+    poly.closed = 1, poly.strokeWidth = 4.5f, poly.strokeStyle = 2, poly.stroke[2] = 0.5f, poly.fill[0] = 0.25f;
+    poly.fillOn = 1, poly.fillStyle = 5, poly.points = {{7, 1, 2}, {3, 30, 4}, {9, 25, 50}, {1, -5, 20}};
+    marker(marker(b.polyline(poly), "polyline").cpoly(poly), "closed polygon");
+    // Radii are not stored: the matrix scales a unit shape of radius 100, and angles run clockwise.
+    CircleFields circle;
+    circle.x = 150, circle.y = 160, circle.matrix[0] = 0.3f, circle.matrix[3] = 0.6f;
+    circle.strokeWidth = 3.5f, circle.strokeStyle = 4, circle.stroke[0] = 0.5f, circle.fill[3] = 0.5f;
+    marker(b.circle(circle), "circle");
+    circle.end = 1.5707964f;
+    marker(b.arc(circle), "arc");
+    // Unlike a graph's, a text's font is taken as stored whatever its size.
+    TextFields text;
+    text.x = 70, text.y = 80, text.color[0] = 0.75f, text.align = 3, text.fontSize = 50, text.text = "Pressure 42";
+    text.fontFamily = "Courier [fixed]";
+    marker(b.text(text), "text");
+    text.kind = 10, text.fontFamily = "Arial";
+    marker(b.text(text), "old text code");
+    marker(b.line({5, 6, 95, 46, 2.5f, 5, {0.5f, 0.25f, 0.5f, 1}}), "line");
+    marker(b.image({10, 20, 74, 52, {1, 1, 0.5f, 1}, 3, 2, 0, gradient(3, 2)}), "image");
+    marker(b.button({200, 10, 260, 40, {0.125f, 0.7f, 0.7f, 1}}), "button");
+    return marker(b.slider({300, 150, 24, 180, {0.5f, 0.5f, 0.5f, 0.5f}}), "slider");
+}
+
 TEST(ElementBodies, EveryKindArrivesWithItsBoxAndLooks)
 {
+    // A text's box comes from its font: only its centre, the stored anchor, is known here.
+    const Four measured = {-1, -1, -1, -1}, none = {0, 0, 0, 0};
+    const struct {
+        const char* label;
+        uint32_t kind;
+        Four box, stroke, fill;
+        int lineStyle, lineWidth;
+    } cases[] = {
+        // A graph's outline and grid colours are what colour actions reach.
+        {"graph", KR_GRAPH, {11, 12, 312, 163}, {0.25f, 1, 1, 1}, {0.5f, 0.125f, 0.25f, 1}, 0, 0},
+        {"polyline", KR_POLYLINE, {-5, 2, 30, 50}, {1, 1, 0.5f, 1}, {0.25f, 1, 0, 1}, 2, 4},
+        {"closed polygon", KR_CPOLY, {-5, 2, 30, 50}, {1, 1, 0.5f, 1}, {0.25f, 1, 0, 1}, 2, 4},
+        {"circle", KR_CIRCLE, {120, 100, 180, 220}, {0.5f, 1, 1, 1}, {1, 1, 0.5f, 0.5f}, 4, 3},
+        // A quarter from 0 to 90 degrees, clockwise, with the centre in its box.
+        {"arc", KR_ARC, {150, 100, 180, 160}, {0.5f, 1, 1, 1}, {1, 1, 0.5f, 0.5f}, 4, 3},
+        // A text's width and style are not stored: the created record's 1 and solid stay.
+        {"text", KR_TEXT, measured, {0.75f, 1, 1, 1}, none, 0, 1},
+        {"old text code", KR_TEXT, measured, {0.75f, 1, 1, 1}, none, 0, 1},
+        {"line", KR_LINE, {5, 6, 95, 46}, {0.5f, 0.25f, 0.5f, 1}, none, 5, 2},
+        {"image", KR_IMAGE, {10, 20, 74, 52}, none, {1, 1, 0.5f, 1}, 0, 0},
+        {"button", KR_BUTTON, {200, 10, 260, 40}, none, {0.125f, 0.7f, 0.7f, 1}, 0, 0},
+        {"slider", KR_SLIDER, {288, 60, 312, 240}, none, {0.5f, 0.5f, 0.5f, 0.5f}, 0, 0},
+    };
     for (int revision : {303, 304}) {
-        ViewBuilder b = page(revision);
-        for (const KindCase& c : kindCases()) {
-            c.write(b);
-            b.rect(marker(), c.label);
-        }
-        LoadedView loaded(b);
+        LoadedView loaded(everyKind(revision));
         const ELEMENT_STRUCT* e = loaded.first();
-        for (const KindCase& c : kindCases()) {
+        for (const auto& c : cases) {
             SCOPED_TRACE(std::string(c.label) + " at revision " + std::to_string(revision));
             ASSERT_NE(e, nullptr);
             EXPECT_EQ(e->type, c.kind);
-            if (c.box == kMeasured) {
+            if (c.box == measured) {
                 const TEXT_STRUCT* t = recordOf<TEXT_STRUCT>(e);
                 EXPECT_EQ(std::make_tuple(e->x, e->y, t->fontSize), std::make_tuple(70.0f, 80.0f, 50));
                 EXPECT_STREQ(e->attr.text, "Pressure 42");
@@ -189,14 +125,13 @@ TEST(ElementBodies, EveryKindArrivesWithItsBoxAndLooks)
             } else {
                 EXPECT_EQ(four(e->bounds), c.box);
             }
-            EXPECT_EQ(four(e->attr.strokeColor), c.stroke);
-            EXPECT_EQ(four(e->attr.fillColor), c.fill);
-            EXPECT_EQ(e->attr.lineStyle, c.lineStyle);
-            EXPECT_EQ(e->attr.lineWidth, c.lineWidth);
+            EXPECT_EQ(std::make_tuple(four(e->attr.strokeColor), four(e->attr.fillColor), e->attr.lineStyle,
+                                      e->attr.lineWidth),
+                      std::make_tuple(c.stroke, c.fill, c.lineStyle, c.lineWidth));
             const ELEMENT_STRUCT* m = e->next;
             ASSERT_NE(m, nullptr);
             EXPECT_STREQ(m->name, c.label);
-            EXPECT_EQ(four(m->bounds), (Box{1, 2, 3, 4}));
+            EXPECT_EQ(four(m->bounds), (Four{1, 2, 3, 4}));
             e = m->next;
         }
         EXPECT_EQ(e, nullptr);
@@ -205,73 +140,69 @@ TEST(ElementBodies, EveryKindArrivesWithItsBoxAndLooks)
 
 TEST(ElementBodies, GraphFontOutsideTheUsableRangeFallsBack)
 {
-    struct Case {
+    const struct {
         std::string family;
         int style, size;
         bool stands;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"Helvetica [fixed]", 1, 0, false}, {"Helvetica [fixed]", 1, 41, false}, {"Helvetica [fixed]", 5, 10, false},
         {"", 1, 10, false},                 {"Helvetica [fixed]", -1, 10, false}, {"Helvetica [fixed]", 1, 40, true},
         {"Helvetica [fixed]", 4, 1, true},  {"Arial", 2, 18, true},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        SCOPED_TRACE("\"" + c.family + "\" style " + std::to_string(c.style) + " size " + std::to_string(c.size));
         GraphFields s;
         s.fontFamily = c.family, s.fontStyle = c.style, s.fontSize = c.size;
         ViewBuilder b = page();
-        LoadedView loaded(b.graph(s).rect(marker(), "after"));
+        LoadedView loaded(marker(b.graph(s)));
         ASSERT_EQ(countElements(loaded.first()), 2);
         const GRAPH_STRUCT* g = recordOf<GRAPH_STRUCT>(loaded.first());
-        SCOPED_TRACE("\"" + c.family + "\" style " + std::to_string(c.style) + " size " + std::to_string(c.size));
         EXPECT_STREQ(g->fontFamily, c.stands ? c.family.c_str() : "Courier [fixed]");
-        EXPECT_EQ(g->fontStyle, c.stands ? c.style : 1);
-        EXPECT_EQ(g->fontSize, c.stands ? c.size : 12);
+        EXPECT_EQ(std::make_pair(g->fontStyle, g->fontSize), c.stands ? std::make_pair(c.style, c.size) : std::make_pair(1, 12));
         EXPECT_NE(g->font, 0u);
         // The font is made before the fixed label ranges, which follow it undisturbed.
         EXPECT_FLOAT_EQ(g->labelYmax, 100);
     }
 }
 
-// Texts up to the 255-character field, beyond it (cut), and empty; a marker after each.
-TEST(ElementBodies, TextLengthsKeepTheStreamInStep)
+// Texts up to the 255-character field, beyond it (cut) and empty, and a picture and a polygon
+// with nothing in them take no bytes beyond their own; a marker after each.
+TEST(ElementBodies, BodiesOfAnyLengthKeepTheStreamInStep)
 {
     const std::string texts[] = {"", std::string(255, 'e'), std::string(300, 'x')};
     ViewBuilder b = page();
     for (const std::string& text : texts) {
         TextFields s;
         s.text = text;
-        b.text(s).rect(marker(), "after");
+        marker(b.text(s));
     }
-    LoadedView loaded(b);
-    ASSERT_EQ(countElements(loaded.first()), 6);
+    PolyFields empty;
+    empty.points.clear();
+    LoadedView loaded(marker(marker(b.image(ImageFields())).cpoly(empty)));
+    std::vector<std::string> names;
+    for (const ELEMENT_STRUCT* e = loaded.first(); e; e = e->next)
+        names.push_back(e->name);
+    EXPECT_EQ(names, (std::vector<std::string>{"text", "after", "text", "after", "text", "after", "image", "after",
+                                               "cpoly", "after"}));
+    ASSERT_EQ(names.size(), 10u);
     const ELEMENT_STRUCT* e = loaded.first();
     for (const std::string& text : texts) {
         EXPECT_EQ(recordOf<TEXT_STRUCT>(e)->text, text.substr(0, 255)) << text.size();
-        EXPECT_STREQ(e->next->name, "after") << text.size();
         e = e->next->next;
     }
-}
-
-TEST(ElementBodies, EmptyPicturesAndPolygonsTakeNoBytes)
-{
-    PolyFields none;
-    none.points.clear();
-    ViewBuilder b = page();
-    LoadedView loaded(b.image(ImageFields()).cpoly(none).rect(marker(), "after"));
-    ASSERT_EQ(countElements(loaded.first()), 3);
-    EXPECT_LE(recordOf<IMAGE_STRUCT>(loaded.first())->texture, 0);
-    EXPECT_EQ(recordOf<POLY_STRUCT>(loaded.first()->next)->coords, nullptr);
-    EXPECT_STREQ(loaded.first()->next->next->name, "after");
+    EXPECT_LE(recordOf<IMAGE_STRUCT>(e)->texture, 0);
+    EXPECT_EQ(recordOf<POLY_STRUCT>(e->next->next)->coords, nullptr);
 }
 
 TEST(ElementBodies, PicturesLeaveTheStoreWithTheirElement)
 {
+    const ImageFields picture = {10, 20, 74, 52, {1, 1, 1, 1}, 3, 2, 0, gradient(3, 2)};
     ViewBuilder b = page();
-    LoadedView loaded(b.image(sampleImage()).image(sampleImage()));
+    LoadedView loaded(b.image(picture).image(picture));
     const int first = recordOf<IMAGE_STRUCT>(loaded.first())->texture;
     const int second = recordOf<IMAGE_STRUCT>(loaded.first()->next)->texture;
     EXPECT_NE(first, second);
-    EXPECT_EQ(0, memcmp(txData(second), gradient(3, 2).data(), 24));
+    EXPECT_EQ(0, memcmp(txData(second), picture.pixels.data(), 24));
     elementDelete(loaded.view->elements, &loaded.view->elements);
     EXPECT_EQ(txData(first), nullptr);
     EXPECT_NE(txData(second), nullptr);
@@ -282,18 +213,17 @@ TEST(ElementBodies, PicturesLeaveTheStoreWithTheirElement)
 
 TEST(PictureStore, CopiesPixelsAndNeverReusesIds)
 {
-    const std::vector<uint8_t> pixels = gradient(2, 2);
+    std::vector<uint8_t> pixels = gradient(2, 2);
     EXPECT_EQ(txCreate(0, 5, pixels.data()), -1);
     EXPECT_EQ(txCreate(5, -1, pixels.data()), -1);
     EXPECT_EQ(txCreate(1, 1, nullptr), -1);
     const int a = txCreate(2, 2, pixels.data());
     ASSERT_GT(a, 0);
-    std::vector<uint8_t> changed = pixels;
-    changed[0] ^= 0xFF;
-    const int b = txCreate(2, 2, changed.data());
+    const std::vector<uint8_t> stored = pixels;
+    pixels.assign(pixels.size(), 0);
+    EXPECT_EQ(0, memcmp(txData(a), stored.data(), stored.size()));
+    const int b = txCreate(1, 1, pixels.data());
     EXPECT_EQ(b, a + 1);
-    EXPECT_EQ(0, memcmp(txData(a), pixels.data(), pixels.size()));
-    EXPECT_EQ(txData(b)[0], changed[0]);
     EXPECT_EQ(txDelete(a), 0);
     EXPECT_EQ(txDelete(a), -1);
     EXPECT_EQ(txDelete(-3), -1);
@@ -312,12 +242,11 @@ TEST(ElementBodiesRobustness, HugeCountsAndSizesEndSoftly)
     huge.pixels = gradient(4, 4);
     for (int side : {60000, 0x7FFFFFFF}) {
         huge.width = huge.height = side;
-        ViewBuilder image = page();
-        LoadedView a(image.image(huge).rect(marker()));
-        ASSERT_EQ(countElements(a.first()), 1) << side;
-        EXPECT_LE(recordOf<IMAGE_STRUCT>(a.first())->texture, 0) << side;
+        ViewBuilder b = page();
+        LoadedView loaded(marker(b.image(huge)));
+        ASSERT_EQ(countElements(loaded.first()), 1) << side;
+        EXPECT_LE(recordOf<IMAGE_STRUCT>(loaded.first())->texture, 0) << side;
     }
-
     // Two billion points promised, three stored: the three are kept.
     PolyFields many;
     many.storedCount = 2000000000;
@@ -325,38 +254,12 @@ TEST(ElementBodiesRobustness, HugeCountsAndSizesEndSoftly)
     LoadedView c(points.cpoly(many));
     ASSERT_EQ(countElements(c.first()), 1);
     EXPECT_EQ(countList(recordOf<POLY_STRUCT>(c.first())->coords), 3);
-
     // A text length no file can hold: it stands before "Text", its zero and the action count.
     ViewBuilder text = page();
     std::vector<uint8_t> bytes = text.text(TextFields()).bytes();
     bytes[bytes.size() - 4 - 5 - 4] = 0x7F;
     LoadedView d(bytes);
-    ASSERT_EQ(countElements(d.first()), 1);
-}
-
-// One file per kind, so that each cut and each garbled byte meets that kind's body.
-TEST(ElementBodiesRobustness, EveryKindCutOrGarbledLoadsWhatItHolds)
-{
-    std::mt19937 random(4321);
-    for (const KindCase& c : kindCases()) {
-        SCOPED_TRACE(c.label);
-        ViewBuilder b = page();
-        c.write(b);
-        const std::vector<uint8_t> whole = b.rect(marker(), "after").bytes();
-        int previous = 0;
-        for (size_t n = 38; n <= whole.size(); ++n) {
-            LoadedView loaded(std::vector<uint8_t>(whole.begin(), whole.begin() + long(n)));
-            ASSERT_NE(loaded.view, nullptr) << n;
-            const int count = countElements(loaded.first());
-            EXPECT_GE(count, previous) << n;
-            previous = count;
-        }
-        EXPECT_EQ(previous, 2);
-        for (int round = 0; round < 200; ++round) {
-            LoadedView loaded(withGarbledBytes(whole, random));
-            ASSERT_NE(loaded.view, nullptr) << round;
-        }
-    }
+    EXPECT_EQ(countElements(d.first()), 1);
 }
 
 } // namespace
