@@ -24,6 +24,13 @@ namespace {
 
 constexpr size_t kHeaderSize = 38; // magic text and revision
 
+ViewBuilder page()
+{
+    ViewBuilder b;
+    b.page(0, 0, 400, 300, 0, 0, 0);
+    return b;
+}
+
 // An action of `type` with `entries` thresholds in threshold block `block`. Threshold values
 // are zero, so that no small integers stand outside the counts and sizes.
 ActionFields banded(int type, int block, int entries = 3)
@@ -50,8 +57,7 @@ SourceFields source(int id, int variables, int capacity)
 // (about a millisecond): they come last so that most cuts don't pay for them.
 std::vector<uint8_t> everyKindPanel(bool withFonts = true)
 {
-    ViewBuilder b;
-    b.page(0, 0, 400, 300, 0, 0, 0);
+    ViewBuilder b = page();
     b.actions({banded(KR_ACTION_MOVE_X, KR_THRESHOLDS_COLOR), banded(KR_ACTION_FILL_COLOR, KR_THRESHOLDS_COLOR)})
         .rect(RectFields(), "lamp");
     b.beginGroup(10, "gauges");
@@ -166,8 +172,8 @@ TEST(DamagedFiles, StrokeWidthsOfNoNumberStartAndStop)
         LineFields line;
         PolyFields poly;
         rect.strokeWidth = circle.strokeWidth = line.strokeWidth = poly.strokeWidth = width;
-        ViewBuilder b;
-        b.page(0, 0, 400, 300, 0, 0, 0).rect(rect).circle(circle).arc(circle).line(line).polyline(poly);
+        ViewBuilder b = page();
+        b.rect(rect).circle(circle).arc(circle).line(line).polyline(poly);
         poly.closed = poly.fillOn = 1;
         LoadedView loaded(b.cpoly(poly).dataSection());
         ASSERT_NE(loaded.view, nullptr);
@@ -177,12 +183,65 @@ TEST(DamagedFiles, StrokeWidthsOfNoNumberStartAndStop)
     }
 }
 
+// Counts and sizes that no small file can hold, each where the reader must trust or refuse
+// one: loading ends softly, with what was read before it.
+TEST(DamagedFiles, HugeCountsInASmallFileKeepWhatWasRead)
+{
+    const int32_t huge = 2000000000;
+    ImageFields picture, wider;
+    picture.width = picture.height = 60000;
+    wider.width = wider.height = 0x7FFFFFFF; // sides whose product fits no integer
+    picture.pixels = wider.pixels = std::vector<uint8_t>(64, 0x80);
+    PolyFields points;
+    points.storedCount = huge;
+    std::vector<uint8_t> text = page().text(TextFields()).bytes();
+    text[text.size() - 4 - 5 - 4] = 0x7F; // the length, before "Text", its zero and the action count
+    std::vector<uint8_t> blink = page().actions({banded(KR_ACTION_MOVE_X, KR_THRESHOLDS_BLINK)}).rect({}).bytes();
+    blink[blink.size() - 4 - 3 * 24] = 0x7F; // the count of the last block, before its three entries
+    ViewBuilder deep = page(), actions = page();
+    for (int i = 0; i < 100000; ++i)
+        deep.beginGroup(1);
+    actions.rect({}).integer(1).counted("lots").counted("lots-ID");
+    for (int i = 0; i < 8 * 2 + 9; ++i)
+        actions.integer(0);
+    const struct {
+        const char* label;
+        std::vector<uint8_t> bytes;
+        std::array<int, 4> held; // elements, actions, sources, variables
+    } cases[] = {
+        {"group's children", page().beginGroup(huge).rect({}).bytes(), {2, 0, 0, 0}},
+        {"nesting far deeper than any drawn view: 200 groups and the one that stops it", deep.bytes(),
+         {201, 0, 0, 0}},
+        {"name length", page().integer(1).integer(0x7FFFFFFF).fixed("x", 100).bytes(), {1, 0, 0, 0}},
+        {"picture size", page().image(picture).rect({}).bytes(), {1, 0, 0, 0}},
+        {"picture size past any integer", page().image(wider).rect({}).bytes(), {1, 0, 0, 0}},
+        {"points, three stored", page().cpoly(points).bytes(), {1, 0, 0, 0}},
+        {"text length", text, {1, 0, 0, 0}},
+        {"actions", actions.integer(huge).bytes(), {2, 0, 0, 0}},
+        {"thresholds", blink, {1, 1, 0, 0}},
+        {"sources", page().dataSection({source(5, 0, 64)}).integer(20).integer(huge).integer(6).integer(0)
+                        .integer(0).integer(0).bytes(), {0, 0, 2, 0}},
+        {"parameters and variables", page().integer(20).integer(3).integer(7).integer(0).integer(huge).integer(0)
+                                         .integer(8).integer(0).integer(0).integer(huge).integer(0)
+                                         .fixed("only", 64).fixed("", 64).integer(9).integer(huge).bytes(),
+         {0, 0, 2, 1}},
+        {"parameter text", page().integer(20).integer(1).integer(1).integer(0).integer(1).integer(1).integer(0)
+                               .fixed("v", 64).fixed("", 64).integer(3).integer(huge).fixed("short", 16).bytes(),
+         {0, 0, 1, 1}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        LoadedView loaded(c.bytes);
+        ASSERT_NE(loaded.view, nullptr);
+        EXPECT_EQ(holdings(loaded.view), c.held);
+    }
+}
+
 // Nearly a megabyte sized from stored counts: picture, long polygons, hundreds of thresholds,
 // many wide variables. Names of 3 and ids of 7 characters keep fields on the 4-byte grid.
 std::vector<uint8_t> largePanel()
 {
-    ViewBuilder b;
-    b.page(0, 0, 1024, 768, 0, 0, 0);
+    ViewBuilder b = page();
     ImageFields picture;
     picture.width = picture.height = 352;
     picture.pixels.assign(352 * 352 * 4, 0x80);

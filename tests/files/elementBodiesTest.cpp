@@ -234,32 +234,4 @@ TEST(PictureStore, CopiesPixelsAndNeverReusesIds)
     txDelete(c);
 }
 
-TEST(ElementBodiesRobustness, HugeCountsAndSizesEndSoftly)
-{
-    // 60000 x 60000 pixels promised in a file of a few hundred bytes, then the largest sizes
-    // whose product fits no integer: no picture, and the marker is not misread.
-    ImageFields huge;
-    huge.pixels = gradient(4, 4);
-    for (int side : {60000, 0x7FFFFFFF}) {
-        huge.width = huge.height = side;
-        ViewBuilder b = page();
-        LoadedView loaded(marker(b.image(huge)));
-        ASSERT_EQ(countElements(loaded.first()), 1) << side;
-        EXPECT_LE(recordOf<IMAGE_STRUCT>(loaded.first())->texture, 0) << side;
-    }
-    // Two billion points promised, three stored: the three are kept.
-    PolyFields many;
-    many.storedCount = 2000000000;
-    ViewBuilder points = page();
-    LoadedView c(points.cpoly(many));
-    ASSERT_EQ(countElements(c.first()), 1);
-    EXPECT_EQ(countList(recordOf<POLY_STRUCT>(c.first())->coords), 3);
-    // A text length no file can hold: it stands before "Text", its zero and the action count.
-    ViewBuilder text = page();
-    std::vector<uint8_t> bytes = text.text(TextFields()).bytes();
-    bytes[bytes.size() - 4 - 5 - 4] = 0x7F;
-    LoadedView d(bytes);
-    EXPECT_EQ(countElements(d.first()), 1);
-}
-
 } // namespace

@@ -33,63 +33,52 @@ std::string takeLog()
 
 RectFields square(float x, float y, float size)
 {
-    RectFields s;
-    s.x0 = x, s.y0 = y, s.x1 = x + size, s.y1 = y + size;
-    return s;
+    return {x, y, x + size, y + size};
 }
 
 // A panel with every structure the reader knows: top-level rectangles, nested groups, a clip.
 ViewBuilder samplePanel()
 {
     ViewBuilder b;
-    b.page(10, 20, 640, 480, 0.2f, 0.3f, 0.4f);
-    b.rect(square(0, 0, 50), "first");
-    b.beginGroup(2, "outer");
-    b.rect(square(100, 100, 20), "a");
-    b.beginGroup(2, "inner").rect(square(200, 150, 10), "b").scissor(190, 140, 230, 180).endGroup();
-    b.endGroup();
-    b.bodiless(9, "nobody");
-    b.rect(square(300, 300, 5), "last");
-    b.dataSection();
+    b.page(10, 20, 640, 480, 0.2f, 0.3f, 0.4f).rect(square(0, 0, 50), "first");
+    b.beginGroup(2, "outer").rect(square(100, 100, 20), "a");
+    b.beginGroup(2, "inner").rect(square(200, 150, 10), "b").scissor(190, 140, 230, 180).endGroup().endGroup();
+    b.bodiless(9, "nobody").rect(square(300, 300, 5), "last").dataSection();
     return b;
 }
 
-TEST(ViewFileHeader, WrongMagicAndMissingFilesAreRefusedWithMessage)
+// Only the first nine bytes of the magic text and the two revision integers count; another
+// revision gives an empty view whose page was not read either.
+TEST(ViewFileHeader, MagicAndRevisionDecideWhatIsRead)
 {
-    takeLog();
-    ViewBuilder b(3, 3, "VIEW FILF 3.3");
-    EXPECT_EQ(LoadedView(b.page(0, 0, 100, 100, 0, 0, 0)).view, nullptr);
-    EXPECT_EQ(takeLog(), "wrong file format\n");
+    const struct {
+        const char* magic;
+        int revision, elements, width;
+        std::string log;
+    } cases[] = {
+        {"VIEW FILF 3.3", 303, -1, 0, "wrong file format\n"},
+        {"VIEW FILE 9.9 and anything else", 303, 1, 300, ""},
+        {"VIEW FILE 3.3\n", 117, 0, 0, "loadFile: rev 117 not supported\n"},
+        {"VIEW FILE 3.3\n", 205, 0, 0, "loadFile: rev 205 not supported\n"},
+        {"VIEW FILE 3.3\n", 305, 0, 0, "loadFile: rev 305 not supported\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.magic) + " revision " + std::to_string(c.revision));
+        takeLog();
+        ViewBuilder b(c.revision / 100, c.revision % 100, c.magic);
+        LoadedView loaded(b.page(1, 2, 300, 200, 1, 0, 0).rect(square(0, 0, 10)));
+        EXPECT_EQ(takeLog(), c.log);
+        EXPECT_EQ(loaded.view != nullptr, c.elements >= 0);
+        if (loaded.view)
+            EXPECT_EQ(std::make_pair(countElements(loaded.first()), krViewWidth(loaded.view)),
+                      std::make_pair(c.elements, c.width));
+    }
     EXPECT_EQ(krViewLoad("/nonexistent/view.k2d"), nullptr);
     EXPECT_EQ(takeLog(), "cannot open file /nonexistent/view.k2d\n");
     EXPECT_EQ(krViewLoad(nullptr), nullptr);
 }
 
-TEST(ViewFileHeader, OnlyTheFirstNineBytesAndTheTwoIntegersCount)
-{
-    ViewBuilder b(3, 3, "VIEW FILE 9.9 and anything else");
-    b.page(1, 2, 300, 200, 1, 0, 0).rect(square(0, 0, 10));
-    LoadedView loaded(b);
-    ASSERT_NE(loaded.view, nullptr);
-    EXPECT_EQ(countElements(loaded.view->elements), 1);
-    EXPECT_FLOAT_EQ(loaded.view->width, 300);
-}
-
-TEST(ViewFileRevisions, UnsupportedRevisionsGiveAnEmptyView)
-{
-    for (int revision : {117, 205, 305}) {
-        takeLog();
-        ViewBuilder b(revision / 100, revision % 100);
-        b.page(0, 0, 100, 100, 1, 1, 1).rect(square(0, 0, 10));
-        LoadedView loaded(b);
-        ASSERT_NE(loaded.view, nullptr) << revision;
-        EXPECT_EQ(loaded.view->elements, nullptr);
-        EXPECT_EQ(krViewWidth(loaded.view), 0); // the page fields were not read either
-        EXPECT_EQ(takeLog(), "loadFile: rev " + std::to_string(revision) + " not supported\n");
-    }
-}
-
-TEST(ViewFileRevisions, Revision304ReadsAs303WithProgressAtLevelThree)
+TEST(ViewFileHeader, Revision304ReadsAs303WithProgressAtLevelThree)
 {
     setLogLevel(3);
     takeLog();
@@ -118,8 +107,7 @@ TEST(ViewFileContent, PageAndTreeAsStored)
         topLevel.push_back(e->name);
     EXPECT_EQ(topLevel, (std::vector<std::string>{"first", "outer", "nobody", "last"}));
     const ELEMENT_STRUCT* outer = v->elements->next;
-    EXPECT_EQ(outer->next->type, 9u);
-    EXPECT_EQ(outer->next->data, nullptr);
+    EXPECT_EQ(std::make_pair(outer->next->type, outer->next->data), std::make_pair(9u, (void*)nullptr));
     EXPECT_EQ(std::vector<float>(outer->bounds, outer->bounds + 4), (std::vector<float>{100, 100, 230, 180}));
     EXPECT_EQ(std::make_pair(outer->x, outer->y), std::make_pair(165.0f, 140.0f));
     const ELEMENT_STRUCT* inner = outer->child->next;
@@ -131,44 +119,40 @@ TEST(ViewFileContent, NamesAtAndBeyondTheirFieldKeepTheStreamInStep)
 {
     ViewBuilder b;
     b.page(0, 0, 100, 100, 0, 0, 0);
-    std::string name64(64, 'n');  // stored with 64 bytes: the last one is forced to zero
-    std::string id300(299, 'i');  // 300 bytes, beyond the 256-byte field
-    b.integer(1).integer(64).fixed(name64, 64).counted(id300);
+    // A name stored with 64 bytes, the last forced to zero, and an id of 300 beyond its 256.
+    b.integer(1).integer(64).fixed(std::string(64, 'n'), 64).counted(std::string(299, 'i'));
     b.real(0).real(0).real(0).real(10).real(10).real(10).real(10).real(0);
     b.integer(0).real(1).integer(0).real(1).real(1).real(1).real(1).integer(1).real(1).real(0).real(0).real(1);
     b.integer(0).integer(0).integer(0).integer(0).integer(0).integer(0);
-    b.rect(square(20, 20, 10), "second");
-    LoadedView loaded(b);
-    ASSERT_NE(loaded.view, nullptr);
-    const ELEMENT_STRUCT* e = loaded.view->elements;
-    EXPECT_EQ(strlen(e->name), 63u);
-    EXPECT_EQ(strlen(e->id), 255u);
+    LoadedView loaded(b.rect(square(20, 20, 10), "second"));
+    ASSERT_NE(loaded.first(), nullptr);
+    const ELEMENT_STRUCT* e = loaded.first();
+    EXPECT_EQ(std::make_pair(strlen(e->name), strlen(e->id)), std::make_pair(size_t(63), size_t(255)));
     ASSERT_NE(e->next, nullptr);
     EXPECT_STREQ(e->next->name, "second");
 }
 
 TEST(ViewFileContent, EndsAndMarkers)
 {
-    struct Case {
+    const struct {
         const char* label;
         std::function<void(ViewBuilder&)> write;
         int elements;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"ends after the page", [](ViewBuilder&) {}, 0},
         {"no marker 20 at all", [](ViewBuilder& b) { b.rect(square(0, 0, 1)).rect(square(0, 0, 2)); }, 2},
         {"a kind of -1 ends it", [](ViewBuilder& b) { b.rect(square(0, 0, 1)).integer(-1).rect(square(0, 0, 2)); }, 1},
         {"elements on both sides of a data section, and an empty group",
          [](ViewBuilder& b) { b.rect(square(0, 0, 1)).dataSection().beginGroup(0).endGroup(); }, 2},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
         ViewBuilder b;
-        b.page(0, 0, 50, 60, 0, 0, 0);
-        c.write(b);
+        c.write(b.page(0, 0, 50, 60, 0, 0, 0));
         LoadedView loaded(b);
-        ASSERT_NE(loaded.view, nullptr) << c.label;
-        EXPECT_EQ(countElements(loaded.first()), c.elements) << c.label;
-        EXPECT_EQ(krViewHeight(loaded.view), 60) << c.label;
+        ASSERT_NE(loaded.view, nullptr);
+        EXPECT_EQ(countElements(loaded.first()), c.elements);
+        EXPECT_EQ(krViewHeight(loaded.view), 60);
     }
 }
 
@@ -177,33 +161,8 @@ TEST(ViewFileContent, ConfigurationOnly)
     TempFile file(samplePanel().bytes());
     VIEW_STRUCT config = {};
     EXPECT_EQ(loadConfigFile(file.path().c_str(), &config), 0);
-    EXPECT_FLOAT_EQ(config.width, 640);
-    EXPECT_FLOAT_EQ(config.pageColor[1], 0.3f);
-    EXPECT_EQ(config.elements, nullptr);
+    EXPECT_EQ(std::make_tuple(config.width, config.pageColor[1], config.elements), std::make_tuple(640.0f, 0.3f, nullptr));
     EXPECT_LT(loadConfigFile("/nonexistent/view.k2d", &config), 0);
-}
-
-TEST(ViewFileRobustness, HugeCountsAndDeepNestingEndSoftly)
-{
-    ViewBuilder huge;
-    huge.page(0, 0, 100, 100, 0, 0, 0).beginGroup(2000000000).rect(square(0, 0, 5));
-    LoadedView a(huge);
-    ASSERT_NE(a.view, nullptr);
-    EXPECT_EQ(countElements(a.view->elements), 2);
-
-    // Far deeper than any drawn view: the reader must neither recurse without bound nor crash.
-    ViewBuilder deep;
-    deep.page(0, 0, 100, 100, 0, 0, 0);
-    for (int i = 0; i < 100000; ++i)
-        deep.beginGroup(1);
-    LoadedView b(deep);
-    ASSERT_NE(b.view, nullptr);
-    EXPECT_EQ(countElements(b.view->elements), 201) << "groups 200 deep and the one that stops it";
-
-    ViewBuilder longName;
-    longName.page(0, 0, 100, 100, 0, 0, 0).integer(1).integer(0x7FFFFFFF).fixed("x", 100);
-    LoadedView c(longName);
-    ASSERT_NE(c.view, nullptr);
 }
 
 std::set<std::string> temporaryFiles()
@@ -219,15 +178,13 @@ std::set<std::string> temporaryFiles()
 
 TEST(ViewFromMemory, LeavesNoTemporaryFile)
 {
-    std::set<std::string> before = temporaryFiles();
-    {
-        LoadedView good(samplePanel());
-        EXPECT_NE(good.view, nullptr);
-    }
+    const std::set<std::string> before = temporaryFiles();
+    EXPECT_NE(LoadedView(samplePanel()).view, nullptr);
     const uint8_t junk[] = {1, 2, 3};
     EXPECT_EQ(krViewLoadData(junk, sizeof junk), nullptr);
     EXPECT_EQ(krViewLoadData(nullptr, 0), nullptr);
-    // Other processes' loads come and go, slowly under a sanitizer: a file that stays for seconds is left behind.
+    // Other processes' loads come and go, slowly under a sanitizer: a file that stays for
+    // seconds is left behind.
     std::set<std::string> pending;
     for (const std::string& name : temporaryFiles())
         if (!before.count(name))
@@ -242,8 +199,9 @@ TEST(ViewFromMemory, LeavesNoTemporaryFile)
         ADD_FAILURE() << "left behind: /tmp/" << name;
 }
 
-// -1 for a missing handle, -2 for one that is not a view or a window.
-TEST(ViewHandles, NullAndWrongMagic)
+// -1 for a missing handle, -2 for one that is not a view or a window, -3 for drawing without
+// a context.
+TEST(ViewHandles, RefusedWithTheirReason)
 {
     VIEW_STRUCT fake = {};
     fake.magic = 0x12345678;
@@ -261,15 +219,8 @@ TEST(ViewHandles, NullAndWrongMagic)
         EXPECT_EQ(results[i][0], results[i][1]) << "call " << i;
     krSetBackgroundMode(&fake, 0);
     EXPECT_EQ(fake.backgroundMode, 0u);
-    krWindowFree(window);
-}
-
-TEST(ViewHandles, DrawingWithoutContextIsRefused)
-{
     releaseGlContext();
     LoadedView loaded(samplePanel());
-    ASSERT_NE(loaded.view, nullptr);
-    WINDOW_STRUCT* window = krWindowCreate();
     EXPECT_EQ(krViewDraw(window, loaded.view, 0, 0, 1), -3);
     EXPECT_EQ(krViewDrawPlane_Direct(loaded.view), -3);
     EXPECT_EQ(krViewDrawWindow(loaded.view), -3);
