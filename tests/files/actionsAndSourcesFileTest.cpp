@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -134,46 +135,37 @@ TEST(DataSectionsInFiles, SourcesKeepTheirStoredCountsAndTexts)
     EXPECT_EQ(countList(loaded.view->elements), 2);
     const DD_DATA_TYPE_STRUCT* s = loaded.view->dataTypes;
     ASSERT_EQ(countList(s), 3);
-
     // No source of type 3 is installed here: the view keeps what it stored.
     EXPECT_EQ(std::make_tuple(s->id, s->nrData, s->nrVar, s->found), std::make_tuple(3, 3, 2, 0));
     EXPECT_STREQ(s->name, "unknown Data Source 3");
-    EXPECT_EQ(s->para[0].ival, 7);
-    EXPECT_STREQ(s->para[1].sval, "big");
-    // Slots beyond the stored count, up to ten, are there and empty.
-    EXPECT_EQ(s->para[9].size, 64u);
-    EXPECT_STREQ(s->para[9].sval, "");
-    ASSERT_EQ(countList(s->variables), 3);
+    const DD_DATA_TYPE_STRUCT *wide = s->next, *raw = wide->next;
+    EXPECT_EQ(std::make_tuple(wide->id, wide->nrData, wide->nrVar, raw->id), std::make_tuple(1234, 12, 0, 9));
+    ASSERT_EQ(std::make_tuple(countList(s->variables), countList(wide->variables), countList(raw->variables)),
+              std::make_tuple(3, 1, 1));
     const VARIABLE_STRUCT* level = s->variables;
     EXPECT_EQ(std::make_tuple(level->type, std::string(level->name), std::string(level->defaultValue), level->nrPara),
               std::make_tuple(int(KR_VAR_INT32), std::string("level"), std::string("1.5"), 2));
-    EXPECT_EQ(level->para[0].ival, 2);
-    EXPECT_STREQ(level->para[0].sval, "offset 8");
-    EXPECT_EQ(level->para[9].size, 64u);
-    // A text stored with n bytes grows its buffer to n + 12 where it leaves no room to spare.
-    const struct {
-        const PARA_STRUCT& para;
-        size_t size;
-        std::string text;
-    } texts[] = {{level->para[1], 76, std::string(63, 'x')},
-                 {level->next->para[0], 64, std::string(62, 'y')}, // n = 63 fits as it is
-                 {level->next->next->para[0], 312, std::string(299, 'z')}};
-    for (const auto& t : texts) {
-        EXPECT_EQ(t.para.size, t.size);
-        EXPECT_EQ(t.para.sval, t.text);
+    EXPECT_EQ(std::make_pair(wide->variables->nrPara, std::string(raw->variables->name)),
+              std::make_pair(0, std::string("empty")));
+    // Slots beyond the stored count, up to ten, are there and empty. A text stored with n bytes
+    // grows its buffer to n + 12 unless it fits 64 with room to spare.
+    const std::tuple<const PARA_STRUCT&, int32_t, uint32_t, std::string> params[] = {
+        {s->para[0], 7, 64, "4711"},
+        {s->para[1], 1, 64, "big"},
+        {s->para[9], 0, 64, ""},
+        {wide->para[11], 11, 64, "p11"},
+        {level->para[0], 2, 76, "offset 8"},
+        {level->para[1], 5, 76, std::string(63, 'x')},
+        {level->para[9], 0, 64, ""},
+        {level->next->para[0], 3, 64, std::string(62, 'y')}, // n = 63 fits as it is
+        {level->next->next->para[0], 1, 312, std::string(299, 'z')},
+        {raw->variables->para[0], 4, 64, ""},
+    };
+    for (size_t i = 0; i < std::size(params); ++i) {
+        const auto& [para, ival, size, text] = params[i];
+        EXPECT_EQ(std::make_tuple(para.ival, para.size, std::string(para.sval)), std::make_tuple(ival, size, text))
+            << "parameter " << i;
     }
-
-    s = s->next;
-    EXPECT_EQ(std::make_tuple(s->id, s->nrData, s->nrVar), std::make_tuple(1234, 12, 0));
-    EXPECT_STREQ(s->para[11].sval, "p11");
-    ASSERT_EQ(countList(s->variables), 1);
-    EXPECT_EQ(s->variables->nrPara, 0);
-    s = s->next;
-    EXPECT_EQ(s->id, 9);
-    ASSERT_NE(s->variables, nullptr);
-    EXPECT_STREQ(s->variables->name, "empty");
-    EXPECT_EQ(s->variables->para[0].ival, 4);
-    EXPECT_STREQ(s->variables->para[0].sval, "");
     EXPECT_STREQ(loaded.view->elements->next->name, "last");
 }
 
