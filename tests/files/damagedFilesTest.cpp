@@ -62,15 +62,11 @@ std::vector<uint8_t> everyKindPanel(bool withFonts = true)
         .rect(RectFields(), "lamp");
     b.beginGroup(10, "gauges");
     b.actions({banded(KR_ACTION_STROKE_WIDTH, KR_THRESHOLDS_WIDTH)}).polyline(PolyFields());
-    PolyFields closed;
-    closed.fillOn = 1;
-    b.actions({banded(KR_ACTION_STROKE_STYLE, KR_THRESHOLDS_STYLE)}).cpoly(closed);
+    b.actions({banded(KR_ACTION_STROKE_STYLE, KR_THRESHOLDS_STYLE)}).cpoly(PolyFields());
     b.actions({banded(KR_ACTION_VISIBLE, KR_THRESHOLDS_VISIBLE)}).circle(CircleFields());
     b.actions({banded(KR_ACTION_STROKE_COLOR, KR_THRESHOLDS_BLINK)}).arc(CircleFields());
-    ImageFields picture;
-    picture.width = picture.height = 2;
-    picture.pixels.assign(16, 0x80);
-    b.line(LineFields()).image(picture).button(ButtonFields()).slider(SliderFields()).scissor(0, 0, 200, 100);
+    b.line(LineFields()).image({0, 0, 64, 64, {1, 1, 1, 1}, 2, 2, 0, std::vector<uint8_t>(16, 0x80)});
+    b.button(ButtonFields()).slider(SliderFields()).scissor(0, 0, 200, 100);
     b.beginGroup(1, "inner").rect(RectFields(), "deep");
     b.actions({banded(KR_ACTION_MOVE_Y, KR_THRESHOLDS_COLOR)}).endGroup();
     b.actions({banded(KR_ACTION_FILL_COLOR, KR_THRESHOLDS_COLOR)}).endGroup();
@@ -166,14 +162,11 @@ TEST(DamagedFiles, StrokeWidthsOfNoNumberStartAndStop)
     const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
     for (float width : {nan, -nan, inf, -inf, 1e30f, -1e30f}) {
         SCOPED_TRACE(width);
-        RectFields rect;
-        rect.strokeOn = 1;
         CircleFields circle;
-        LineFields line;
         PolyFields poly;
-        rect.strokeWidth = circle.strokeWidth = line.strokeWidth = poly.strokeWidth = width;
+        circle.strokeWidth = poly.strokeWidth = width;
         ViewBuilder b = page();
-        b.rect(rect).circle(circle).arc(circle).line(line).polyline(poly);
+        b.rect({0, 0, 10, 10, 1, width}).circle(circle).arc(circle).line({0, 0, 100, 0, width}).polyline(poly);
         poly.closed = poly.fillOn = 1;
         LoadedView loaded(b.cpoly(poly).dataSection());
         ASSERT_NE(loaded.view, nullptr);
@@ -242,9 +235,7 @@ TEST(DamagedFiles, HugeCountsInASmallFileKeepWhatWasRead)
 std::vector<uint8_t> largePanel()
 {
     ViewBuilder b = page();
-    ImageFields picture;
-    picture.width = picture.height = 352;
-    picture.pixels.assign(352 * 352 * 4, 0x80);
+    const ImageFields picture = {0, 0, 64, 64, {1, 1, 1, 1}, 352, 352, 0, std::vector<uint8_t>(352 * 352 * 4, 0x80)};
     std::vector<ActionFields> many;
     for (int block = 0; block < KR_THRESHOLD_BLOCKS; ++block)
         many.push_back(banded(KR_ACTION_FILL_COLOR, block, 300));

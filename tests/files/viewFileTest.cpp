@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -119,20 +118,6 @@ TEST(ViewFileContent, PageAndTreeAsStored)
     EXPECT_EQ(inner->child->parent, inner);
 }
 
-TEST(ViewFileContent, NamesBeyondTheirFieldKeepTheStreamInStep)
-{
-    ViewBuilder b;
-    b.page(0, 0, 100, 100, 0, 0, 0);
-    // A name beyond its 64-byte field and an id beyond its 256, each cut with a closing zero.
-    b.rect(square(0, 0, 10), std::string(70, 'n').c_str(), std::string(299, 'i').c_str());
-    LoadedView loaded(b.rect(square(20, 20, 10), "second"));
-    ASSERT_NE(loaded.first(), nullptr);
-    const ELEMENT_STRUCT* e = loaded.first();
-    EXPECT_EQ(std::make_pair(strlen(e->name), strlen(e->id)), std::make_pair(size_t(63), size_t(255)));
-    ASSERT_NE(e->next, nullptr);
-    EXPECT_STREQ(e->next->name, "second");
-}
-
 TEST(ViewFileContent, EndsAndMarkers)
 {
     const struct {
@@ -162,7 +147,8 @@ TEST(ViewFileContent, ConfigurationOnly)
     TempFile file(samplePanel().bytes());
     VIEW_STRUCT config = {};
     EXPECT_EQ(loadConfigFile(file.path().c_str(), &config), 0);
-    EXPECT_EQ(std::make_tuple(config.width, config.pageColor[1], config.elements), std::make_tuple(640.0f, 0.3f, nullptr));
+    EXPECT_EQ(std::make_tuple(config.width, config.pageColor[1], config.elements),
+              std::make_tuple(640.0f, 0.3f, nullptr));
     EXPECT_LT(loadConfigFile("/nonexistent/view.k2d", &config), 0);
 }
 
