@@ -1,6 +1,7 @@
 // Files damaged on disk or by a careless writer: cut at every byte and garbled in thousands of
 // ways, a view with every structure the reader knows and the samples we ship load and free
-// without harm, and hostile counts claim no memory out of proportion to the file's size.
+// without harm; hostile counts keep what was read before them and claim no memory out of
+// proportion to the file's size.
 #include "Korel2D.h"
 #include "LoadedView.h"
 #include "ViewBuilder.h"

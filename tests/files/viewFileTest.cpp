@@ -1,5 +1,5 @@
-// Reading binary view files: header checks, revisions, the element tree, hostile counts, and the
-// handles' refusals. Cut and garbled files are the damaged-files tests' concern.
+// Reading binary view files: header checks, revisions, the element tree, loads from memory, and
+// the handles' refusals. Cut, garbled and hostile files are the damaged-files tests' concern.
 #include "GlContext.h"
 #include "KorelEdit.h"
 #include "LoadedView.h"
