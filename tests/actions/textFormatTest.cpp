@@ -21,11 +21,6 @@ FormatArgument integer(int64_t v)
     return {FormatArgument::Signed, 0, v, 0};
 }
 
-FormatArgument unsignedInteger(uint64_t v)
-{
-    return {FormatArgument::Unsigned, 0, 0, v};
-}
-
 std::string format(const char* text, const FormatArgument& argument, size_t size = 512)
 {
     std::string out(size, '#');
@@ -46,7 +41,7 @@ TEST(ActionTextFormat, OneConversionPrintsTheValue)
         {"%d rpm", integer(-7), "-7 rpm"},
         {"%ld", integer(5000000000LL), "5000000000"},
         {"%hhd", integer(300), "300"},         // lengths give way to the value's own width
-        {"%u", unsignedInteger(18446744073709551615ULL), "18446744073709551615"},
+        {"%u", {FormatArgument::Unsigned, 0, 0, 18446744073709551615ULL}, "18446744073709551615"},
         {"%x", integer(255), "ff"},
         {"%.2e", integer(1500), "1.50e+03"},   // an integer through a real conversion
         {"%d", real(2.9), "2"},                // a real through an integer one: truncated
