@@ -5,7 +5,6 @@
 #include "ViewBuilder.h"
 
 #include <cstdint>
-#include <string>
 #include <utility>
 #include <vector>
 

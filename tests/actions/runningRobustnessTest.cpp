@@ -224,13 +224,12 @@ TEST_F(RunningBinding, SecondVariablesAndAbsurdSampleCountsStillRun)
         ViewBuilder b = blackPage();
         b.actions({act(KR_ACTION_MOVE_X, "x", 0, "x")}).graph(g);
         b.actions({act(KR_ACTION_MOVE_X, "x")}).rect(square());
-        b.actions({act(KR_ACTION_MOVE_X, "x", 0, "label"), act(KR_ACTION_TEXT, "x", 0, "label"), act(KR_ACTION_TEXT, "small", 0, "label"),
-                   act(KR_ACTION_TEXT, "label", 0, "wide"), act(KR_ACTION_MOVE_Y, "label", 0, "x")})
+        b.actions({act(KR_ACTION_MOVE_X, "x", 0, "label"), act(KR_ACTION_TEXT, "x", 0, "label"),
+                   act(KR_ACTION_TEXT, "small", 0, "label"), act(KR_ACTION_TEXT, "label", 0, "wide"),
+                   act(KR_ACTION_MOVE_Y, "label", 0, "x")})
             .text(TextFields());
-        b.dataSection({internalSource({{KR_VAR_FLOAT, "x", "", {}},
-                                        {KR_VAR_TEXT, "label", "", {}},
-                                        {KR_VAR_DOUBLE, "wide", "", {}},
-                                        {KR_VAR_INT8, "small", "", {}}})});
+        b.dataSection({internalSource({{KR_VAR_FLOAT, "x", "", {}}, {KR_VAR_TEXT, "label", "", {}},
+                                        {KR_VAR_DOUBLE, "wide", "", {}}, {KR_VAR_INT8, "small", "", {}}})});
         setLogLevel(1);
         getLogMsg(nullptr, 0);
         VIEW_STRUCT* view = load(b);

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <string>
 
@@ -45,13 +44,9 @@ TEST(ActionTextFormat, OneConversionPrintsTheValue)
         {"%x", integer(255), "ff"},
         {"%.2e", integer(1500), "1.50e+03"},   // an integer through a real conversion
         {"%d", real(2.9), "2"},                // a real through an integer one: truncated
-        {"%d", real(NAN), "0"},
-        {"%d", real(1e300), "9223372036854775807"},
         {"%c", integer(65), "A"},
         {"100%% at %d", integer(3), "100% at 3"},
         {"level: %-6.2f|", real(-1.5), "level: -1.50 |"},
-        {"no number", integer(1), "no number"},
-        {"50%%", real(1), "50%"},
         {"%999d", integer(1), std::string(15, ' '), 16},
         {"%f", real(std::numeric_limits<double>::max()), "1797693", 8},
         {"%d", integer(42), "", 1},
