@@ -5,7 +5,6 @@
 #include "ViewBuilder.h"
 
 #include <cstdint>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -14,29 +13,19 @@ namespace k2dtest {
 inline korelgen::ActionFields act(int type, const char* var, int cg = 0, const char* var2 = "")
 {
     korelgen::ActionFields a;
-    a.type = type;
-    a.var = var;
-    a.var2 = var2;
-    a.cg = cg;
+    a.type = type, a.var = var, a.var2 = var2, a.cg = cg;
     return a;
 }
 
 // A threshold from `lower` with its value and colour; the upper limit is for editors only.
 inline korelgen::ThresholdFields entry(float lower, int value, float r = 0, float g = 0, float b = 0)
 {
-    korelgen::ThresholdFields t;
-    t.lower = lower;
-    t.upper = lower + 10;
-    t.value = value;
-    t.color[0] = r, t.color[1] = g, t.color[2] = b;
-    return t;
+    return {lower, lower + 10, value, {r, g, b}};
 }
 
 inline korelgen::RectFields box(float x0, float y0, float x1, float y1)
 {
-    korelgen::RectFields r;
-    r.x0 = x0, r.y0 = y0, r.x1 = x1, r.y1 = y1;
-    return r;
+    return {x0, y0, x1, y1};
 }
 
 // A red 40 x 40 square centred on (100, 100).
@@ -60,10 +49,7 @@ inline uint64_t frameHash(const Frame& frame)
 // The internal source, whose variables keep what the host writes.
 inline korelgen::SourceFields internalSource(std::vector<korelgen::VariableFields> variables)
 {
-    korelgen::SourceFields s;
-    s.id = 5;
-    s.variables = std::move(variables);
-    return s;
+    return {5, {}, 0, std::move(variables)};
 }
 
 } // namespace k2dtest

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <string>
 
@@ -19,11 +18,6 @@ FormatArgument real(double v)
 FormatArgument integer(int64_t v)
 {
     return {FormatArgument::Signed, 0, v, 0};
-}
-
-FormatArgument unsignedInteger(uint64_t v)
-{
-    return {FormatArgument::Unsigned, 0, 0, v};
 }
 
 std::string format(const char* text, const FormatArgument& argument, size_t size = 512)
@@ -46,17 +40,13 @@ TEST(ActionTextFormat, OneConversionPrintsTheValue)
         {"%d rpm", integer(-7), "-7 rpm"},
         {"%ld", integer(5000000000LL), "5000000000"},
         {"%hhd", integer(300), "300"},         // lengths give way to the value's own width
-        {"%u", unsignedInteger(18446744073709551615ULL), "18446744073709551615"},
+        {"%u", {FormatArgument::Unsigned, 0, 0, 18446744073709551615ULL}, "18446744073709551615"},
         {"%x", integer(255), "ff"},
         {"%.2e", integer(1500), "1.50e+03"},   // an integer through a real conversion
         {"%d", real(2.9), "2"},                // a real through an integer one: truncated
-        {"%d", real(NAN), "0"},
-        {"%d", real(1e300), "9223372036854775807"},
         {"%c", integer(65), "A"},
         {"100%% at %d", integer(3), "100% at 3"},
         {"level: %-6.2f|", real(-1.5), "level: -1.50 |"},
-        {"no number", integer(1), "no number"},
-        {"50%%", real(1), "50%"},
         {"%999d", integer(1), std::string(15, ' '), 16},
         {"%f", real(std::numeric_limits<double>::max()), "1797693", 8},
         {"%d", integer(42), "", 1},
