@@ -64,9 +64,10 @@ TEST(ViewFileHeader, MagicAndRevisionDecideWhatIsRead)
         LoadedView loaded(b.page(1, 2, 300, 200, 1, 0, 0).rect(square(0, 0, 10)));
         EXPECT_EQ(takeLog(), c.log);
         EXPECT_EQ(loaded.view != nullptr, c.elements >= 0);
-        if (loaded.view)
+        if (loaded.view) {
             EXPECT_EQ(std::make_pair(countElements(loaded.first()), krViewWidth(loaded.view)),
                       std::make_pair(c.elements, c.width));
+        }
     }
     EXPECT_EQ(krViewLoad("/nonexistent/view.k2d"), nullptr);
     EXPECT_EQ(takeLog(), "cannot open file /nonexistent/view.k2d\n");
