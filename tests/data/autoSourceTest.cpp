@@ -162,14 +162,6 @@ TEST(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
     source->callbackVar(1, kSinHalf, nullptr, v);
     EXPECT_EQ(rangeOf(v), "-1.0..1.0");
     delVariable(nullptr, v);
-
-    // A variable stored with fewer slots than the form is left as it is.
-    VARIABLE_STRUCT* short3 = createVariable(3);
-    short3->type = KR_VAR_UINT8;
-    source->newVariable(short3);
-    source->callbackVar(0, kDate, nullptr, short3);
-    EXPECT_EQ(short3->type, KR_VAR_UINT8);
-    delVariable(nullptr, short3);
     while (known)
         delDataType(&known, known, 1);
 }

@@ -41,14 +41,9 @@ protected:
     }
 };
 
-VariableFields variable(int type, const char* name, std::vector<ParaFields> params = {})
-{
-    return VariableFields{type, name, "", std::move(params)};
-}
-
 // A source of the sample plug-in's layout: two data parameters and, per variable, what it GIVES.
 SourceFields exampleSource(int type,
-                           std::vector<VariableFields> variables = {variable(KR_VAR_INT32, "EX_RUNS", {{0, "RUNS"}})})
+                           std::vector<VariableFields> variables = {{KR_VAR_INT32, "EX_RUNS", "", {{0, "RUNS"}}}})
 {
     return SourceFields{type, {{0, "0"}, {0, "label"}}, 1, std::move(variables)};
 }
@@ -66,9 +61,7 @@ std::string pluginFound()
 {
     LoadedView loaded(viewWith({exampleSource(kExampleType)}));
     DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, kExampleType);
-    if (!source)
-        return "no source";
-    return source->found ? krDataSourceLibName(source) : "unknown";
+    return !source ? "no source" : source->found ? krDataSourceLibName(source) : "unknown";
 }
 
 // What a view gets from the plug-ins it found: its list of sources, the plug-ins' counts over
@@ -84,9 +77,9 @@ TEST_F(PluginDiscovery, AViewTakesOnWhatThePluginsDeclare)
     noGives.varParamCount = 0;
     LoadedView loaded(viewWith(
         {SourceFields{2, {}, 1, {}}, SourceFields{999, {}, 0, {}}, noGives,
-         SourceFields{kWideType, {{1, "0"}, {2, "b"}, {3, "c"}}, 1, {variable(KR_VAR_INT32, "wideRuns")}},
-         exampleSource(kGlobalsType, {variable(KR_VAR_INT32, "exampleGlobalCount"),
-                                      variable(KR_VAR_FLOAT, "exampleGlobalFloat"), variable(KR_VAR_INT32, "noSuchGlobal")})}));
+         SourceFields{kWideType, {{1, "0"}, {2, "b"}, {3, "c"}}, 1, {{KR_VAR_INT32, "wideRuns", "", {}}}},
+         exampleSource(kGlobalsType, {{KR_VAR_INT32, "exampleGlobalCount", "", {}},
+                                      {KR_VAR_FLOAT, "exampleGlobalFloat", "", {}}, {KR_VAR_INT32, "noSuchGlobal", "", {}}})}));
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
     int count = 0;

@@ -7,10 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
 #include <pthread.h>
 
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -37,14 +37,12 @@ ViewBuilder sourcesView(int blockMs = 0)
 int entriesIn(const char* directory, const char* threadName = nullptr)
 {
     int n = 0;
-    DIR* dir = opendir(directory);
-    while (const dirent* entry = dir ? readdir(dir) : nullptr) {
-        std::ifstream comm(std::string(directory) + "/" + entry->d_name + "/comm");
+    std::error_code error; // a thread may end while its entry is read
+    for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
+        std::ifstream comm(entry.path() / "comm");
         std::string line;
         n += !threadName || (std::getline(comm, line) && line == threadName);
     }
-    if (dir)
-        closedir(dir);
     return n;
 }
 
@@ -53,47 +51,29 @@ int dataThreads()
     return entriesIn("/proc/self/task", kDataThread);
 }
 
-TEST(RunModeStates, EachEntryAnswersOnlyInItsState)
+class SynchronousMode : public ViewTest {
+protected:
+    PluginDirs home{PluginDirs::Home::PluginDir};
+};
+
+// Each entry answers only in its state; in mode 1 each draw runs one data cycle.
+TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
 {
-    PluginDirs home(PluginDirs::Home::PluginDir);
-    LoadedView loaded(sourcesView());
-    VIEW_STRUCT* view = loaded.view;
+    VIEW_STRUCT* view = load(sourcesView());
     ASSERT_NE(view, nullptr);
     EXPECT_EQ(krViewStop(view), -3);
     EXPECT_EQ(krViewPutData(view, 0.5), -3);
     EXPECT_EQ(krViewSetHaltMode(view, 1), -3);
     EXPECT_EQ(krViewSetTime(view, 2.0f), 0);
     EXPECT_EQ(read(view, "pi"), "<-3>");
+    EXPECT_EQ(krViewStart(nullptr), -1);
+    VIEW_STRUCT notAView = {};
+    EXPECT_EQ(krViewStart(&notAView), -2);
 
     ASSERT_EQ(krViewStart(view), 0);
     EXPECT_EQ(krViewStart(view), -3);
     EXPECT_EQ(krViewStartAnim(view), -3);
     EXPECT_EQ(krViewStopAnim(view), -3);
-    EXPECT_EQ(krViewPutData(view, 0.5), 0);
-    EXPECT_DOUBLE_EQ(view->time, 2.5);
-    EXPECT_EQ(krViewSetHaltMode(view, 1), 0);
-    EXPECT_EQ(krViewStop(view), 0);
-
-    // A start clears halt; the clock goes on from where it was.
-    ASSERT_EQ(krViewStartAnim(view), 0);
-    EXPECT_EQ(view->haltMode, 0u);
-    EXPECT_EQ(krViewStopAnim(view), 0);
-    EXPECT_EQ(krViewStop(view), -3);
-
-    VIEW_STRUCT notAView = {};
-    EXPECT_EQ(krViewStart(nullptr), -1);
-    EXPECT_EQ(krViewStart(&notAView), -2);
-}
-
-class SynchronousMode : public ViewTest {
-protected:
-    PluginDirs home{PluginDirs::Home::PluginDir};
-};
-
-TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
-{
-    VIEW_STRUCT* view = load(sourcesView());
-    ASSERT_EQ(krViewStart(view), 0);
     // Before the first draw no source has been asked.
     EXPECT_EQ(read(view, "pi"), "0.000000");
     draw(view);
@@ -110,7 +90,15 @@ TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
     ASSERT_EQ(krViewStart(view), 0);
     draw(view);
     EXPECT_EQ(read(view, "runs"), "1");
-    krViewStop(view);
+    EXPECT_EQ(krViewPutData(view, 0.5), 0);
+    EXPECT_DOUBLE_EQ(view->time, 2.5);
+    EXPECT_EQ(krViewSetHaltMode(view, 1), 0);
+    ASSERT_EQ(krViewStop(view), 0);
+    // A start clears halt; the clock goes on from where it was.
+    ASSERT_EQ(krViewStartAnim(view), 0);
+    EXPECT_EQ(view->haltMode, 0u);
+    EXPECT_EQ(krViewStopAnim(view), 0);
+    EXPECT_EQ(krViewStop(view), -3);
 }
 
 // One data thread cycles every ten milliseconds while the view runs; a thousand starts and
