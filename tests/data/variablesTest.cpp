@@ -78,10 +78,13 @@ TEST(SourceServices, BuildTheRecordAPluginDescribes)
 
 // Each writer has its own rules of conversion: a Constant parses its VALUE each cycle, an
 // Internal its default at start, krVarSetStr goes through a float for a double and cuts a long
-// to 32 bits, and krVarSet copies the width of the type from the bytes it is given.
+// to 32 bits, and krVarSet copies the width of the type from the bytes it is given. What a host
+// writes lasts until the source writes again or the view restarts from the defaults.
 enum Writer { kConstant, kDefault, kSetStr, kSet };
 
-TEST(Variables, EachWriterConvertsToTheType)
+class Variables : public ViewTest {};
+
+TEST_F(Variables, EachWriterConvertsToTheTypeAndLastsUntilTheNextWrite)
 {
     const struct {
         Writer by;
@@ -119,11 +122,12 @@ TEST(Variables, EachWriterConvertsToTheType)
         (row.by == kConstant ? constants : internals)
             .push_back(var(row.type, name, row.by == kDefault ? row.text : "", row.by == kConstant ? row.text : ""));
     }
-    LoadedView loaded(viewWith({source(2, constants), source(5, internals)}));
-    VIEW_STRUCT* view = loaded.view;
+    VIEW_STRUCT* view = load(viewWith({source(2, constants), source(5, internals)}));
     ASSERT_NE(view, nullptr);
     ASSERT_EQ(krViewStart(view), 0);
-    fillDP(view->dataTypes);
+    // Defaults only go through a Set entry, which a Constant lacks: nothing before the first cycle.
+    EXPECT_EQ(read(view, "v0") + " " + read(view, "v4"), "0.000000 8");
+    draw(view);
     for (const auto& row : rows) {
         const std::string name = "v" + std::to_string(&row - rows);
         SCOPED_TRACE(name + " from \"" + row.text.substr(0, 20) + "\"");
@@ -137,7 +141,13 @@ TEST(Variables, EachWriterConvertsToTheType)
     EXPECT_EQ(*static_cast<int64_t*>(krVarGetAddr(view, "v21")), 0);
     // The address given is the buffer that is read by name.
     *static_cast<int32_t*>(krVarGetAddr(view, "v1")) = 77;
-    EXPECT_EQ(read(view, "v1"), "77");
+    EXPECT_EQ(krVarSetStr(view, "v5", "2"), 1);
+    EXPECT_EQ(read(view, "v1") + " " + read(view, "v5"), "77 2.000000");
+    draw(view);
+    EXPECT_EQ(read(view, "v1") + " " + read(view, "v5"), "0 2.000000");
+    ASSERT_EQ(krViewStop(view), 0);
+    ASSERT_EQ(krViewStart(view), 0);
+    EXPECT_EQ(read(view, "v1") + " " + read(view, "v5") + " " + read(view, "v15"), "0 1000.000000 0");
 }
 
 // What a host gets by name before, while and after the view runs, and the parameters it edits:
@@ -193,38 +203,6 @@ TEST(VariablesByName, ResultsSourcesAndParametersAsAHostMeetsThem)
     ASSERT_EQ(krViewStart(view), 0);
     fillDP(view->dataTypes);
     EXPECT_EQ(read(view, "gain"), "12.500000");
-}
-
-class RunningVariables : public ViewTest {};
-
-// A Constant's cycle overwrites what a host wrote, an Internal keeps it while the view runs, and
-// a restart begins again from the defaults.
-TEST_F(RunningVariables, WritesLastUntilTheSourceWritesOrTheViewRestarts)
-{
-    VIEW_STRUCT* view = load(viewWith(
-        {source(2, {var(KR_VAR_INT32, "level", "99", "12")}),
-         source(5, {var(KR_VAR_INT32, "plain"), var(KR_VAR_INT32, "preset", "0x1F"), var(KR_VAR_TEXT, "label", "idle")})}));
-    ASSERT_NE(view, nullptr);
-    auto values = [view] {
-        return read(view, "level") + " " + read(view, "plain") + " " + read(view, "preset") + " " + read(view, "label");
-    };
-    ASSERT_EQ(krViewStart(view), 0);
-    // Defaults only go through a Set entry, which a Constant lacks: nothing before the first cycle.
-    EXPECT_EQ(values(), "0 0 31 idle");
-    const int32_t written = 41;
-    for (const char* name : {"level", "plain", "preset"})
-        EXPECT_EQ(krVarSet(view, name, &written), 1);
-    EXPECT_EQ(krVarSetStr(view, "label", "ready"), 1);
-    EXPECT_EQ(values(), "41 41 41 ready");
-    for (int i = 0; i < 3; ++i)
-        draw(view);
-    EXPECT_EQ(values(), "12 41 41 ready");
-
-    ASSERT_EQ(krViewStop(view), 0);
-    ASSERT_EQ(krViewStart(view), 0);
-    EXPECT_EQ(values(), "0 0 31 idle");
-    draw(view);
-    EXPECT_EQ(values(), "12 0 31 idle");
 }
 
 } // namespace
