@@ -1,8 +1,8 @@
 // Variables as a host and a source meet them: the services a source builds itself with, the
 // built-in Constant and Internal sources, and reading and writing values by name.
 //
-// Conversion tables run one data cycle with fillDP and need no GL context; tests about what a
-// cycle leaves behind draw instead, since in mode 1 a draw is where a host's cycle happens.
+// Tests about what a cycle leaves behind draw, since in mode 1 a draw is where a host's cycle
+// happens.
 #include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewFixture.h"
