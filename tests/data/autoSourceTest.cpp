@@ -1,11 +1,9 @@
 // Auto Data, the built-in test-signal source: the waves at chosen moments, and what a started
 // view reads from it as real time passes.
-#include "KorelEdit.h"
 #include "LoadedView.h"
 #include "dataViews.h"
 #include "actions/actions.h"
 #include "data/autoWaves.h"
-#include "data/data.h"
 
 #include <gtest/gtest.h>
 
@@ -128,14 +126,10 @@ TEST(AutoSource, ViewReadsScaledWavesAndClockTextsFromItsStart)
 // The built-in record as an editing host meets it: a new variable, a changed form.
 TEST(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
 {
-    DD_DATA_TYPE_STRUCT* known = nullptr;
-    ASSERT_EQ(kriLoadStaticDataSources(&known), 0);
-    DD_DATA_TYPE_STRUCT* source = known;
-    while (source && source->id != 1)
-        source = source->next;
-    ASSERT_NE(source, nullptr);
-    VARIABLE_STRUCT* v = createVariable(4);
-    v->type = KR_VAR_UINT32;
+    LoadedView loaded(viewWith({SourceFields{1, {}, 4, {autoVar(KR_VAR_UINT32, "v", kSaw1, k1)}}}));
+    ASSERT_NE(loaded.view, nullptr);
+    DD_DATA_TYPE_STRUCT* source = loaded.view->dataTypes;
+    VARIABLE_STRUCT* v = source->variables;
     EXPECT_EQ(source->newVariable(v), 0);
     EXPECT_EQ(std::to_string(v->type) + " " + rangeOf(v), std::to_string(KR_VAR_FLOAT) + " -1.0..1.0");
 
@@ -154,9 +148,6 @@ TEST(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
     // Only the form parameter calls back with consequences.
     source->callbackVar(1, kSinHalf, nullptr, v);
     EXPECT_EQ(rangeOf(v), "-1.0..1.0");
-    delVariable(nullptr, v);
-    while (known)
-        delDataType(&known, known, 1);
 }
 
 } // namespace

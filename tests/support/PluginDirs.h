@@ -4,11 +4,10 @@
 // Only the suites built with KOREL2D_PLUGIN_DIR (data, actions) include this.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 namespace k2dtest {
@@ -60,16 +59,14 @@ public:
     }
 
     // Copies a file under its own name or under `as`; returns the path as the search builds it.
+    // A failure throws, and the test that asked fails with it.
     std::string copy(Place place, const std::string& path, const std::string& as = "")
     {
         namespace fs = std::filesystem;
         const fs::path name = as.empty() ? fs::path(path).filename() : fs::path(as);
         const std::string directory = place == Place::WorkDir ? workDir_
                                       : place == Place::HomeBin ? freshHome_ + "/bin" : freshHome_;
-        std::error_code error;
-        fs::copy_file(path, directory / name, fs::copy_options::overwrite_existing, error);
-        if (error)
-            ADD_FAILURE() << "can't copy " << path << " to " << directory << ": " << error.message();
+        fs::copy_file(path, directory / name, fs::copy_options::overwrite_existing);
         return place == Place::WorkDir ? "./" + name.string() : (directory / name).string();
     }
 
@@ -78,7 +75,7 @@ private:
     {
         std::string pattern = (std::filesystem::temp_directory_path() / stem).string() + "XXXXXX";
         if (!mkdtemp(pattern.data()))
-            ADD_FAILURE() << "can't make a directory like " << pattern;
+            throw std::runtime_error("can't make a directory like " + pattern);
         return pattern;
     }
 
