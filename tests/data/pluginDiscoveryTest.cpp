@@ -28,11 +28,6 @@ protected:
         setLogLevel(2);
         getLogMsg(nullptr, 0);
     }
-    void TearDown() override
-    {
-        setLogLevel(1);
-        getLogMsg(nullptr, 0);
-    }
     static std::string takeLog()
     {
         std::vector<char> text(20000);
@@ -48,19 +43,11 @@ SourceFields exampleSource(int type,
     return SourceFields{type, {{0, "0"}, {0, "label"}}, 1, std::move(variables)};
 }
 
-DD_DATA_TYPE_STRUCT* sourceOfType(VIEW_STRUCT* view, int type)
-{
-    for (DD_DATA_TYPE_STRUCT* source = view ? view->dataTypes : nullptr; source; source = source->next)
-        if (krDataSourceType(source) == type)
-            return source;
-    return nullptr;
-}
-
 // The library name of the example-type source in a view loaded now; "unknown" if it found none.
 std::string pluginFound()
 {
     LoadedView loaded(viewWith({exampleSource(kExampleType)}));
-    DD_DATA_TYPE_STRUCT* source = sourceOfType(loaded.view, kExampleType);
+    DD_DATA_TYPE_STRUCT* source = loaded.view ? loaded.view->dataTypes : nullptr;
     return !source ? "no source" : source->found ? krDataSourceLibName(source) : "unknown";
 }
 
@@ -88,22 +75,22 @@ TEST_F(PluginDiscovery, AViewTakesOnWhatThePluginsDeclare)
     for (int i = 0; i < count; ++i)
         listed += std::to_string(krDataSourceType(all[i])) + " " + krDataSourceName(all[i]) + " " +
                   (all[i]->libName[0] ? krDataSourceLibName(all[i]) : "") + "\n";
-    krFree(all);
-    EXPECT_EQ(listed, "2 Constant Data \n999 unknown Data Source 999 \n100 Example Data libKrdExample.so\n"
+    ASSERT_EQ(listed, "2 Constant Data \n999 unknown Data Source 999 \n100 Example Data libKrdExample.so\n"
                       "102 Example Data libKrdWide.so\n101 Example Data libKrdGlobals.so\n");
+    VARIABLE_STRUCT* runs = all[2]->variables;
+    const DD_DATA_TYPE_STRUCT* wide = all[3];
+    krFree(all);
     EXPECT_EQ(takeLog(), "Warning: data type 999 not found. deleted !\n"
                          "Warning: nr of variable parameter mismatch\nData type 100 Example Data\n"
                          "Library has 1 parameters, view has 0 parameters\n"
                          "Warning: nr of data parameter mismatch\nData type 102 Example Data\n"
                          "Library has 20 parameters, view has 3 parameters\n");
 
-    VARIABLE_STRUCT* runs = sourceOfType(view, kExampleType)->variables;
     int item = -1;
     char text[64] = "x";
     EXPECT_EQ(krVarSetPara(runs, 0, 2, nullptr), 0);
     EXPECT_EQ(krVarGetPara(runs, 0, &item, text), 0);
     EXPECT_EQ(std::to_string(item) + text, "2");
-    const DD_DATA_TYPE_STRUCT* wide = sourceOfType(view, kWideType);
     ASSERT_EQ(wide->nrData, 20);
     EXPECT_EQ(std::string(wide->para[2].sval) + "|" + wide->para[19].sval, "c|");
 
