@@ -51,14 +51,12 @@ int dataThreads()
     return entriesIn("/proc/self/task", kDataThread);
 }
 
-class SynchronousMode : public ViewTest {
-protected:
-    PluginDirs home{PluginDirs::Home::PluginDir};
-};
+class SynchronousMode : public ViewTest {};
 
 // Each entry answers only in its state; in mode 1 each draw runs one data cycle.
 TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
 {
+    PluginDirs home(PluginDirs::Home::PluginDir);
     VIEW_STRUCT* view = load(sourcesView());
     ASSERT_NE(view, nullptr);
     EXPECT_EQ(krViewStop(view), -3);

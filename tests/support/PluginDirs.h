@@ -26,11 +26,10 @@ inline std::string variant(const std::string& dir, const std::string& file)
 
 class PluginDirs {
 public:
-    enum class Home {
-        Fresh,     // KOREL_HOME is an empty directory of the test's own, with bin/
-        Unset,     // no KOREL_HOME: only "." is searched; the fresh directory is still made
-        PluginDir, // KOREL_HOME is the build's plug-in directory
-    };
+    // Fresh: KOREL_HOME is an empty directory of the test's own, with bin/. Unset: no KOREL_HOME,
+    // only "." is searched; the fresh directory is still made. PluginDir: KOREL_HOME is the
+    // build's plug-in directory.
+    enum class Home { Fresh, Unset, PluginDir };
     // Where copy() puts a plug-in, in the order of the search.
     enum class Place { WorkDir, HomeBin, Home };
 
