@@ -134,8 +134,10 @@ TEST_F(Variables, EachWriterConvertsToTheTypeAndLastsUntilTheNextWrite)
                   1);
         EXPECT_EQ(read(view, name), row.expected);
     }
-    EXPECT_EQ(*static_cast<int64_t*>(krVarGetAddr(view, "v20")), 0);
-    // The address given is the buffer that is read by name.
+    EXPECT_EQ(*static_cast<int64_t*>(krVarGetAddr(view, "v20")), 0); // nothing of the unknown code
+    // The address given is the buffer that is read by name (v1, a Constant). A cycle writes the
+    // Constant again but keeps what the host gave the Internal (v5); a restart begins again from
+    // the defaults, and what krVarSet wrote (v15) is gone.
     *static_cast<int32_t*>(krVarGetAddr(view, "v1")) = 77;
     EXPECT_EQ(krVarSetStr(view, "v5", "2"), 1);
     EXPECT_EQ(read(view, "v1") + " " + read(view, "v5"), "77 2.000000");
