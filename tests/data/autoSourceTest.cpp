@@ -1,17 +1,13 @@
 // Auto Data, the built-in test-signal source: the waves at chosen moments, and what a started
 // view reads from it as real time passes.
-#include "KorelEdit.h"
 #include "LoadedView.h"
-#include "ViewFixture.h"
 #include "dataViews.h"
 #include "actions/actions.h"
 #include "data/autoWaves.h"
-#include "data/data.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <ctime>
 #include <string>
 #include <thread>
@@ -24,16 +20,14 @@ namespace {
 
 enum Hz { k0_01, k0_02, k0_05, k0_1, k0_2, k0_5, k1, k2, k5, k10 };
 
-struct WaveCase {
-    AutoWave wave;
-    Hz frequency;
-    double t;
-    float r, expected;
-};
-
 TEST(AutoWaves, TableAtChosenMoments)
 {
-    const std::vector<WaveCase> cases = {
+    const struct {
+        AutoWave wave;
+        Hz frequency;
+        double t;
+        float r, expected;
+    } cases[] = {
         {kSin, k1, 0, 0, 0}, {kSin, k1, 0.25, 0, 1}, {kSin, k1, 0.75, 0, -1}, {kSin, k2, 0.125, 0, 1},
         {kSinHalf, k1, 0.75, 0, 1}, {kTriangle, k0_5, 0, 0, 0}, {kTriangle, k0_5, 0.5, 0, 0.5f},
         {kTriangle, k0_5, 1.0, 0, 1}, {kTriangle, k0_5, 1.5, 0, 0.5f}, {kSaw1, k0_5, 0, 0, 0},
@@ -45,20 +39,16 @@ TEST(AutoWaves, TableAtChosenMoments)
         {kSinIncrease, k1, 100, 0, 10}, {kSinIncrease, k0_01, 10, 0, 1.587785f}, {kSinIncrease, k1, 0.25, 0, 1.025f},
         {kSinRandom, k1, 0.25, 1, 1.15f}, {kSinRandom, k1, 0.25, 0, 0.85f}, {kRandom, k0_01, 3, 0.3f, 0.3f},
         {kRandom, k10, 3, 0.8f, 0.8f},
-        // A thousand turns later the phase is still whole to a fraction of a degree.
-        {kSaw1, k10, 100.05, 0, 0.5f},
+        // A thousand turns later the phase is still whole to a fraction of a degree; weeks of
+        // running at 10 Hz leave a float phase coarse, but still within a turn.
+        {kSaw1, k10, 100.05, 0, 0.5f}, {kSaw1, k10, 1e7, 0, 0.5f},
     };
-    for (const WaveCase& c : cases) {
+    for (const auto& c : cases) {
         float table[kAutoWaveRows][kAutoFrequencies];
         autoWaveTable(c.t, c.r, table);
-        EXPECT_NEAR(table[c.wave][c.frequency], c.expected, 1e-4)
+        EXPECT_NEAR(table[c.wave][c.frequency], c.expected, c.t < 1e6 ? 1e-4 : 0.5)
             << "wave " << c.wave << " item " << c.frequency << " t " << c.t;
     }
-    // Weeks of running at 10 Hz leave a float phase coarse, but still within a turn.
-    float table[kAutoWaveRows][kAutoFrequencies];
-    autoWaveTable(1e7, 0, table);
-    EXPECT_GE(table[kSaw1][k10], 0);
-    EXPECT_LE(table[kSaw1][k10], 1);
 }
 
 VariableFields autoVar(int type, const std::string& name, AutoWave wave, Hz frequency, const std::string& min = "0",
@@ -83,37 +73,29 @@ std::string localNow(const char* format)
     return text;
 }
 
-struct ScaledCase {
-    VariableFields variable;
-    double expected;
-    const char* range; // MIN..MAX after the first cycle: a range of 0 to 0 takes the wave's own
-};
-
 // Right after the start a wave of 0.01 Hz has barely left phase 0: SIN sits mid-range, SAW 1 at
-// MIN and SAW 2 at MAX, whichever way round the range lies. Date and time are local texts.
+// MIN and SAW 2 at MAX, whichever way round the range lies, and a range of 0 to 0 takes the
+// wave's own. Date and time are local texts.
 TEST(AutoSource, ViewReadsScaledWavesAndClockTextsFromItsStart)
 {
-    const std::vector<ScaledCase> cases = {
-        {autoVar(KR_VAR_FLOAT, "sin", kSin, k0_01, "0", "10"), 5, "0..10"},
-        {autoVar(KR_VAR_FLOAT, "saw1", kSaw1, k0_01, "0", "10"), 0, "0..10"},
-        {autoVar(KR_VAR_FLOAT, "saw2", kSaw2, k0_01, "0", "10"), 10, "0..10"},
-        {autoVar(KR_VAR_FLOAT, "saw2Low", kSaw2, k0_01, "-4", "-2"), -2, "-4..-2"},
-        {autoVar(KR_VAR_FLOAT, "inverted1", kSaw1, k0_01, "10", "0"), 10, "10..0"},
-        {autoVar(KR_VAR_FLOAT, "inverted2", kSaw2, k0_01, "10", "0"), 0, "10..0"},
-        {autoVar(KR_VAR_FLOAT, "flatSin", kSin, k10, "5", "5"), 5, "5..5"},
-        {autoVar(KR_VAR_FLOAT, "flatRandom", kRandom, k10, "5", "5"), 5, "5..5"},
-        {autoVar(KR_VAR_FLOAT, "hz", kFrequency, k0_1, "3", "7"), 0.1, "3..7"},
-        {autoVar(KR_VAR_FLOAT, "ownSin", kSin, k0_01), 0, "-1.0..1.0"},
-        {autoVar(KR_VAR_FLOAT, "ownSaw2", kSaw2, k0_01), 1, "0.0..1.0"},
+    const struct {
+        VariableFields variable;
+        double expected;
+    } cases[] = {
+        {autoVar(KR_VAR_FLOAT, "sin", kSin, k0_01, "0", "10"), 5},
+        {autoVar(KR_VAR_FLOAT, "saw2", kSaw2, k0_01, "0", "10"), 10},
+        {autoVar(KR_VAR_FLOAT, "inverted", kSaw1, k0_01, "10", "0"), 10},
+        {autoVar(KR_VAR_FLOAT, "hz", kFrequency, k0_1, "3", "7"), 0.1},
+        {autoVar(KR_VAR_FLOAT, "ownSaw2", kSaw2, k0_01), 1},
         // A form or a frequency past the lists stores nothing; so does a text into a float.
-        {autoVar(KR_VAR_FLOAT, "noForm", AutoWave(12), k1, "1", "2"), 0, "1..2"},
-        {autoVar(KR_VAR_FLOAT, "noFrequency", kSin, Hz(10), "1", "2"), 0, "1..2"},
-        {autoVar(KR_VAR_FLOAT, "dateAsFloat", kDate, k1), 0, "0.0..0.0"},
+        {autoVar(KR_VAR_FLOAT, "noForm", AutoWave(12), k1, "1", "2"), 0},
+        {autoVar(KR_VAR_FLOAT, "noFrequency", kSin, Hz(10), "1", "2"), 0},
+        {autoVar(KR_VAR_FLOAT, "dateAsFloat", kDate, k1), 0},
     };
     std::vector<VariableFields> variables = {autoVar(KR_VAR_FLOAT, "clock", kSaw1, k0_1, "0", "10"),
                                              autoVar(KR_VAR_TEXT, "date", kDate, k0_01),
                                              autoVar(KR_VAR_TEXT, "time", kTime, k0_01)};
-    for (const ScaledCase& c : cases)
+    for (const auto& c : cases)
         variables.push_back(c.variable);
     LoadedView loaded(viewWith({SourceFields{1, {}, 4, variables}}));
     VIEW_STRUCT* view = loaded.view;
@@ -122,23 +104,17 @@ TEST(AutoSource, ViewReadsScaledWavesAndClockTextsFromItsStart)
     for (int start = 0; start < 2; ++start) {
         ASSERT_EQ(krViewStart(view), 0);
         const auto first = std::chrono::steady_clock::now();
-        const std::string dateBefore = localNow("%d.%m.%Y "), timeBefore = localNow("%H:%M:%S");
+        const std::string before = localNow("%d.%m.%Y %H:%M:%S");
         fillDP(view->dataTypes);
-        const std::string dateAfter = localNow("%d.%m.%Y "), timeAfter = localNow("%H:%M:%S");
-        const VARIABLE_STRUCT* v = view->dataTypes->variables->next->next->next; // past clock, date, time
-        for (const ScaledCase& c : cases) {
+        const std::string after = localNow("%d.%m.%Y %H:%M:%S");
+        for (const auto& c : cases)
             EXPECT_NEAR(number(view, c.variable.name), c.expected, 0.05) << c.variable.name;
-            EXPECT_EQ(rangeOf(v), c.range) << c.variable.name;
-            v = v->next;
-        }
-        const std::string date = read(view, "date"), time = read(view, "time");
-        EXPECT_TRUE(date == dateBefore || date == dateAfter) << "\"" << date << "\" for \"" << dateBefore << "\"";
-        EXPECT_TRUE(time == timeBefore || time == timeAfter) << time << " for " << timeBefore;
+        const std::string now = read(view, "date") + read(view, "time");
+        EXPECT_TRUE(now == before || now == after) << now << " for " << before;
         // SAW 1 at 0.1 Hz over 0 to 10 counts the seconds since the start, every start anew.
         const double clock = number(view, "clock");
-        EXPECT_GE(clock, 0);
         EXPECT_LT(clock, 0.5);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
         const std::chrono::duration<double> slept = std::chrono::steady_clock::now() - first;
         fillDP(view->dataTypes);
         EXPECT_NEAR(number(view, "clock") - clock, slept.count(), 0.1);
@@ -149,19 +125,12 @@ TEST(AutoSource, ViewReadsScaledWavesAndClockTextsFromItsStart)
 // The built-in record as an editing host meets it: a new variable, a changed form.
 TEST(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
 {
-    DD_DATA_TYPE_STRUCT* known = nullptr;
-    ASSERT_EQ(kriLoadStaticDataSources(&known), 0);
-    DD_DATA_TYPE_STRUCT* source = known;
-    while (source && source->id != 1)
-        source = source->next;
-    ASSERT_NE(source, nullptr);
-    VARIABLE_STRUCT* v = createVariable(4);
-    v->type = KR_VAR_UINT32;
-    v->para[0].ival = 5;
+    LoadedView loaded(viewWith({SourceFields{1, {}, 4, {autoVar(KR_VAR_UINT32, "v", kSaw1, k1)}}}));
+    ASSERT_NE(loaded.view, nullptr);
+    DD_DATA_TYPE_STRUCT* source = loaded.view->dataTypes;
+    VARIABLE_STRUCT* v = source->variables;
     EXPECT_EQ(source->newVariable(v), 0);
-    EXPECT_EQ(v->type, KR_VAR_FLOAT);
-    EXPECT_EQ(v->para[0].ival, kSin);
-    EXPECT_EQ(rangeOf(v), "-1.0..1.0");
+    EXPECT_EQ(std::to_string(v->type) + " " + rangeOf(v), std::to_string(KR_VAR_FLOAT) + " -1.0..1.0");
 
     const struct {
         int form, type;
@@ -178,26 +147,6 @@ TEST(AutoRecord, NewAndChangedVariablesGetTypeAndRange)
     // Only the form parameter calls back with consequences.
     source->callbackVar(1, kSinHalf, nullptr, v);
     EXPECT_EQ(rangeOf(v), "-1.0..1.0");
-    delVariable(nullptr, v);
-
-    // A variable stored with fewer slots than the form is left as it is, and so is its value.
-    VARIABLE_STRUCT* short3 = createVariable(3);
-    short3->type = KR_VAR_UINT8;
-    source->newVariable(short3);
-    source->callbackVar(0, kDate, nullptr, short3);
-    EXPECT_EQ(short3->type, KR_VAR_UINT8);
-    ASSERT_EQ(source->open(source), 0);
-    EXPECT_EQ(source->startView(source), 0);
-    source->run(source);
-    float value = 42;
-    short3->value = &value;
-    source->get(short3, source);
-    EXPECT_EQ(value, 42);
-    short3->value = nullptr;
-    delVariable(nullptr, short3);
-    source->close(source);
-    while (known)
-        delDataType(&known, known, 1);
 }
 
 } // namespace

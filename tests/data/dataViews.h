@@ -16,9 +16,7 @@ namespace k2dtest {
 
 inline korelgen::ViewBuilder viewWith(const std::vector<korelgen::SourceFields>& sources)
 {
-    korelgen::ViewBuilder b = blackPage();
-    b.dataSection(sources);
-    return b;
+    return blackPage().dataSection(sources);
 }
 
 // What krVarGetStr prints, or its result code in angle brackets where that isn't 0.

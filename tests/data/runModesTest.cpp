@@ -7,11 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
 #include <pthread.h>
 
 #include <chrono>
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -21,44 +20,29 @@ namespace {
 using namespace k2dtest;
 using korelgen::SourceFields;
 using korelgen::ViewBuilder;
-using Clock = std::chrono::steady_clock;
 
-constexpr int kExampleType = 100;
-constexpr int kRuns = 0, kThreadName = 2; // what an example variable gives
 constexpr const char* kDataThread = "Korel2D:Data";
 
-// The sample plug-in found through KOREL_HOME, from a working directory of the test's own.
-class ExampleHome : public PluginDirs {
-public:
-    ExampleHome() : PluginDirs(Home::PluginDir) {}
-};
-
-// Constants, and the example's run count and calling thread; Run blocks for blockMs.
+// Constants, and the example's run count (item 0) and calling thread (item 2); Run blocks for
+// blockMs.
 ViewBuilder sourcesView(int blockMs = 0)
 {
     SourceFields constants{2, {}, 1, {{KR_VAR_FLOAT, "pi", "", {{0, "3.5"}}}, {KR_VAR_UINT8, "byte", "", {{0, "300"}}}}};
-    SourceFields example{kExampleType, {{0, std::to_string(blockMs)}, {0, "test"}}, 1,
-                         {{KR_VAR_INT32, "runs", "", {{kRuns, ""}}}, {KR_VAR_TEXT, "thread", "", {{kThreadName, ""}}}}};
+    SourceFields example{100, {{0, std::to_string(blockMs)}, {0, "test"}}, 1,
+                         {{KR_VAR_INT32, "runs", "", {{0, ""}}}, {KR_VAR_TEXT, "thread", "", {{2, ""}}}}};
     return viewWith({constants, example});
-}
-
-int runsOf(VIEW_STRUCT* view)
-{
-    return int(number(view, "runs"));
 }
 
 // Entries of a /proc directory; with a name, only the threads of this process called so.
 int entriesIn(const char* directory, const char* threadName = nullptr)
 {
     int n = 0;
-    DIR* dir = opendir(directory);
-    while (const dirent* entry = dir ? readdir(dir) : nullptr) {
-        std::ifstream comm(std::string(directory) + "/" + entry->d_name + "/comm");
+    std::error_code error; // a thread may end while its entry is read
+    for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
+        std::ifstream comm(entry.path() / "comm");
         std::string line;
         n += !threadName || (std::getline(comm, line) && line == threadName);
     }
-    if (dir)
-        closedir(dir);
     return n;
 }
 
@@ -67,59 +51,32 @@ int dataThreads()
     return entriesIn("/proc/self/task", kDataThread);
 }
 
-TEST(RunModeStates, EachEntryAnswersOnlyInItsState)
-{
-    ExampleHome home;
-    LoadedView loaded(sourcesView());
-    VIEW_STRUCT* view = loaded.view;
-    ASSERT_NE(view, nullptr);
+class SynchronousMode : public ViewTest {};
 
+// Each entry answers only in its state; in mode 1 each draw runs one data cycle.
+TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
+{
+    PluginDirs home(PluginDirs::Home::PluginDir);
+    VIEW_STRUCT* view = load(sourcesView());
+    ASSERT_NE(view, nullptr);
     EXPECT_EQ(krViewStop(view), -3);
-    EXPECT_EQ(krViewStopAnim(view), -3);
     EXPECT_EQ(krViewPutData(view, 0.5), -3);
     EXPECT_EQ(krViewSetHaltMode(view, 1), -3);
     EXPECT_EQ(krViewSetTime(view, 2.0f), 0);
-    EXPECT_EQ(read(view, "pi"), "<-3>");
+    VIEW_STRUCT notAView = {};
+    EXPECT_EQ(krViewStart(&notAView), -2);
 
     ASSERT_EQ(krViewStart(view), 0);
     EXPECT_EQ(krViewStart(view), -3);
     EXPECT_EQ(krViewStartAnim(view), -3);
     EXPECT_EQ(krViewStopAnim(view), -3);
-    EXPECT_EQ(krViewPutData(view, 0.5), 0);
-    EXPECT_DOUBLE_EQ(view->time, 2.5);
-    EXPECT_EQ(krViewSetHaltMode(view, 1), 0);
-    EXPECT_EQ(krViewStop(view), 0);
-
-    // A start clears halt; the clock goes on from where it was.
-    ASSERT_EQ(krViewStartAnim(view), 0);
-    EXPECT_EQ(view->haltMode, 0u);
-    EXPECT_EQ(krViewStopAnim(view), 0);
-    EXPECT_EQ(krViewStop(view), -3);
-
-    VIEW_STRUCT notAView = {};
-    EXPECT_EQ(krViewStart(nullptr), -1);
-    EXPECT_EQ(krViewStart(&notAView), -2);
-    EXPECT_EQ(krViewStop(&notAView), -2);
-}
-
-class SynchronousMode : public ViewTest {
-protected:
-    ExampleHome home;
-};
-
-TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
-{
-    VIEW_STRUCT* view = load(sourcesView());
-    ASSERT_EQ(krViewStart(view), 0);
     // Before the first draw no source has been asked.
     EXPECT_EQ(read(view, "pi"), "0.000000");
     draw(view);
-    EXPECT_EQ(read(view, "pi"), "3.500000");
-    EXPECT_EQ(read(view, "byte"), "44");
-    EXPECT_EQ(runsOf(view), 1);
+    EXPECT_EQ(read(view, "pi") + " " + read(view, "byte") + " " + read(view, "runs"), "3.500000 44 1");
     for (int i = 0; i < 5; ++i)
         draw(view);
-    EXPECT_EQ(runsOf(view), 6);
+    EXPECT_EQ(read(view, "runs"), "6");
     // The drawing thread asks the source itself.
     EXPECT_NE(read(view, "thread"), kDataThread);
     EXPECT_EQ(dataThreads(), 0);
@@ -128,40 +85,55 @@ TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
     // A new start opens the plug-in afresh: its count begins again.
     ASSERT_EQ(krViewStart(view), 0);
     draw(view);
-    EXPECT_EQ(runsOf(view), 1);
-    krViewStop(view);
+    EXPECT_EQ(read(view, "runs"), "1");
+    EXPECT_EQ(krViewPutData(view, 0.5), 0);
+    EXPECT_DOUBLE_EQ(view->time, 2.5);
+    EXPECT_EQ(krViewSetHaltMode(view, 1), 0);
+    ASSERT_EQ(krViewStop(view), 0);
+    // A start clears halt; the clock goes on from where it was.
+    ASSERT_EQ(krViewStartAnim(view), 0);
+    EXPECT_EQ(view->haltMode, 0u);
+    EXPECT_EQ(krViewStopAnim(view), 0);
+    EXPECT_EQ(krViewStop(view), -3);
 }
 
-TEST(AnimatedMode, TheDataThreadCyclesEveryTenMillisecondsWhileRunning)
+// One data thread cycles every ten milliseconds while the view runs; a thousand starts and
+// stops after it leave no thread and no open file behind.
+TEST(AnimatedMode, TheDataThreadCyclesWhileRunningAndLeavesNothingBehind)
 {
-    ExampleHome home;
+    PluginDirs home(PluginDirs::Home::PluginDir);
     LoadedView loaded(sourcesView());
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
-    EXPECT_EQ(dataThreads(), 0);
-
     ASSERT_EQ(krViewStartAnim(view), 0);
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     EXPECT_EQ(dataThreads(), 1);
-    int before = runsOf(view);
+    const double before = number(view, "runs");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    int inHalfASecond = runsOf(view) - before;
     // 10 ms of pause plus the cycle: about 50; a loaded machine runs fewer.
-    EXPECT_GE(inHalfASecond, 20);
-    EXPECT_LE(inHalfASecond, 55);
-    EXPECT_EQ(read(view, "thread"), kDataThread);
-    EXPECT_EQ(read(view, "pi"), "3.500000");
-
+    EXPECT_GE(number(view, "runs") - before, 20);
+    EXPECT_LE(number(view, "runs") - before, 55);
+    EXPECT_EQ(read(view, "thread") + " " + read(view, "pi"), std::string(kDataThread) + " 3.500000");
     ASSERT_EQ(krViewStop(view), 0);
     EXPECT_EQ(dataThreads(), 0);
     EXPECT_EQ(read(view, "runs"), "<-3>");
+
+    // Counted only now that the process has settled: a sanitizer starts its own thread on demand.
+    const int threads = entriesIn("/proc/self/task");
+    const int files = entriesIn("/proc/self/fd");
+    for (int round = 1; round < 1000; ++round) {
+        ASSERT_EQ(krViewStartAnim(view), 0) << round;
+        ASSERT_EQ(krViewStop(view), 0) << round;
+    }
+    EXPECT_EQ(entriesIn("/proc/self/task"), threads);
+    EXPECT_EQ(entriesIn("/proc/self/fd"), files);
 }
 
 // A stop gives the data thread half a second; one blocked in a plug-in's Run for three is left
 // to come back on its own into a stopped view, and the free waits for it before unloading.
 TEST(AnimatedMode, StopDoesNotWaitForABlockedPlugin)
 {
-    ExampleHome home;
+    PluginDirs home(PluginDirs::Home::PluginDir);
     for (bool freeAtOnce : {false, true}) {
         const std::vector<uint8_t> bytes = sourcesView(3000).bytes();
         VIEW_STRUCT* view = krViewLoadData(bytes.data(), bytes.size());
@@ -174,9 +146,9 @@ TEST(AnimatedMode, StopDoesNotWaitForABlockedPlugin)
                 pthread_mutex_unlock(&view->mutex);
             return !free;
         })) << "the data thread never held the view's lock";
-        const auto before = Clock::now();
+        const auto before = std::chrono::steady_clock::now();
         EXPECT_EQ(krViewStop(view), 0);
-        EXPECT_LT(Clock::now() - before, std::chrono::seconds(2));
+        EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(2));
         EXPECT_EQ(dataThreads(), 1); // still inside Run
         EXPECT_EQ(read(view, "pi"), "<-3>");
         if (!freeAtOnce) {
@@ -185,26 +157,6 @@ TEST(AnimatedMode, StopDoesNotWaitForABlockedPlugin)
         EXPECT_EQ(krViewFree(view), 0);
         EXPECT_EQ(dataThreads(), 0);
     }
-}
-
-TEST(AnimatedMode, AThousandRoundsLeaveNoThreadAndNoOpenFile)
-{
-    ExampleHome home;
-    LoadedView loaded(sourcesView());
-    VIEW_STRUCT* view = loaded.view;
-    ASSERT_NE(view, nullptr);
-    // A first round lets the process settle: a sanitizer starts its own thread on demand.
-    ASSERT_EQ(krViewStartAnim(view), 0);
-    ASSERT_EQ(krViewStop(view), 0);
-    const int threads = entriesIn("/proc/self/task");
-    const int files = entriesIn("/proc/self/fd");
-    for (int round = 1; round < 1000; ++round) {
-        ASSERT_EQ(krViewStartAnim(view), 0) << round;
-        ASSERT_EQ(krViewStop(view), 0) << round;
-    }
-    EXPECT_EQ(dataThreads(), 0);
-    EXPECT_EQ(entriesIn("/proc/self/task"), threads);
-    EXPECT_EQ(entriesIn("/proc/self/fd"), files);
 }
 
 } // namespace
