@@ -395,6 +395,10 @@ KOREL2D_API int lineSetAttr(ELEMENT_STRUCT* element);
 KOREL2D_API int imageSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of an image. */
 KOREL2D_API int imageSetAttr(ELEMENT_STRUCT* element);
+/** Draws an image's picture on its four local corners, tinted and faded by attr->fillColor;
+ *  selected non-zero adds the selection outline. A picture without a GL texture is uploaded
+ *  first; one that can't be (no context, too large) draws nothing. @return 0. */
+KOREL2D_API int drawImage(IMAGE_STRUCT* record, ELEMENT_ATTR* attr, int selected);
 /** Geometry pass of a button. */
 KOREL2D_API int buttonSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of a button. */
@@ -440,10 +444,23 @@ KOREL2D_API int KLineCross2(double* ox, double* oy, double x1, double y1, double
 /** Copies width x height RGBA pixels into the process-wide picture store of image elements.
  *  @return a new id (ids are never reused), or -1 for no pixels, a size not above 0 or exhausted memory. */
 KOREL2D_API int txCreate(int width, int height, const void* pixels);
-/** Frees a stored picture. @return 0, or -1 for an unknown id. */
+/** A second id for the same stored picture; the pixels are freed when the last id is deleted.
+ *  @return the new id, or -1 for a negative or unknown id. */
+KOREL2D_API int txCopy(int id);
+/** Removes one id of a stored picture; the last one frees the pixels and the GL texture.
+ *  @return 0, or -1 for an unknown id. */
 KOREL2D_API int txDelete(int id);
 /** The stored pixels, owned by the store until txDelete; null for an unknown id. */
 KOREL2D_API const uint8_t* txData(int id);
+/** Draws the picture on the quad of corners (xs[k], ys[k]), k = 0..3 in view units; the first
+ *  pixel row runs along corners 0 to 3. The current colour tints it and its alpha fades it.
+ *  The GL texture is made, or made again for a context that doesn't know it, as needed;
+ *  without a context, or for a picture larger than GL_MAX_TEXTURE_SIZE, nothing is drawn.
+ *  @return 0, also when nothing is drawn; -1 for a negative or unknown id or null arrays. */
+KOREL2D_API int txDraw(int id, const float* xs, const float* ys);
+/** Stores record->width x record->height RGBA pixels from bytes (the unpacked bitmap of a
+ *  text view file) and sets record->texture to the new id, or -1 on failure. @return 0 or -1. */
+KOREL2D_API int loadTextureFromData(const uint8_t* bytes, IMAGE_STRUCT* record);
 
 /** Rebuilds the printf format of the graph's x labels for a range lo..hi. @return 0. */
 KOREL2D_API int KGraphSetXLabel(GRAPH_STRUCT* record, float lo, float hi);

@@ -191,6 +191,9 @@ void drawElement(ELEMENT_STRUCT* e, int run, int halt, int clip, DRAW_SETTINGS* 
         // Placed by the offset or the pushed matrix like every kind: no offset of its own.
         drawLine(static_cast<LINE_STRUCT*>(e->data), &e->attr, e->selected, 0, 0);
         break;
+    case KR_IMAGE:
+        drawImage(static_cast<IMAGE_STRUCT*>(e->data), &e->attr, e->selected);
+        break;
     case KR_GROUP:
         if (settings->scissorType == 1)
             walkGroupScissorBox(e, run, halt, clip, settings, depth);

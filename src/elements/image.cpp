@@ -2,6 +2,9 @@
 #include "KorelEdit.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
+#include "graphics/graphics.h"
+
+#include <GL/gl.h>
 
 IMAGE_STRUCT* createImage(void)
 {
@@ -19,6 +22,15 @@ void imageFreeData(void* data)
     image->texture = 0;
 }
 
+// The text reader hands over the bitmap it unpacked; the binary readers take theirs from the stream.
+int loadTextureFromData(const uint8_t* bytes, IMAGE_STRUCT* record)
+{
+    if (!record)
+        return -1;
+    record->texture = txCreate(record->width, record->height, bytes);
+    return record->texture < 0 ? -1 : 0;
+}
+
 int imageSetAttr(ELEMENT_STRUCT* element)
 {
     const IMAGE_STRUCT* image = static_cast<IMAGE_STRUCT*>(element->data);
@@ -33,4 +45,20 @@ int imageSetPickSticky(ELEMENT_STRUCT* element)
     IMAGE_STRUCT* image = static_cast<IMAGE_STRUCT*>(element->data);
     cornerGeometry(element, image->cornerX, image->cornerY, image->localX, image->localY);
     return imageSetAttr(element);
+}
+
+// The texture environment modulates, so the fill colour tints the picture and its alpha fades it.
+int drawImage(IMAGE_STRUCT* image, ELEMENT_ATTR* attr, int selected)
+{
+    tkLineStipple(1, 0xFFFF);
+    tkAliasBlend(1, attr->fillColor[3]);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    kvColor4f(attr->fillColor[0], attr->fillColor[1], attr->fillColor[2], attr->fillColor[3]);
+    setStipple(image->fillStyle, image->fillPattern);
+    txDraw(image->texture, image->localX, image->localY);
+    tkAliasBlend(0, 1.0f);
+    setStipple(0, nullptr);
+    if (selected && !attr->live)
+        drawSelectionLoop(image->localX, image->localY);
+    return 0;
 }

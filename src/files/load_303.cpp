@@ -199,8 +199,6 @@ void readLineBody(Reader& in, LINE_STRUCT* l)
     in.skipIntegers(4);
 }
 
-// The pixels go to the picture store. A size the file can't hold ends the load there,
-// before anything is allocated for it.
 void readImageBody(Reader& in, IMAGE_STRUCT* image)
 {
     in.corners(image->cornerX, image->cornerY);
@@ -212,13 +210,7 @@ void readImageBody(Reader& in, IMAGE_STRUCT* image)
     image->height = in.integer();
     image->fillStyle = in.integer();
     in.skipIntegers(3);
-    if (image->width <= 0 || image->height <= 0)
-        return;
-    const uint64_t bytes = uint64_t(image->width) * uint64_t(image->height) * 4;
-    if (!in.roomFor(bytes))
-        return;
-    image->texture = txCreate(image->width, image->height, in.stream->data + in.stream->pos);
-    in.stream->skip(size_t(bytes));
+    loadTexture(in.stream, image);
 }
 
 void readButtonBody(Reader& in, BUTTON_STRUCT* b)

@@ -1,7 +1,7 @@
 // The readers of binary view files, one set per format generation, and what they share.
 #pragma once
 
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "files/KStream.h"
 
 // Deeper nesting than this is no view a person drew: the rest of such a file is dropped
@@ -17,3 +17,10 @@ ELEMENT_STRUCT* elementLoad_303(uint32_t kind, KStream* stream, ELEMENT_STRUCT**
 int actionLoad_303(KStream* stream, ACTION_STRUCT** head);
 // The data-source section behind marker 20: sources, their parameters and variables.
 int dataLoad_303(KStream* stream, DD_DATA_TYPE_STRUCT** head, int revision);
+
+// The pixels behind an image record's fields, width x height as the record says, into the
+// picture store: sets record->texture. RGBA for revision 3.03 on, RGB (made opaque) for
+// revisions 1.07 to 2.03. A size the rest of the file can't hold ends the reading there.
+// Return 0, or -1 when no picture was stored.
+int loadTexture(KStream* stream, IMAGE_STRUCT* record);
+int loadTextureOld(KStream* stream, IMAGE_STRUCT* record);

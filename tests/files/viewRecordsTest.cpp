@@ -222,10 +222,20 @@ TEST(PictureStore, PicturesComeAndGoWithTheirElement)
     EXPECT_EQ(txData(second), nullptr);
     const int third = txCreate(3, 2, pixels.data());
     EXPECT_GT(third, second);
+    // A copy is a second id of the same pixels, which stay until both ids are gone; refused
+    // pictures take no id.
+    const int copy = txCopy(third);
     EXPECT_EQ(txDelete(third), 0);
+    ASSERT_NE(txData(copy), nullptr);
+    EXPECT_EQ(0, memcmp(txData(copy), pixels.data(), pixels.size()));
+    EXPECT_EQ(txDelete(copy), 0);
+    EXPECT_EQ(txCopy(copy), -1);
     EXPECT_EQ(txCreate(0, 5, pixels.data()), -1);
     EXPECT_EQ(txCreate(5, -1, pixels.data()), -1);
     EXPECT_EQ(txCreate(1, 1, nullptr), -1);
+    const int next = txCreate(1, 1, pixels.data());
+    EXPECT_EQ(next, copy + 1);
+    EXPECT_EQ(txDelete(next), 0);
     EXPECT_EQ(txDelete(-3), -1);
 }
 
