@@ -6,6 +6,7 @@
 #include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewBuilder.h"
+#include "files/viewFileReaders.h"
 
 #include <gtest/gtest.h>
 
@@ -237,6 +238,23 @@ TEST(PictureStore, PicturesComeAndGoWithTheirElement)
     EXPECT_EQ(next, copy + 1);
     EXPECT_EQ(txDelete(next), 0);
     EXPECT_EQ(txDelete(-3), -1);
+}
+
+// Older files store RGB: the picture becomes opaque RGBA, and a size the rest of the file
+// can't hold ends the reading there.
+TEST(PictureStore, RgbPicturesBecomeOpaqueAndOversizedOnesEndTheFile)
+{
+    const uint8_t rgb[] = {1, 2, 3, 4, 5, 6, 7};
+    KStream stream{rgb, sizeof rgb, 0};
+    IMAGE_STRUCT record = {};
+    record.width = 2, record.height = 1;
+    ASSERT_EQ(loadTextureOld(&stream, &record), 0);
+    EXPECT_EQ(std::vector<uint8_t>(txData(record.texture), txData(record.texture) + 8),
+              (std::vector<uint8_t>{1, 2, 3, 255, 4, 5, 6, 255}));
+    EXPECT_EQ(txDelete(record.texture), 0);
+    record.width = 0x7FFFFFFF;
+    EXPECT_EQ(loadTextureOld(&stream, &record), -1);
+    EXPECT_TRUE(stream.atEnd());
 }
 
 // Every stored field differs from its default and from the same field of the other actions.
