@@ -143,6 +143,13 @@ void apply(ELEMENT_STRUCT* element, ACTION_STRUCT* action, double v)
     case KR_ACTION_MOVE_Y_RELATIVE: translate(element, 0, element->height * v); break;
     case KR_ACTION_MOVE_X_ABSOLUTE: translate(element, v - element->x, 0); break;
     case KR_ACTION_MOVE_Y_ABSOLUTE: translate(element, 0, v - element->y); break;
+    case KR_ACTION_MOVE_ALONG_POLYLINE: {
+        // A rail without a segment leaves the point unwritten: no movement then.
+        float x = element->x, y = element->y;
+        if (getMovePolyCoord(action->movePoly, &x, &y, v) == 0)
+            translate(element, double(x) - element->x, double(y) - element->y);
+        break;
+    }
     case KR_ACTION_STROKE_COLOR:
     case KR_ACTION_FILL_COLOR: {
         const bool stroke = action->type == KR_ACTION_STROKE_COLOR;
@@ -184,7 +191,7 @@ void apply(ELEMENT_STRUCT* element, ACTION_STRUCT* action, double v)
             attr.blink = entry->value != 0;
         }
         break;
-    default: break; // graphs and input actions are read elsewhere; moving along a polyline is not yet drawn
+    default: break; // graphs and input actions are read elsewhere
     }
 }
 

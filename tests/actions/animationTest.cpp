@@ -182,6 +182,36 @@ TEST_F(Animation, NeedleArcEndAndFillLevelFollowTheirValues)
     EXPECT_EQ(f.count(260, 60, 340, 240, green), f.count(260, 60, 340, 152, green));
 }
 
+// The rail stands in a sibling group, behind a closed polygon and a group of its name, neither of
+// which serves; the blue marker, whose rail is missing, stays put. Drawn 50 pixels low to show y = 300.
+TEST_F(Animation, MarkerRidesItsRailByFractionOfTheLength)
+{
+    PolyFields rail;
+    rail.strokeOn = 0;
+    rail.points = {{0, 100, 100}, {1, 300, 100}, {2, 300, 300}};
+    ActionFields ride = act(KR_ACTION_MOVE_ALONG_POLYLINE, "at"), lost = ride;
+    ride.translatePoly = "rail", lost.translatePoly = "nosuch";
+    RectFields stay = box(45, 195, 55, 205);
+    stay.fill[0] = 0, stay.fill[2] = 1;
+    ViewBuilder b;
+    b.page(0, 0, 400, 350, 0, 0, 0).cpoly(rail, "rail").beginGroup(1, "rail").polyline(rail, "rail").endGroup();
+    b.actions({ride}).rect(box(15, 15, 25, 25)).actions({lost}).rect(stay);
+    setLogLevel(2);
+    getLogMsg(nullptr, 0);
+    start(b, {"at"});
+    char log[1024];
+    getLogMsg(log, sizeof log);
+    EXPECT_STREQ(log, "Polygon nosuch not found !\n");
+    const int cases[][3] = {{-100, 100, 100}, {25, 200, 100}, {75, 300, 200}, {200, 300, 300}}; // per cent, x, y
+    for (const auto& [at, x, y] : cases) {
+        set("at", at / 100.0f);
+        Frame f = draw(view, 0, -50);
+        expectRedBox(f, x - 5, y - 55, x + 5, y - 45);
+        EXPECT_EQ(f.count(46, 146, 54, 154, {0, 0, 255}), 64) << at;
+    }
+    setLogLevel(1);
+}
+
 TEST_F(Animation, MappingLimitsAndFiltersShapeTheValue)
 {
     ActionFields limited = act(KR_ACTION_MOVE_X, "raw");
