@@ -431,6 +431,25 @@ KOREL2D_API int pickPoly(ELEMENT_STRUCT* element, float x, float y);
 /** Sets fillLevel to -1 (no cut) on every polyline of the tree, groups included. @return 0. */
 KOREL2D_API int resetAllPoly(ELEMENT_STRUCT* list);
 
+/* Rails: an action of type KR_ACTION_MOVE_ALONG_POLYLINE moves its element along a polyline
+ * (KR_POLYLINE; a closed polygon never serves) named by the action's translatePoly. */
+
+/** Binds each rail action of the list and of the groups below it to its polyline, searched by
+ *  getPolyByName from the list the moved element stands in (never from the levels above); a
+ *  missing one logs "Polygon <name> not found !" at level 2 and leaves movePoly null. Then
+ *  measures the polylines (calcPolyLength). Run at each start. @return 0. */
+KOREL2D_API int assignMovePoly(ELEMENT_STRUCT* list);
+/** The first polyline named `name`, depth first in list order, groups searched through their
+ *  children; a group's own name and closed polygons never match. Null if there is none. */
+KOREL2D_API ELEMENT_STRUCT* getPolyByName(ELEMENT_STRUCT* list, const char* name);
+/** Fills each point's distance (view units along the polyline from its first point) and the
+ *  record's length on every polyline of the tree, groups included. @return 0. */
+KOREL2D_API int calcPolyLength(ELEMENT_STRUCT* list);
+/** The point (view units) at `fraction` of a measured polyline's length, fraction clamped to
+ *  0..1. With fewer than two points x and y are not written. @return 0, or -1 for a null
+ *  element or output, or an element that isn't a polyline. */
+KOREL2D_API int getMovePolyCoord(ELEMENT_STRUCT* element, float* x, float* y, double fraction);
+
 /* ================================================================ 5. geometry, pictures, graph labels */
 
 /** 1 when the segments (x1, y1)-(x2, y2) and (x3, y3)-(x4, y4) meet, ends included; parallel

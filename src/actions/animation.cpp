@@ -143,6 +143,15 @@ void apply(ELEMENT_STRUCT* element, ACTION_STRUCT* action, double v)
     case KR_ACTION_MOVE_Y_RELATIVE: translate(element, 0, element->height * v); break;
     case KR_ACTION_MOVE_X_ABSOLUTE: translate(element, v - element->x, 0); break;
     case KR_ACTION_MOVE_Y_ABSOLUTE: translate(element, 0, v - element->y); break;
+    case KR_ACTION_MOVE_ALONG_POLYLINE: {
+        // A rail without a segment leaves the point unwritten: no movement then. The rail's points
+        // are view units and x, y of an element in a group are relative to it, so such an element
+        // follows its rail only while the group is centred on the origin.
+        float x = element->x, y = element->y;
+        if (getMovePolyCoord(action->movePoly, &x, &y, v) == 0)
+            translate(element, double(x) - element->x, double(y) - element->y);
+        break;
+    }
     case KR_ACTION_STROKE_COLOR:
     case KR_ACTION_FILL_COLOR: {
         const bool stroke = action->type == KR_ACTION_STROKE_COLOR;
@@ -184,7 +193,7 @@ void apply(ELEMENT_STRUCT* element, ACTION_STRUCT* action, double v)
             attr.blink = entry->value != 0;
         }
         break;
-    default: break; // graphs and input actions are read elsewhere; moving along a polyline is not yet drawn
+    default: break; // graphs and input actions are read elsewhere
     }
 }
 

@@ -122,6 +122,7 @@ int startView(VIEW_STRUCT* view, uint32_t mode)
     view->sourcesOpen = 1;
     // After StartView, which may have replaced a source's variables.
     assignVariables(view->elements, view->dataTypes);
+    assignMovePoly(view->elements);
     for (DD_DATA_TYPE_STRUCT* source = view->dataTypes; source; source = source->next)
         for (VARIABLE_STRUCT* variable = source->variables; variable; variable = variable->next)
             mpiHashInsertAscii(view->varHash, variable->name, variable);

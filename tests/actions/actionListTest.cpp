@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <vector>
 
@@ -99,9 +98,6 @@ TEST(ActionCopies, StoredContentAndOwnThresholds)
 {
     ACTION_STRUCT* source = createAction();
     source->type = KR_ACTION_STROKE_STYLE;
-    snprintf(source->var, sizeof source->var, "speed");
-    source->id = 4;
-    source->blinkMax = 8;
     source->heldValue = malloc(8);
     for (int i = 0; i < 3; ++i) {
         TH_STRUCT* th = createTh();
@@ -112,9 +108,6 @@ TEST(ActionCopies, StoredContentAndOwnThresholds)
     delAction(nullptr, source);
     ASSERT_NE(copy, nullptr);
     EXPECT_EQ(copy->type, KR_ACTION_STROKE_STYLE);
-    EXPECT_STREQ(copy->var, "speed");
-    EXPECT_EQ(copy->id, 4);
-    EXPECT_FLOAT_EQ(copy->blinkMax, 8);
     EXPECT_EQ(copy->heldValue, nullptr);
     Ids values;
     for (const TH_STRUCT* th = copy->styleThresholds; th; th = th->next)

@@ -182,6 +182,47 @@ TEST_F(Animation, NeedleArcEndAndFillLevelFollowTheirValues)
     EXPECT_EQ(f.count(260, 60, 340, 240, green), f.count(260, 60, 340, 152, green));
 }
 
+// The rail stands in a sibling group, behind a closed polygon and a group of its name, neither of
+// which serves; the blue marker, whose rail is missing, stays put. Drawn 50 pixels low to show y = 300.
+// The start measures every polyline (those off the screen too): a fraction of the length is a
+// point on it, and a single point gives nothing to move along.
+TEST_F(Animation, MarkerRidesItsRailByFractionOfTheLength)
+{
+    PolyFields rail, bent, same, dot;
+    rail.strokeOn = 0;
+    rail.points = {{0, 100, 100}, {1, 300, 100}, {2, 300, 300}};
+    bent.points = {{0, 0, 0}, {1, 3, 4}, {2, 3, 14}}, same.points = {{0, 5, 5}, {1, 5, 5}}, dot.points = {{0, 5, 5}};
+    ActionFields ride = act(KR_ACTION_MOVE_ALONG_POLYLINE, "at"), lost = ride;
+    ride.translatePoly = "rail", lost.translatePoly = "nosuch";
+    const RectFields stay{45, 195, 55, 205, 0, 1, 0, {1, 1, 1, 1}, 1, {0, 0, 1, 1}}; // blue
+    ViewBuilder b;
+    b.page(0, 0, 400, 350, 0, 0, 0).cpoly(rail, "rail").beginGroup(1, "rail").polyline(rail, "rail").endGroup();
+    b.polyline(bent, "bent").polyline(same, "same").polyline(dot, "dot");
+    b.actions({ride}).rect(box(15, 15, 25, 25)).actions({lost}).rect(stay);
+    setLogLevel(2);
+    getLogMsg(nullptr, 0);
+    start(b, {"at"});
+    char log[1024];
+    getLogMsg(log, sizeof log);
+    EXPECT_STREQ(log, "Polygon nosuch not found !\n");
+    const struct { const char* name; double at; float length, x, y; } measured[] = {
+        {"bent", 1.0 / 3, 15, 3, 4}, {"bent", 0.5, 15, 3, 6.5f}, {"same", 0.5, 0, 5, 5}, {"dot", 0.5, 0, -7, -7}};
+    for (const auto& m : measured) {
+        ELEMENT_STRUCT* p = getPolyByName(view->elements, m.name);
+        float x = -7, y = -7;
+        ASSERT_EQ(getMovePolyCoord(p, &x, &y, m.at), 0) << m.name;
+        EXPECT_EQ(std::vector<float>({static_cast<POLY_STRUCT*>(p->data)->length, x, y}),
+                  std::vector<float>({m.length, m.x, m.y})) << m.name << " at " << m.at;
+    }
+    const int cases[][3] = {{-100, 100, 100}, {25, 200, 100}, {75, 300, 200}, {200, 300, 300}}; // per cent, x, y
+    for (const auto& [at, x, y] : cases) {
+        set("at", at / 100.0f);
+        Frame f = draw(view, 0, -50);
+        expectRedBox(f, x - 5, y - 55, x + 5, y - 45);
+        EXPECT_EQ(f.count(46, 146, 54, 154, {0, 0, 255}), 64) << at;
+    }
+}
+
 TEST_F(Animation, MappingLimitsAndFiltersShapeTheValue)
 {
     ActionFields limited = act(KR_ACTION_MOVE_X, "raw");
