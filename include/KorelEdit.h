@@ -387,6 +387,31 @@ KOREL2D_API int circleSetAttr(ELEMENT_STRUCT* element);
 KOREL2D_API int textSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of a text. */
 KOREL2D_API int textSetAttr(ELEMENT_STRUCT* element);
+/** Corners of a text's unturned box about its position, from its stored text measured in its
+ *  font: an outline font at textSize, its width scaled by textSize / fontSize (truncated), a
+ *  bitmap font as the font measures it. @return 0. */
+KOREL2D_API int calcVecTextNew(TEXT_STRUCT* record);
+/** Replaces a text's stored string and re-derives its box. A string of more than 254 characters
+ *  is cut in the caller's buffer, whose index 255 must exist. @return 0, -1 when the element is
+ *  not a text (nothing changes but the cut). */
+KOREL2D_API int textSetNewText(ELEMENT_STRUCT* element, char* text);
+/** Brings a fixed text of an old file to the present record: font "Courier [fixed]", style and
+ *  size from fontCode 0 to 39 (40 and more keep both), textSize = fontSize, the position moved
+ *  from the align anchor to the centre by the unscaled metric, identity matrix; the font is made
+ *  anew. @return 0. */
+KOREL2D_API int convertTextNewFormat(TEXT_STRUCT* record, int fontCode);
+/** Brings a vector text of an old file to the present record: "Arial" at fontSize and textSize
+ *  30, style kept, font made anew; fontCode is not used. @return 0. */
+KOREL2D_API int convertTextNewFormatVec(TEXT_STRUCT* record, int fontCode);
+/** Position and matrix of a text from the four corner points of an old file, held in cornerX and
+ *  cornerY: corner 0 to 3 runs along the baseline, corner 0 to 1 up the height. Then its corners as
+ *  calcVecTextNew. @return 0. */
+KOREL2D_API int calcVecText(TEXT_STRUCT* record);
+/** Draws the string attr->text in the record's font and the colour attr->strokeColor, aligned in
+ *  the stored text's box by align; an outline font follows the matrix and is scaled to textSize.
+ *  A record without a font gets one here. selected non-zero adds the selection outline in an
+ *  editing tool. Needs a current GL context; clears the flag krTextUpdate reports. @return 0. */
+KOREL2D_API int drawText(TEXT_STRUCT* record, ELEMENT_ATTR* attr, int selected);
 /** Geometry pass of a line. */
 KOREL2D_API int lineSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of a line. */
