@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 static TEXT_STRUCT textDefaults(int textSize)
@@ -188,6 +189,90 @@ int drawText(TEXT_STRUCT* t, ELEMENT_ATTR* attr, int selected)
         drawSelectionLoop(loopX, loopY);
         tkPopMatrix();
     }
+    return 0;
+}
+
+// The family's size nearest the wanted one; the first wins a tie, and a family that takes any
+// size keeps the wish.
+static int nearestSize(const char* family, int style, int wanted)
+{
+    int count = 0;
+    int* sizes = gkFamilyGetSizes(family, style, &count);
+    int best = wanted;
+    long long bestDistance = 100000;
+    for (int i = 0; i < count; ++i) {
+        const long long distance = std::llabs(static_cast<long long>(sizes[i]) - wanted);
+        if (distance < bestDistance)
+            best = sizes[i], bestDistance = distance;
+    }
+    if (count > 0)
+        gkFree(sizes);
+    return best;
+}
+
+// A style the family has: the current one if it shares a bit with them, else the first it has.
+static int styleOfFamily(const char* family, int style)
+{
+    const int has = gkFamilyGetStyles(family);
+    if (style & has)
+        return style;
+    for (int bit : {GK_PLAIN, GK_BOLD, GK_ITALIC, GK_BOLD_ITALIC})
+        if (has & bit)
+            return bit;
+    return style;
+}
+
+static void remakeFont(TEXT_STRUCT* t);
+
+int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT*, int code, int, void* value)
+{
+    if (!element || !value || element->type != KR_TEXT)
+        return -1;
+    TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
+    KR_EDIT_VALUE* v = static_cast<KR_EDIT_VALUE*>(value);
+    bool fontChanged = true;
+    switch (code) {
+    case KR_EDIT_FONT_SIZE: {
+        const int size = nearestSize(t->fontFamily, t->fontStyle, v->number);
+        v->number = size;
+        const float factor = float(size) / float(t->fontSize);
+        for (float& m : t->matrix)
+            m *= factor;
+        t->fontSize = size;
+        remakeFont(t);
+        break;
+    }
+    case KR_EDIT_FONT_FAMILY:
+    {
+        const size_t n = strnlen(v->string, sizeof t->fontFamily - 1);
+        memcpy(t->fontFamily, v->string, n);
+        t->fontFamily[n] = '\0';
+        t->fontStyle = styleOfFamily(t->fontFamily, t->fontStyle);
+        t->fontSize = nearestSize(t->fontFamily, t->fontStyle, t->fontSize);
+        remakeFont(t);
+        if (!t->scalable) {
+            const float identity[4] = {1, 0, 0, 1};
+            std::copy(identity, identity + 4, t->matrix);
+            t->textSize = t->fontSize;
+        }
+        break;
+    }
+    case KR_EDIT_FONT_STYLE:
+        t->fontStyle = v->number;
+        remakeFont(t);
+        break;
+    case KR_EDIT_TEXT:
+        v->string[sizeof v->string - 1] = '\0';
+        textSetNewText(element, v->string);
+        return textSetAttr(element);
+    case KR_EDIT_ALIGN: t->align = v->number; return textSetAttr(element);
+    default: fontChanged = false; break;
+    }
+    if (fontChanged) {
+        textSetPickSticky(element);
+        updateFlag = 1;
+    }
+    textSetAttr(element);
     return 0;
 }
 

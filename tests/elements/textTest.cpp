@@ -148,6 +148,32 @@ TEST_F(Text, NewTextIsCutTo255AndOnlyTakenByAText)
     EXPECT_GT(view->elements->width, 1000);
 }
 
+// Font edits re-make the font and raise the host's flag until the next draw; an anchor edit
+// shows at once and leaves the position.
+TEST_F(Text, EditsChangeFontAndAnchorAtOnce)
+{
+    VIEW_STRUCT* view = load(blackPage().text(textAt("Hello 123", 100, 75)));
+    ELEMENT_STRUCT* e = view->elements;
+    const TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(e->data);
+    KR_EDIT_VALUE v = {};
+    v.number = 0;
+    EXPECT_EQ(e->edit(e, nullptr, KR_EDIT_ALIGN, 0, &v), 0);
+    EXPECT_EQ(frameHash(draw(view)), frameHash(drawOne(textAt("Hello 123", 100, 75, 0))));
+    EXPECT_TRUE(e->x == 100 && e->y == 75 && krTextUpdate() == 0);
+    v.number = 60; // any size for an outline family: the drawn text doubles with the matrix
+    e->edit(e, nullptr, KR_EDIT_FONT_SIZE, 0, &v);
+    EXPECT_TRUE(krTextUpdate() == 1 && v.number == 60 && t->fontSize == 60 && t->matrix[0] == 2 && t->matrix[3] == 2);
+    EXPECT_NEAR(Ink(draw(view)).height(), 2 * Ink(drawOne(textAt("Hello 123", 100, 75, 0))).height(), 2);
+    EXPECT_EQ(krTextUpdate(), 0);
+    strcpy(v.string, "Courier [fixed]");
+    e->edit(e, nullptr, KR_EDIT_FONT_FAMILY, 0, &v);
+    EXPECT_TRUE(!t->scalable && t->textSize == t->fontSize && t->fontSize <= 60 && t->matrix[0] == 1 && t->matrix[3] == 1);
+    const uint64_t plain = frameHash(draw(view));
+    v.number = GK_BOLD;
+    e->edit(e, nullptr, KR_EDIT_FONT_STYLE, 0, &v);
+    EXPECT_TRUE(t->fontStyle == GK_BOLD && krTextUpdate() == 1 && frameHash(draw(view)) != plain);
+}
+
 // Old fixed texts were placed by their anchor and a font code; old vector texts by four corners.
 TEST(OldText, RecordsTakeThePresentFormOfTheirFontAndPlace)
 {
