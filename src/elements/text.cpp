@@ -75,6 +75,14 @@ static void measureText(const TEXT_STRUCT* t, const char* s, int* width, int* he
     }
 }
 
+// A font for the record's family, style and size in place of the old one; outline or bitmap asked anew.
+static void remakeFont(TEXT_STRUCT* t)
+{
+    gkFontFree(t->font);
+    t->font = gkFontCreate(t->fontFamily, t->fontStyle, t->fontSize);
+    t->scalable = gkFontScalable(t->font);
+}
+
 // Set whenever an edit makes a text's font anew, so that a host knows to redraw; each draw clears it.
 static int updateFlag = 0;
 
@@ -139,8 +147,7 @@ int drawText(TEXT_STRUCT* t, ELEMENT_ATTR* attr, int selected)
     updateFlag = 0;
     // Loaded texts have their font; one made by an editor gets it on its first draw.
     if (!t->font) {
-        t->font = gkFontCreate(t->fontFamily, t->fontStyle, t->fontSize);
-        t->scalable = gkFontScalable(t->font);
+        remakeFont(t);
         calcVecTextNew(t);
     }
     // The stored text was measured by the geometry pass; only a string an action shows is
@@ -222,8 +229,6 @@ static int styleOfFamily(const char* family, int style)
     return style;
 }
 
-static void remakeFont(TEXT_STRUCT* t);
-
 int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT*, int code, int, void* value)
 {
     if (!element || !value || element->type != KR_TEXT)
@@ -242,8 +247,7 @@ int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT*, int code, int, void* valu
         remakeFont(t);
         break;
     }
-    case KR_EDIT_FONT_FAMILY:
-    {
+    case KR_EDIT_FONT_FAMILY: {
         const size_t n = strnlen(v->string, sizeof t->fontFamily - 1);
         memcpy(t->fontFamily, v->string, n);
         t->fontFamily[n] = '\0';
@@ -278,19 +282,12 @@ int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT*, int code, int, void* valu
 
 // Older files: what they stored of a text, brought to the present record.
 
-static void remakeFont(TEXT_STRUCT* t)
-{
-    gkFontFree(t->font);
-    t->font = gkFontCreate(t->fontFamily, t->fontStyle, t->fontSize);
-    t->scalable = gkFontScalable(t->font);
-}
-
 int convertTextNewFormat(TEXT_STRUCT* t, int fontCode)
 {
     t->underline = 0;
     strcpy(t->fontFamily, "Courier [fixed]");
     if (fontCode >= 0 && fontCode < 40) {
-        static const int styles[4] = {1, 4, 2, 8};
+        static const int styles[4] = {GK_PLAIN, GK_ITALIC, GK_BOLD, GK_BOLD_ITALIC};
         static const int firstCode[6] = {0, 8, 16, 20, 28, 36}, sizes[6] = {11, 14, 17, 20, 25, 34};
         t->fontStyle = styles[fontCode & 3];
         for (int i = 0; i < 6; ++i)
