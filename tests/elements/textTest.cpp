@@ -72,7 +72,8 @@ TEST_F(Text, OutlineTextsScaleAndTurnBitmapTextsKeepTheirPixels)
         SCOPED_TRACE(std::string(r.family) + " " + std::to_string(r.size * 10 + r.zoom));
         TextFields t = textAt("Hello 123", 130, 75, KR_POS_CENTRE, r.family);
         const Frame base = drawOne(t);
-        t.textSize = r.size, t.matrix[0] = t.matrix[3] = float(!r.turned), t.matrix[1] = -r.turned, t.matrix[2] = r.turned;
+        t.textSize = r.size;
+        t.matrix[0] = t.matrix[3] = float(!r.turned), t.matrix[1] = -r.turned, t.matrix[2] = r.turned;
         VIEW_STRUCT* view = load(blackPage().text(t));
         const TEXT_STRUCT* c = static_cast<TEXT_STRUCT*>(view->elements->data);
         const float hw = float(w * r.size / 30 * 0.5), hh = r.size * 0.5f;
@@ -101,7 +102,8 @@ TEST_F(Text, ShownStringKeepsTheEdgeItsAnchorNames)
     const Ink left(drawOne(textAt("1", 200 - wr / 2 + ws / 2, 150))); // a stored "1" where the "88888" starts
     uint64_t looks[10];
     for (int align : {7, 9, 5, 1, 8, 2, 6, 3, 4}) {
-        VIEW_STRUCT* view = start(blackPage().actions({act(KR_ACTION_TEXT, "t")}).text(textAt("88888", 200, 150, align)));
+        ViewBuilder b = blackPage();
+        VIEW_STRUCT* view = start(b.actions({act(KR_ACTION_TEXT, "t")}).text(textAt("88888", 200, 150, align)));
         ASSERT_EQ(krVarSet(view, "t", "1"), 1);
         const Frame f = draw(view);
         looks[align] = frameHash(f);
@@ -122,7 +124,8 @@ TEST_F(Text, ValuesShowAsTheirFormattedTextWouldStandUntilStopped)
     b.actions({d}).text(textAt("Text", 200, 50)).actions({i}).text(textAt("Text", 200, 150));
     VIEW_STRUCT* view = start(b.actions({act(KR_ACTION_TEXT, "t")}).text(textAt("Text", 200, 250)));
     const auto stored = [&](const char* a, const char* b, const char* c) {
-        return frameHash(draw(load(blackPage().text(textAt(a, 200, 50)).text(textAt(b, 200, 150)).text(textAt(c, 200, 250)))));
+        ViewBuilder v = blackPage();
+        return frameHash(draw(load(v.text(textAt(a, 200, 50)).text(textAt(b, 200, 150)).text(textAt(c, 200, 250)))));
     };
     const double pi = 3.14159, later = 2.5;
     const int32_t n = 42;
@@ -158,7 +161,8 @@ TEST_F(Text, EditsChangeFontTextAndAnchorAtOnce)
     e->edit(e, nullptr, KR_EDIT_FONT_STYLE, 0, &v);
     EXPECT_TRUE(t->fontStyle == GK_BOLD && krTextUpdate() == 1 && frameHash(draw(view)) != plain);
     std::string longer(300, 'y');
-    EXPECT_TRUE(textSetNewText(load(blackPage().rect(box(0, 0, 9, 9)))->elements, longer.data()) == -1 && strlen(longer.c_str()) == 255);
+    ELEMENT_STRUCT* rect = load(blackPage().rect(box(0, 0, 9, 9)))->elements;
+    EXPECT_TRUE(textSetNewText(rect, longer.data()) == -1 && strlen(longer.c_str()) == 255);
     EXPECT_TRUE(textSetNewText(e, longer.data()) == 0 && t->text + std::string(e->attr.text) == std::string(510, 'y'));
 }
 
@@ -192,7 +196,8 @@ TEST(OldText, RecordsTakeThePresentFormOfTheirFontAndPlace)
     std::copy(cornerX, cornerX + 4, t->cornerX), std::copy(cornerY, cornerY + 4, t->cornerY);
     calcVecText(t);
     EXPECT_TRUE(t->fontSize == 30 && t->textSize == 30 && t->scalable && t->x == -5 && t->y == 20 + w2 * 0.5f);
-    EXPECT_TRUE(std::abs(t->matrix[0]) + std::abs(t->matrix[1] + 1) + std::abs(t->matrix[2] - 0.5f) + std::abs(t->matrix[3]) < 1e-6);
+    const float* m = t->matrix;
+    EXPECT_TRUE(std::abs(m[0]) + std::abs(m[1] + 1) + std::abs(m[2] - 0.5f) + std::abs(m[3]) < 1e-6);
     gkFontFree(t->font);
     free(t);
 }
