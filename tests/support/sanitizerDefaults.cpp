@@ -25,10 +25,15 @@ const char* __ubsan_default_options()
 
 namespace {
 
-// The software renderer draws on the test's own thread: no driver worker threads are left
-// running when the leak checker stops the process at exit.
+// The software renderer draws on the test's own thread and keeps no shader cache, whose writer
+// thread would otherwise still be waiting when the leak checker stops the process at exit (the
+// checker's tracer has crashed on it now and then).
 struct SingleThreadedRenderer {
-    SingleThreadedRenderer() { setenv("LP_NUM_THREADS", "0", 0); }
+    SingleThreadedRenderer()
+    {
+        setenv("LP_NUM_THREADS", "0", 0);
+        setenv("MESA_SHADER_CACHE_DISABLE", "true", 0);
+    }
 } singleThreadedRenderer;
 
 } // namespace
