@@ -496,6 +496,9 @@ KOREL2D_API int krViewDraw(WINDOW_STRUCT* window, VIEW_STRUCT* view, float x, fl
 /** Draws into the host's matrices at the view's last position and zoom (those of the last
  *  krViewDraw). @return 0, -1, -2, -3. */
 KOREL2D_API int krViewDrawPlane_Direct(VIEW_STRUCT* view);
+/** 1 when an edit has made a text's font anew since the last text was drawn, so the host
+ *  should draw again; 0 otherwise. Process-wide, not per view. */
+KOREL2D_API int krTextUpdate(void);
 /** mode 0: from a cached texture of the page, 1: renders that texture again first, 2: as
  *  krViewDrawPlane_Direct. @return 0, -1, -2, -3. */
 KOREL2D_API int krViewDrawPlane(VIEW_STRUCT* view, int mode);

@@ -313,6 +313,25 @@ KOREL2D_API ACTION_STRUCT* actionCopy(const ACTION_STRUCT* source);
 
 /* ================================================================ 3. element kinds */
 
+/** Codes of an element's edit (ELEMENT_STRUCT.edit) that take effect at once, whatever the phase. */
+enum {
+    KR_EDIT_FONT_SIZE = 28,    /* number: wanted font size, replaced by the nearest the family has */
+    KR_EDIT_TEXT = 120,        /* string: the new text */
+    KR_EDIT_ALIGN = 121,       /* number: anchor, a KR_POS_... word */
+    KR_EDIT_FONT_FAMILY = 123, /* string: the new family; style and size follow what it has */
+    KR_EDIT_FONT_STYLE = 124   /* number: style mask, 1 plain, 2 bold, 4 italic, 8 bold italic */
+};
+
+/** @typedef KR_EDIT_VALUE
+ * What `value` of an element's edit points to; each code reads its own fields. */
+typedef struct KR_EDIT_VALUE {
+    float x, y;       /* the pointer, or the operand of a move, scale or turn */
+    float width;      /* a line width */
+    float color[3];   /* a colour */
+    int32_t number;   /* a size, anchor, style or other whole operand */
+    char string[256]; /* a text or a font family */
+} KR_EDIT_VALUE;
+
 /** A new rectangle record, a copy of `source` or the defaults for null; the caller's (free()) until
  *  it becomes an element's data. Null when out of memory. The other create functions alike. */
 KOREL2D_API RECT_STRUCT* createRect(const RECT_STRUCT* source);
@@ -387,6 +406,41 @@ KOREL2D_API int circleSetAttr(ELEMENT_STRUCT* element);
 KOREL2D_API int textSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of a text. */
 KOREL2D_API int textSetAttr(ELEMENT_STRUCT* element);
+/** Corners of a text's unturned box about its position, from its stored text measured in its
+ *  font: an outline font at textSize, its width scaled by textSize / fontSize (truncated), a
+ *  bitmap font as the font measures it. @return 0. */
+KOREL2D_API int calcVecTextNew(TEXT_STRUCT* record);
+/** Replaces a text's stored string and re-derives its box. A string of more than 254 characters
+ *  is cut in the caller's buffer, whose index 255 must exist. @return 0, -1 when the element is
+ *  not a text (nothing changes but the cut). */
+KOREL2D_API int textSetNewText(ELEMENT_STRUCT* element, char* text);
+/** Edit of a text; value points to a KR_EDIT_VALUE. KR_EDIT_FONT_SIZE takes the family's size
+ *  nearest value->number (written back there), scales the matrix by new / old fontSize and makes
+ *  the font anew; KR_EDIT_FONT_FAMILY takes value->string (cut to 63 characters) with the first
+ *  style the family has when it lacks the current one and its size nearest fontSize, and a bitmap
+ *  family resets the matrix and sets textSize = fontSize; KR_EDIT_FONT_STYLE sets the style;
+ *  KR_EDIT_TEXT is textSetNewText; KR_EDIT_ALIGN sets align alone. Font changes re-derive the box
+ *  and raise the flag krTextUpdate reports. Other codes only re-seed the look (handle drags are
+ *  not handled yet). stickies and phase are not read by these codes. @return 0, -1 for a null
+ *  element or value or an element that is not a text. */
+KOREL2D_API int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** Brings a fixed text of an old file to the present record: font "Courier [fixed]", style and
+ *  size from fontCode 0 to 39 (40 and more keep both), textSize = fontSize, the position moved
+ *  from the align anchor to the centre by the unscaled metric, identity matrix; the font is made
+ *  anew. @return 0. */
+KOREL2D_API int convertTextNewFormat(TEXT_STRUCT* record, int fontCode);
+/** Brings a vector text of an old file to the present record: "Arial" at fontSize and textSize
+ *  30, style kept, font made anew; fontCode is not used. @return 0. */
+KOREL2D_API int convertTextNewFormatVec(TEXT_STRUCT* record, int fontCode);
+/** Position and matrix of a text from the four corner points of an old file, held in cornerX and
+ *  cornerY: corner 0 to 3 runs along the baseline, corner 0 to 1 up the height. Then its corners as
+ *  calcVecTextNew. @return 0. */
+KOREL2D_API int calcVecText(TEXT_STRUCT* record);
+/** Draws the string attr->text in the record's font and the colour attr->strokeColor, aligned in
+ *  the stored text's box by align; an outline font follows the matrix and is scaled to textSize.
+ *  A record without a font gets one here. selected non-zero adds the selection outline in an
+ *  editing tool. Needs a current GL context; clears the flag krTextUpdate reports. @return 0. */
+KOREL2D_API int drawText(TEXT_STRUCT* record, ELEMENT_ATTR* attr, int selected);
 /** Geometry pass of a line. */
 KOREL2D_API int lineSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of a line. */

@@ -187,6 +187,9 @@ void drawElement(ELEMENT_STRUCT* e, int run, int halt, int clip, DRAW_SETTINGS* 
     case KR_ARC:
         drawCircle(static_cast<CIRCLE_STRUCT*>(e->data), &e->attr, e->selected);
         break;
+    case KR_TEXT:
+        drawText(static_cast<TEXT_STRUCT*>(e->data), &e->attr, e->selected);
+        break;
     case KR_LINE:
         // Placed by the offset or the pushed matrix like every kind: no offset of its own.
         drawLine(static_cast<LINE_STRUCT*>(e->data), &e->attr, e->selected, 0, 0);

@@ -25,7 +25,7 @@ const KindInfo kinds[KR_SCISSOR + 1] = {
     /* 1 */ {"RECTANGLE", createDefault<RECT_STRUCT, createRect>, nullptr, rectSetPickSticky, nullptr, nullptr},
     /* 2 */ {"POLYGON", createDefault<POLY_STRUCT, createPoly>, polyFreeData, polySetPickSticky, nullptr, pickPoly},
     /* 3 */ {"CIRCLE", createDefault<CIRCLE_STRUCT, createCircle>, nullptr, circleSetPickSticky, nullptr, pickCircle},
-    /* 4 */ {"TEXT", createTextDefault, textFreeData, textSetPickSticky, nullptr, nullptr},
+    /* 4 */ {"TEXT", createTextDefault, textFreeData, textSetPickSticky, editTextx, nullptr},
     /* 5 */ {"LINE", createDefault<LINE_STRUCT, createLine>, nullptr, lineSetPickSticky, nullptr, nullptr},
     /* 6 */ {"ARC", createDefault<CIRCLE_STRUCT, createArc>, nullptr, circleSetPickSticky, nullptr, nullptr},
     /* 7 */ {"TEXTURE", createImageDefault, imageFreeData, imageSetPickSticky, nullptr, nullptr},

@@ -1,11 +1,17 @@
 // Text: a string in a font, anchored at one of nine positions of its box.
 #include "KorelEdit.h"
+#include "base/angles.h"
 #include "base/truncate.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "glyph/GlyphKit.h"
+#include "graphics/graphics.h"
+
+#include <GL/gl.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 static TEXT_STRUCT textDefaults(int textSize)
@@ -69,23 +75,277 @@ static void measureText(const TEXT_STRUCT* t, const char* s, int* width, int* he
     }
 }
 
-// The box of the stored text about the record's position; only an outline font turns with the matrix.
-int textSetPickSticky(ELEMENT_STRUCT* element)
+// A font for the record's family, style and size in place of the old one; outline or bitmap asked anew.
+static void remakeFont(TEXT_STRUCT* t)
 {
-    TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
+    gkFontFree(t->font);
+    t->font = gkFontCreate(t->fontFamily, t->fontStyle, t->fontSize);
+    t->scalable = gkFontScalable(t->font);
+}
+
+// Set whenever an edit makes a text's font anew, so that a host knows to redraw; each draw clears it.
+static int updateFlag = 0;
+
+int krTextUpdate(void)
+{
+    return updateFlag;
+}
+
+int calcVecTextNew(TEXT_STRUCT* t)
+{
     int w, h;
     measureText(t, t->text, &w, &h);
     const float hw = float(w * 0.5), hh = float(h * 0.5);
     const float cornerX[4] = {hw, hw, -hw, -hw}, cornerY[4] = {-hh, hh, hh, -hh};
     std::copy(cornerX, cornerX + 4, t->cornerX);
     std::copy(cornerY, cornerY + 4, t->cornerY);
+    return 0;
+}
+
+// The box of the stored text about the record's position; only an outline font turns with the matrix.
+int textSetPickSticky(ELEMENT_STRUCT* element)
+{
+    TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
+    calcVecTextNew(t);
     float turnedX[4], turnedY[4];
     for (int i = 0; i < 4; ++i) {
-        turnedX[i] = t->scalable ? t->matrix[0] * cornerX[i] + t->matrix[1] * cornerY[i] : cornerX[i];
-        turnedY[i] = t->scalable ? t->matrix[2] * cornerX[i] + t->matrix[3] * cornerY[i] : cornerY[i];
+        const float x = t->cornerX[i], y = t->cornerY[i];
+        turnedX[i] = t->scalable ? t->matrix[0] * x + t->matrix[1] * y : x;
+        turnedY[i] = t->scalable ? t->matrix[2] * x + t->matrix[3] * y : y;
     }
     pointsBox(turnedX, turnedY, 4, t->span);
     boxGeometry(element, t->x + t->span[0], t->y + t->span[1], t->x + t->span[2], t->y + t->span[3]);
     placeCentre(element, t->x, t->y);
     return textSetAttr(element);
+}
+
+int textSetNewText(ELEMENT_STRUCT* element, char* text)
+{
+    if (strlen(text) > 254)
+        text[255] = '\0';
+    if (!element || element->type != KR_TEXT)
+        return -1;
+    TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
+    strcpy(t->text, text);
+    calcVecTextNew(t);
+    textSetPickSticky(element);
+    return 0;
+}
+
+// An outline font turns and stretches with the record's matrix; a bitmap font does neither.
+static void applyMatrix(const TEXT_STRUCT* t)
+{
+    if (!t->scalable)
+        return;
+    const float m[16] = {t->matrix[0], t->matrix[2], 0, 0, t->matrix[1], t->matrix[3], 0, 0,
+                         0, 0, 1, 0, 0, 0, 0, 1};
+    glMultMatrixf(m);
+}
+
+int drawText(TEXT_STRUCT* t, ELEMENT_ATTR* attr, int selected)
+{
+    updateFlag = 0;
+    // Loaded texts have their font; one made by an editor gets it on its first draw.
+    if (!t->font) {
+        remakeFont(t);
+        calcVecTextNew(t);
+    }
+    // The stored text was measured by the geometry pass; only a string an action shows is
+    // measured per frame.
+    const float halfStored = t->cornerX[0];
+    int shownWidth = truncToInt(2 * t->cornerX[0]), shownHeight = truncToInt(2 * t->cornerY[1]);
+    if (strcmp(attr->text, t->text) != 0)
+        measureText(t, attr->text, &shownWidth, &shownHeight);
+    // A shown string keeps the stored box's left edge, centre or right edge; it is always
+    // centred in y, the vertical part of the anchor having placed the record's position.
+    float tx = 0, ty = -float(shownHeight) * 0.5f;
+    switch (t->align) {
+    case KR_POS_UPPER_LEFT:
+    case KR_POS_LOWER_LEFT:
+    case KR_POS_LEFT: tx = -halfStored; break;
+    case KR_POS_TOP:
+    case KR_POS_BOTTOM:
+    case KR_POS_CENTRE: tx = -float(shownWidth) * 0.5f; break;
+    case KR_POS_UPPER_RIGHT:
+    case KR_POS_RIGHT:
+    case KR_POS_LOWER_RIGHT: tx = halfStored - float(shownWidth); break;
+    default: ty = 0; break;
+    }
+
+    tkLineStipple(attr->stippleFactor, attr->stipplePattern);
+    tkLineWidth(attr->lineWidth);
+    kvColor4f(attr->strokeColor[0], attr->strokeColor[1], attr->strokeColor[2], attr->strokeColor[3]);
+    setStipple(t->fillStyle, t->fillPattern);
+    tkPushMatrix();
+    applyMatrix(t);
+    glTranslatef(tx, ty, 0);
+    if (t->scalable) {
+        const float ratio = float(t->textSize) / float(t->fontSize);
+        glScalef(ratio, ratio, 1);
+    }
+    gkFontRender(t->font, attr->text);
+    tkPopMatrix();
+    setStipple(0, nullptr);
+
+    if (selected && !attr->live) {
+        const float w = float(shownWidth), h = float(shownHeight);
+        const float loopX[4] = {0, w, w, 0}, loopY[4] = {0, 0, h, h};
+        tkPushMatrix();
+        applyMatrix(t);
+        glTranslatef(tx, ty, 0);
+        drawSelectionLoop(loopX, loopY);
+        tkPopMatrix();
+    }
+    return 0;
+}
+
+// The family's size nearest the wanted one; the first wins a tie, and a family that takes any
+// size keeps the wish.
+static int nearestSize(const char* family, int style, int wanted)
+{
+    int count = 0;
+    int* sizes = gkFamilyGetSizes(family, style, &count);
+    int best = wanted;
+    long long bestDistance = 100000;
+    for (int i = 0; i < count; ++i) {
+        const long long distance = std::llabs(static_cast<long long>(sizes[i]) - wanted);
+        if (distance < bestDistance)
+            best = sizes[i], bestDistance = distance;
+    }
+    if (count > 0)
+        gkFree(sizes);
+    return best;
+}
+
+// A style the family has: the current one if it shares a bit with them, else the first it has.
+static int styleOfFamily(const char* family, int style)
+{
+    const int has = gkFamilyGetStyles(family);
+    if (style & has)
+        return style;
+    for (int bit : {GK_PLAIN, GK_BOLD, GK_ITALIC, GK_BOLD_ITALIC})
+        if (has & bit)
+            return bit;
+    return style;
+}
+
+int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT*, int code, int, void* value)
+{
+    if (!element || !value || element->type != KR_TEXT)
+        return -1;
+    TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
+    KR_EDIT_VALUE* v = static_cast<KR_EDIT_VALUE*>(value);
+    bool fontChanged = true;
+    switch (code) {
+    case KR_EDIT_FONT_SIZE: {
+        const int size = nearestSize(t->fontFamily, t->fontStyle, v->number);
+        v->number = size;
+        const float factor = float(size) / float(t->fontSize);
+        for (float& m : t->matrix)
+            m *= factor;
+        t->fontSize = size;
+        remakeFont(t);
+        break;
+    }
+    case KR_EDIT_FONT_FAMILY: {
+        const size_t n = strnlen(v->string, sizeof t->fontFamily - 1);
+        memcpy(t->fontFamily, v->string, n);
+        t->fontFamily[n] = '\0';
+        t->fontStyle = styleOfFamily(t->fontFamily, t->fontStyle);
+        t->fontSize = nearestSize(t->fontFamily, t->fontStyle, t->fontSize);
+        remakeFont(t);
+        if (!t->scalable) {
+            const float identity[4] = {1, 0, 0, 1};
+            std::copy(identity, identity + 4, t->matrix);
+            t->textSize = t->fontSize;
+        }
+        break;
+    }
+    case KR_EDIT_FONT_STYLE:
+        t->fontStyle = v->number;
+        remakeFont(t);
+        break;
+    case KR_EDIT_TEXT:
+        v->string[sizeof v->string - 1] = '\0';
+        textSetNewText(element, v->string);
+        return textSetAttr(element);
+    case KR_EDIT_ALIGN: t->align = v->number; return textSetAttr(element);
+    default: fontChanged = false; break;
+    }
+    if (fontChanged) {
+        textSetPickSticky(element);
+        updateFlag = 1;
+    }
+    textSetAttr(element);
+    return 0;
+}
+
+// Older files: what they stored of a text, brought to the present record.
+
+int convertTextNewFormat(TEXT_STRUCT* t, int fontCode)
+{
+    t->underline = 0;
+    strcpy(t->fontFamily, "Courier [fixed]");
+    if (fontCode >= 0 && fontCode < 40) {
+        static const int styles[4] = {GK_PLAIN, GK_ITALIC, GK_BOLD, GK_BOLD_ITALIC};
+        static const int firstCode[6] = {0, 8, 16, 20, 28, 36}, sizes[6] = {11, 14, 17, 20, 25, 34};
+        t->fontStyle = styles[fontCode & 3];
+        for (int i = 0; i < 6; ++i)
+            if (fontCode >= firstCode[i])
+                t->fontSize = sizes[i];
+    }
+    remakeFont(t);
+    t->textSize = t->fontSize;
+    // These files placed the text by its anchor; the record now holds the centre.
+    int metric[2] = {0, 0};
+    gkFontStringMetric(t->font, t->text, metric);
+    const float hw = float(metric[0]) * 0.5f, hh = float(metric[1]) * 0.5f;
+    switch (t->align) {
+    case KR_POS_UPPER_LEFT: t->x += hw, t->y -= hh; break;
+    case KR_POS_TOP: t->y -= hh; break;
+    case KR_POS_UPPER_RIGHT: t->x -= hw, t->y -= hh; break;
+    case KR_POS_RIGHT: t->x -= hw; break;
+    case KR_POS_LOWER_RIGHT: t->x -= hw, t->y += hh; break;
+    case KR_POS_BOTTOM: t->y += hh; break;
+    case KR_POS_LOWER_LEFT: t->x += hw, t->y += hh; break;
+    case KR_POS_LEFT: t->x += hw; break;
+    default: break;
+    }
+    const float identity[4] = {1, 0, 0, 1};
+    std::copy(identity, identity + 4, t->matrix);
+    return 0;
+}
+
+// Vector text of old files had no font of its own: it becomes Arial at 30, its old code unused.
+int convertTextNewFormatVec(TEXT_STRUCT* t, int)
+{
+    strcpy(t->fontFamily, "Arial");
+    t->underline = 0;
+    t->fontSize = t->textSize = 30;
+    remakeFont(t);
+    return 0;
+}
+
+// The oldest files kept four corner points; position and matrix follow from them. The width
+// scale divides by the width times the number of characters, as those files were written.
+int calcVecText(TEXT_STRUCT* t)
+{
+    int w, h;
+    measureText(t, t->text, &w, &h);
+    const double baseX = t->cornerX[3] - t->cornerX[0], baseY = t->cornerY[3] - t->cornerY[0];
+    const double length = std::hypot(baseX, baseY);
+    const double height = std::hypot(t->cornerX[1] - t->cornerX[0], t->cornerY[1] - t->cornerY[0]);
+    const double angle = float(std::atan2(baseY, baseX) * kRadiansToDegrees) * kDegreesToRadians;
+    const float sx = float(length) / float(double(w) * double(strlen(t->text)));
+    const float sy = float(height) / float(h);
+    float box[4];
+    pointsBox(t->cornerX, t->cornerY, 4, box);
+    t->x = float(box[0] + (box[2] - box[0]) * 0.5);
+    t->y = float(box[1] + (box[3] - box[1]) * 0.5);
+    const double c = std::cos(angle), s = std::sin(angle);
+    t->matrix[0] = float(sx * c);
+    t->matrix[1] = float(-sy * s);
+    t->matrix[2] = float(sx * s);
+    t->matrix[3] = float(sy * c);
+    return calcVecTextNew(t);
 }
