@@ -15,20 +15,6 @@ namespace {
 using namespace k2dtest;
 using namespace korelgen;
 
-// Extremes of the lit pixels, as [x0, x1) x [y0, y1).
-struct Ink {
-    int x0 = 1 << 20, y0 = 1 << 20, x1 = 0, y1 = 0;
-    Ink(const Frame& f)
-    {
-        for (int y = 0; y < f.height(); ++y)
-            for (int x = 0; x < f.width(); ++x)
-                if (f.at(x, y).r + f.at(x, y).g + f.at(x, y).b > 96)
-                    x0 = std::min(x0, x), x1 = std::max(x1, x + 1), y0 = std::min(y0, y), y1 = std::max(y1, y + 1);
-    }
-    int width() const { return x1 - x0; }
-    int height() const { return y1 - y0; }
-};
-
 // Width and height of a string in a font of the layer.
 std::pair<int, int> metric(const char* s, const char* family = "Arial", int style = 1, int size = 30)
 {
@@ -77,7 +63,7 @@ TEST_F(Text, OutlineTextsScaleAndTurnBitmapTextsKeepTheirPixels)
         VIEW_STRUCT* view = load(blackPage().text(t));
         const TEXT_STRUCT* c = static_cast<TEXT_STRUCT*>(view->elements->data);
         const float hw = float(w * r.size / 30 * 0.5), hh = r.size * 0.5f;
-        const Ink ink(draw(view, 0, 0, float(r.zoom))), was(base);
+        const Ink ink = draw(view, 0, 0, float(r.zoom)).ink(), was = base.ink();
         if (r.turned)
             EXPECT_TRUE(c->scalable ? ink.height() > ink.width() : frameHash(draw(view)) == frameHash(base));
         else
@@ -99,17 +85,18 @@ TEST_F(Text, ShownStringKeepsTheEdgeItsAnchorNames)
     const int sameAs[10] = {0, 7, 9, 5, 5, 5, 9, 7, 7, 9};
     float shiftFromLeft[10] = {};
     shiftFromLeft[9] = (wr - ws) / 2, shiftFromLeft[5] = wr - ws;
-    const Ink left(drawOne(textAt("1", 200 - wr / 2 + ws / 2, 150))); // a stored "1" where the "88888" starts
+    const Ink left = drawOne(textAt("1", 200 - wr / 2 + ws / 2, 150)).ink(); // a stored "1" where the "88888" starts
     uint64_t looks[10];
     for (int align : {7, 9, 5, 1, 8, 2, 6, 3, 4}) {
         ViewBuilder b = blackPage();
         VIEW_STRUCT* view = start(b.actions({act(KR_ACTION_TEXT, "t")}).text(textAt("88888", 200, 150, align)));
         ASSERT_EQ(krVarSet(view, "t", "1"), 1);
         const Frame f = draw(view);
+        const Ink ink = f.ink();
         looks[align] = frameHash(f);
         EXPECT_EQ(looks[align], looks[sameAs[align]]) << align;
-        EXPECT_NEAR(Ink(f).x0 - left.x0, shiftFromLeft[sameAs[align]], 1) << align;
-        EXPECT_EQ(Ink(f).y0, left.y0) << align;
+        EXPECT_NEAR(ink.x0 - left.x0, shiftFromLeft[sameAs[align]], 1) << align;
+        EXPECT_EQ(ink.y0, left.y0) << align;
     }
     // Without an anchor the metric box's lower left corner sits on the position.
     EXPECT_EQ(frameHash(drawOne(textAt("1", 200, 150, 0))), frameHash(drawOne(textAt("1", 200 + ws / 2, 165))));
@@ -146,12 +133,12 @@ TEST_F(Text, EditsChangeFontTextAndAnchorAtOnce)
     const TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(e->data);
     KR_EDIT_VALUE v = {};
     EXPECT_EQ(e->edit(e, nullptr, KR_EDIT_ALIGN, 0, &v), 0); // to 0
-    const Ink atZero(draw(view));
+    const Ink atZero = draw(view).ink();
     EXPECT_TRUE(frameHash(drawOne(textAt("Hello 123", 100, 75, 0))) == frameHash(draw(view)) && e->x == 100);
     v.number = 60; // any size for an outline family: the drawn text doubles with the matrix
     e->edit(e, nullptr, KR_EDIT_FONT_SIZE, 0, &v);
     EXPECT_TRUE(krTextUpdate() == 1 && v.number == 60 && t->fontSize == 60 && t->matrix[0] == 2 && t->matrix[3] == 2);
-    EXPECT_NEAR(Ink(draw(view)).height(), 2 * atZero.height(), 2);
+    EXPECT_NEAR(draw(view).ink().height(), 2 * atZero.height(), 2);
     EXPECT_EQ(krTextUpdate(), 0);
     strcpy(v.string, "Courier [fixed]");
     e->edit(e, nullptr, KR_EDIT_FONT_FAMILY, 0, &v);

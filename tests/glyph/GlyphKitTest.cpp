@@ -12,11 +12,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <tuple>
 
 namespace {
 
 using k2dtest::Frame;
+using k2dtest::Ink;
 using k2dtest::kSurfaceHeight;
 using k2dtest::kSurfaceWidth;
 using k2dtest::Rgb;
@@ -42,29 +42,6 @@ struct Font {
 int widthOf(const char* family, int style = GK_PLAIN)
 {
     return Font(family, style, 24).metric(kText)[0];
-}
-
-// Pixels brighter than the black background, and their bounding box.
-struct Ink {
-    int lit = 0, x0 = INT_MAX, y0 = INT_MAX, x1 = INT_MIN, y1 = INT_MIN;  // inclusive
-    int width() const { return lit ? x1 - x0 + 1 : 0; }
-    int height() const { return lit ? y1 - y0 + 1 : 0; }
-    bool operator==(const Ink& o) const { return std::tie(lit, x0, y0, x1, y1) == std::tie(o.lit, o.x0, o.y0, o.x1, o.y1); }
-};
-
-Ink inkIn(const Frame& frame, int x0 = 0, int y0 = 0, int x1 = kSurfaceWidth, int y1 = kSurfaceHeight)
-{
-    Ink ink;
-    for (int y = y0; y < y1; ++y)
-        for (int x = x0; x < x1; ++x)
-            if (const Rgb c = frame.at(x, y); std::max({c.r, c.g, c.b}) > 24) {
-                ++ink.lit;
-                ink.x0 = std::min(ink.x0, x);
-                ink.y0 = std::min(ink.y0, y);
-                ink.x1 = std::max(ink.x1, x);
-                ink.y1 = std::max(ink.y1, y);
-            }
-    return ink;
 }
 
 // Draws `text` in red with the origin at (x, y) of a pixel projection, optionally scaled.
@@ -180,12 +157,12 @@ TEST_F(GlyphRender, TextFillsItsMetricBoxAndOnlyOutlineTextScales)
     Font sans("Arial", GK_PLAIN, 30);
     const auto m = sans.metric("Hello 123");
     const Frame frame = drawAt(sans, "Hello 123", 50, 100);
-    const Ink plain = inkIn(frame);
+    const Ink plain = frame.ink();
     EXPECT_GT(frame.count(50, 100, 50 + m[0], 100 + m[1], kRed), 300);
-    EXPECT_EQ(plain.lit, inkIn(frame, 50, 100, 50 + m[0], 100 + m[1]).lit) << "ink outside the metric box";
+    EXPECT_EQ(plain.lit, frame.ink(50, 100, 50 + m[0], 100 + m[1]).lit) << "ink outside the metric box";
     EXPECT_GT(plain.width(), m[0] - 8);
     EXPECT_NEAR(plain.y0, 100 + 7, 1);
-    const Ink doubled = inkIn(drawAt(sans, "Hello 123", 50, 100, 2));
+    const Ink doubled = drawAt(sans, "Hello 123", 50, 100, 2).ink();
     EXPECT_NEAR(doubled.width(), 2 * plain.width(), 4);
     EXPECT_NEAR(doubled.height(), 2 * plain.height(), 4);
     EXPECT_NEAR(doubled.x0 - 50, 2 * (plain.x0 - 50), 3);
@@ -193,15 +170,15 @@ TEST_F(GlyphRender, TextFillsItsMetricBoxAndOnlyOutlineTextScales)
     Font huge("Arial", GK_PLAIN, 200);
     const auto h = huge.metric("Hi");
     const Frame hugeFrame = drawAt(huge, "Hi", 10, 10);
-    const Ink big = inkIn(hugeFrame);
-    EXPECT_EQ(big.lit, inkIn(hugeFrame, 10, 10, 10 + h[0], 10 + h[1]).lit);
+    const Ink big = hugeFrame.ink();
+    EXPECT_EQ(big.lit, hugeFrame.ink(10, 10, 10 + h[0], 10 + h[1]).lit);
     EXPECT_GT(big.width(), h[0] * 3 / 4);
     EXPECT_NEAR(big.height(), 143, 6);  // cap height of Liberation Sans is 0.716 em
 
     Font fixed("Courier [fixed]", GK_PLAIN, 16);
-    const Ink fixedPlain = inkIn(drawAt(fixed, "Hello 123", 10, 20));
+    const Ink fixedPlain = drawAt(fixed, "Hello 123", 10, 20).ink();
     ASSERT_GT(fixedPlain.lit, 0);
-    EXPECT_TRUE(fixedPlain == inkIn(drawAt(fixed, "Hello 123", 10, 20, 3)));
+    EXPECT_TRUE(fixedPlain == drawAt(fixed, "Hello 123", 10, 20, 3).ink());
 }
 
 // The bitmap face is the outline face in whole, fully lit pixels: the two drawings nearly
@@ -219,7 +196,7 @@ TEST_F(GlyphRender, FixedAndOutlineFontsDrawTheSameLetters)
                 either += inA || inB;
             }
         ASSERT_GT(either, 120) << left;
-        EXPECT_EQ(inkIn(b).lit, b.count(0, 0, kSurfaceWidth, kSurfaceHeight, kRed, 0)) << left;
+        EXPECT_EQ(b.ink().lit, b.count(0, 0, kSurfaceWidth, kSurfaceHeight, kRed, 0)) << left;
         EXPECT_GT(double(both) / either, 0.8) << both << " of " << either << " from " << left;
     }
 }
@@ -291,8 +268,8 @@ TEST_F(GlyphRender, AccentedLettersDrawAndControlBytesDoNot)
     Font sans("Arial", GK_PLAIN, 24);
     EXPECT_EQ(0, sans.metric("\x01\x02\x1f")[0]);
     EXPECT_EQ(sans.metric("AB")[0], sans.metric("A\x01" "B")[0]);
-    EXPECT_GT(inkIn(drawAt(sans, "\xc4\xd6\xdc", 20, 20)).lit, 100);
-    EXPECT_EQ(0, inkIn(drawAt(sans, "\x01\x7f\x81", 20, 20)).lit);
+    EXPECT_GT(drawAt(sans, "\xc4\xd6\xdc", 20, 20).ink().lit, 100);
+    EXPECT_EQ(0, drawAt(sans, "\x01\x7f\x81", 20, 20).ink().lit);
 }
 
 // A host that draws views of ever new font sizes keeps a bounded number of textures: a font

@@ -4,6 +4,7 @@
 
 #include <GL/gl.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -82,6 +83,19 @@ int Frame::count(int x0, int y0, int x1, int y1, Rgb colour, int tolerance) cons
         for (int x = x0; x < x1; ++x)
             n += colourNear(at(x, y), colour, tolerance) ? 1 : 0;
     return n;
+}
+
+Ink Frame::ink(int x0, int y0, int x1, int y1) const
+{
+    Ink ink;
+    for (int y = y0; y < (y1 < 0 ? height_ : y1); ++y)
+        for (int x = x0; x < (x1 < 0 ? width_ : x1); ++x)
+            if (const Rgb c = at(x, y); std::max({c.r, c.g, c.b}) > 24) {
+                ++ink.lit;
+                ink.x0 = std::min(ink.x0, x), ink.x1 = std::max(ink.x1, x + 1);
+                ink.y0 = std::min(ink.y0, y), ink.y1 = std::max(ink.y1, y + 1);
+            }
+    return ink;
 }
 
 ::testing::AssertionResult PixelIs(const Frame& frame, int x, int y, Rgb expected, int tolerance)

@@ -17,6 +17,14 @@ struct Rgb {
     int r, g, b;
 };
 
+// The pixels brighter than a black page and their bounding box [x0, x1) x [y0, y1).
+struct Ink {
+    int lit = 0, x0 = 1 << 30, y0 = 1 << 30, x1 = 0, y1 = 0;
+    int width() const { return lit ? x1 - x0 : 0; }
+    int height() const { return lit ? y1 - y0 : 0; }
+    bool operator==(const Ink& o) const { return lit == o.lit && x0 == o.x0 && y0 == o.y0 && x1 == o.x1 && y1 == o.y1; }
+};
+
 inline std::ostream& operator<<(std::ostream& out, const Rgb& c)
 {
     return out << "(" << c.r << ", " << c.g << ", " << c.b << ")";
@@ -37,6 +45,8 @@ public:
     int height() const { return height_; }
     // Number of pixels in [x0, x1) x [y0, y1) close to `colour`.
     int count(int x0, int y0, int x1, int y1, Rgb colour, int tolerance = 8) const;
+    // The ink in [x0, x1) x [y0, y1); a negative x1 or y1 means the frame's edge.
+    Ink ink(int x0 = 0, int y0 = 0, int x1 = -1, int y1 = -1) const;
 
 private:
     int width_ = 0, height_ = 0;
