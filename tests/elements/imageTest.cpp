@@ -52,6 +52,10 @@ TEST_F(ImageDraw, PixelsFillTheirQuadrantsTintedAndFaded)
         std::copy(c.tint, c.tint + 4, f.tint);
         const Frame frame = draw(load(blackPage().image(f)));
         EXPECT_TRUE(shows(frame, 100, c.expected)) << "case " << &c - cases;
+        // Drawing leaves the picture's texture bound: opaque pictures need no alpha channel.
+        GLint format = 0;
+        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
+        EXPECT_EQ(format, c.whiteAlpha == 255 ? GL_RGB : GL_RGBA);
         EXPECT_EQ(frame.count(0, 0, 400, 100, kBlack) + frame.count(200, 100, 400, 200, kBlack), 400 * 100 + 200 * 100);
     }
 }
