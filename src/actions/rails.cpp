@@ -18,13 +18,11 @@ bool sameName(const char* a, const char* b)
     return strncmp(a, b, sizeof ELEMENT_STRUCT::name) == 0;
 }
 
-} // namespace
-
-int assignMovePoly(ELEMENT_STRUCT* list)
+void bindRails(ELEMENT_STRUCT* list)
 {
     for (ELEMENT_STRUCT* e = list; e; e = e->next) {
         if (e->type == KR_GROUP)
-            assignMovePoly(e->child);
+            bindRails(e->child);
         for (ACTION_STRUCT* action = e->actions; action; action = action->next) {
             action->movePoly = nullptr;
             if (action->type != KR_ACTION_MOVE_ALONG_POLYLINE)
@@ -35,6 +33,13 @@ int assignMovePoly(ELEMENT_STRUCT* list)
                 logMsg(2, "Polygon %.64s not found !\n", action->translatePoly);
         }
     }
+}
+
+} // namespace
+
+int assignMovePoly(ELEMENT_STRUCT* list)
+{
+    bindRails(list);
     calcPolyLength(list);
     return 0;
 }
