@@ -1,17 +1,21 @@
-// Writes the sample views shipped in examples/: panel.k2d, a small operator panel of the kinds
-// drawn today (rectangles, groups, clip areas), and everykind.k2d, one of each element kind with
-// actions and data sources, for tools that read every record, and sources.k2d, a view of
-// constants, internal variables and the example plug-in's variables, and live.k2d, a panel
-// that moves on the Auto source's test signals. Usage: korel2d-samples [--seeds] OUTPUT_DIR
+// Writes the sample views shipped in examples/: panel.k2d, a small operator panel (lamps, bar
+// gauges with their scale and readouts, a clipped screen), and everykind.k2d, one of each element
+// kind with actions and data sources, for tools that read every record, and sources.k2d, a view
+// of constants, internal variables and the example plug-in's variables, and live.k2d, a panel
+// that moves on the Auto source's test signals, and readouts.k2d, texts, a marker on a track and
+// a tinted picture on the same signals. Usage: korel2d-samples [--seeds] OUTPUT_DIR
 // With --seeds it also writes small views of each element kind, each action type and every
 // variable type: the seed corpus of the fuzzing harnesses.
 #include "Korel2D.h"
 #include "ViewBuilder.h"
 #include "panelPalette.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -52,111 +56,6 @@ RectFields framed(float x0, float y0, float x1, float y1, Colour fill, Colour st
     return s;
 }
 
-// Five lamps in bezels of 50 x 50 along the top of the instrument area.
-void lampRow(ViewBuilder& b)
-{
-    const Colour lights[] = {kGreen, kGreen, kAmber, kRed, kLampOff};
-    b.beginGroup(5, "lamps", "lamps-ID");
-    for (int i = 0; i < 5; ++i) {
-        float x = 48 + 62 * i;
-        std::string name = "lamp" + std::to_string(i + 1);
-        b.beginGroup(2, name.c_str(), (name + "-ID").c_str());
-        b.rect(framed(x, 340, x + 50, 390, kBezel, kDark, 1), "bezel", "bezel-ID");
-        b.rect(filled(x + 9, 349, x + 41, 381, lights[i]), "light", "light-ID");
-        b.endGroup();
-    }
-    b.endGroup();
-}
-
-// Four vertical bar gauges: a trough, the bar at its level, and a red limit mark at 80 %.
-void gauges(ViewBuilder& b)
-{
-    const float levels[] = {0.35f, 0.70f, 0.92f, 0.55f};
-    const float bottom = 110, top = 310;
-    b.beginGroup(4, "gauges", "gauges-ID");
-    for (int i = 0; i < 4; ++i) {
-        float x = 60 + 75 * i;
-        float level = bottom + (top - bottom) * levels[i];
-        std::string name = "gauge" + std::to_string(i + 1);
-        b.beginGroup(3, name.c_str(), (name + "-ID").c_str());
-        b.rect(framed(x, bottom, x + 36, top, kDark, kBezel, 1), "trough", "trough-ID");
-        b.rect(filled(x + 4, bottom + 2, x + 32, level, levels[i] > 0.8f ? kAmber : kCyan), "bar", "bar-ID");
-        float limit = bottom + (top - bottom) * 0.8f;
-        b.rect(filled(x - 4, limit - 1, x + 40, limit + 1, kRed), "limit", "limit-ID");
-        b.endGroup();
-    }
-    b.endGroup();
-}
-
-// A chequered screen much larger than its window: only the part inside the clip area shows.
-void clippedScreen(ViewBuilder& b)
-{
-    b.beginGroup(3, "screen", "screen-ID");
-    b.rect(filled(380, 40, 620, 410, kTeal), "ground", "ground-ID");
-    RectFields chequer = filled(380, 40, 620, 410, kAmber);
-    chequer.fillStyle = 4; // 8-pixel squares
-    b.rect(chequer, "chequer", "chequer-ID");
-    b.scissor(410, 120, 590, 380, "window");
-    b.endGroup();
-    // A dashed bezel just outside the window.
-    RectFields bezel = framed(404, 114, 596, 386, kFrame, kFrame, 2);
-    bezel.fillOn = 0;
-    bezel.strokeStyle = 4; // 8 on, 8 off
-    b.rect(bezel, "window frame", "window-frame-ID");
-}
-
-std::vector<uint8_t> panel()
-{
-    ViewBuilder b;
-    b.page(0, 0, 640, 480, kPage.r, kPage.g, kPage.b);
-    b.rect(framed(16, 16, 624, 464, kPanel, kFrame, 3), "panel", "panel-ID");
-    b.rect(framed(16, 420, 624, 464, kHeader, kFrame, 1), "header", "header-ID");
-    b.beginGroup(3, "status", "status-ID");
-    for (int i = 0; i < 3; ++i) {
-        float x = 540 + 26 * i;
-        b.rect(framed(x, 434, x + 16, 450, kFrame, kDark, 1), "status light", "status-light-ID");
-    }
-    b.endGroup();
-
-    b.beginGroup(2, "instruments", "instruments-ID");
-    lampRow(b);
-    gauges(b);
-    b.endGroup();
-
-    clippedScreen(b);
-
-    // Warning strip: yellow diagonal hatching over black.
-    b.rect(filled(40, 40, 360, 80, kDark), "strip", "strip-ID");
-    RectFields hatch = filled(40, 40, 360, 80, kYellow);
-    hatch.fillStyle = 23;
-    b.rect(hatch, "hatch", "hatch-ID");
-
-    b.dataSection();
-    return b.bytes();
-}
-
-// A 16 x 16 picture: red grows to the right, green upwards, with a blue half on the right.
-ImageFields gradientImage(float x0, float y0)
-{
-    const int side = 16;
-    ImageFields s;
-    s.x0 = x0;
-    s.y0 = y0;
-    s.x1 = x0 + 64;
-    s.y1 = y0 + 64;
-    s.width = side;
-    s.height = side;
-    for (int row = 0; row < side; ++row) {
-        for (int column = 0; column < side; ++column) {
-            s.pixels.push_back(uint8_t(column * 17));
-            s.pixels.push_back(uint8_t(row * 17));
-            s.pixels.push_back(column < side / 2 ? 0 : 255);
-            s.pixels.push_back(255);
-        }
-    }
-    return s;
-}
-
 ThresholdBlockFields thresholds(float min, float max, std::vector<ThresholdFields> entries)
 {
     ThresholdBlockFields block;
@@ -189,6 +88,239 @@ ActionFields action(int id, int type, const char* var, float a0, float a1, float
     a.b0 = b0;
     a.b1 = b1;
     return a;
+}
+
+// ---------------------------------------------------------------- what an operator reads
+
+constexpr int kBold = 2; // font style bits: 1 plain, 2 bold
+// Readouts are set in an outline monospace font, so that digits don't jump as a value changes;
+// its advance is 0.6 of the text height, which sizes a readout's box before any font is at hand.
+const char* const kReadoutFont = "Courier";
+constexpr float kMonoAdvance = 0.6f;
+
+// Positions computed with sin and cos are kept to quarter units, so that the bytes written
+// don't hang on the last bit of a maths library.
+float snap(double v)
+{
+    return float(std::round(v * 4) / 4);
+}
+
+// A text centred on (x, y): the stored string fixes the box that x, y is the centre of.
+TextFields caption(float x, float y, const std::string& text, int size, Colour colour, int style = 1)
+{
+    TextFields t;
+    t.x = x;
+    t.y = y;
+    setColour(t.color, colour);
+    t.align = KR_POS_CENTRE;
+    t.fontStyle = style;
+    t.fontSize = t.textSize = size;
+    t.text = text;
+    return t;
+}
+
+// A type-0 action: the value of `var`, mapped from a0..a1 to b0..b1, printed in `format`.
+ActionFields shown(int id, const char* var, const char* format, float a0 = 0, float a1 = 1, float b0 = 0,
+                   float b1 = 1)
+{
+    ActionFields a = action(id, KR_ACTION_TEXT, var, a0, a1, b0, b1);
+    a.format = format;
+    return a;
+}
+
+// A digital readout centred on (x, y): a dark framed box, and in it the action's value in green.
+// The stored text, a row of `chars` dashes, is what shows before the first value arrives; a
+// value shorter than that keeps the dashes' left edge, centre or right edge, as `align` says.
+void readout(ViewBuilder& b, const char* name, float x, float y, int chars, int size, const ActionFields& value,
+             int align = KR_POS_RIGHT)
+{
+    const float halfWidth = float(chars) * kMonoAdvance * float(size) * 0.5f + 8, halfHeight = float(size) * 0.5f + 6;
+    const std::string id = std::string(name) + "-ID";
+    b.beginGroup(2, name, id.c_str());
+    b.rect(framed(x - halfWidth, y - halfHeight, x + halfWidth, y + halfHeight, kDark, kBezel, 1), "box", "box-ID");
+    TextFields digits = caption(x, y, std::string(size_t(chars), '-'), size, kGreen);
+    digits.fontFamily = kReadoutFont;
+    digits.align = align;
+    b.actions({value}).text(digits, "value", "value-ID");
+    b.endGroup();
+}
+
+// Where a scale puts the tick of a fraction of its range: the tick's two ends and the centre of
+// its number.
+struct TickPlace {
+    float x0, y0, x1, y1, numberX, numberY;
+};
+
+// A scale as one group: `majors` numbered ticks from `from` to `to` and `minors` short ones
+// between each two; `place` lays a tick out by its fraction of the range and its length.
+void scale(ViewBuilder& b, const char* name, int majors, int minors, float from, float to, const char* format,
+           const std::function<TickPlace(float fraction, float length)>& place)
+{
+    const int ticks = (majors - 1) * (minors + 1) + 1;
+    const std::string id = std::string(name) + "-ID";
+    b.beginGroup(ticks + majors, name, id.c_str());
+    for (int i = 0; i < ticks; ++i) {
+        const bool major = i % (minors + 1) == 0;
+        const float fraction = float(i) / float(ticks - 1);
+        const TickPlace t = place(fraction, major ? 10.0f : 5.0f);
+        LineFields tick;
+        tick.x1 = t.x0, tick.y1 = t.y0, tick.x2 = t.x1, tick.y2 = t.y1;
+        tick.strokeWidth = major ? 2 : 1;
+        setColour(tick.stroke, kFrame);
+        b.line(tick, "tick", "tick-ID");
+        if (major) {
+            char number[32];
+            std::snprintf(number, sizeof number, format, from + (to - from) * fraction);
+            b.text(caption(t.numberX, t.numberY, number, 12, kFrame), "number", "number-ID");
+        }
+    }
+    b.endGroup();
+}
+
+// A scale round a dial centred on (x, y): ticks reach inwards from `radius`, from the angle
+// `fromDegrees` (counter-clockwise from the right) to `toDegrees`; numbers stand at `numbers`.
+void dialScale(ViewBuilder& b, const char* name, float x, float y, float radius, float numbers, float fromDegrees,
+               float toDegrees, int majors, int minors, float from, float to, const char* format)
+{
+    scale(b, name, majors, minors, from, to, format, [=](float fraction, float length) {
+        const double angle = (fromDegrees + (toDegrees - fromDegrees) * fraction) * 3.14159265358979 / 180;
+        const double c = std::cos(angle), s = std::sin(angle);
+        return TickPlace{snap(x + (radius - length) * c), snap(y + (radius - length) * s), snap(x + radius * c),
+                         snap(y + radius * s),              snap(x + numbers * c),            snap(y + numbers * s)};
+    });
+}
+
+// A scale up the left side of an upright bar from `bottom` to `top`, its ticks ending at x.
+void barScale(ViewBuilder& b, const char* name, float x, float bottom, float top, int majors, int minors,
+              float from, float to, const char* format)
+{
+    scale(b, name, majors, minors, from, to, format, [=](float fraction, float length) {
+        const float y = bottom + (top - bottom) * fraction;
+        return TickPlace{x - length, y, x, y, x - 26, y};
+    });
+}
+
+// Five lamps in bezels of 50 x 50 along the top of the instrument area, each named above it.
+void lampRow(ViewBuilder& b)
+{
+    const Colour lights[] = {kGreen, kGreen, kAmber, kRed, kLampOff};
+    const char* const names[] = {"FEED", "MIX", "HEAT", "ALARM", "SPARE"};
+    b.beginGroup(5, "lamps", "lamps-ID");
+    for (int i = 0; i < 5; ++i) {
+        float x = 48 + 62 * i;
+        std::string name = "lamp" + std::to_string(i + 1);
+        b.beginGroup(3, name.c_str(), (name + "-ID").c_str());
+        b.rect(framed(x, 340, x + 50, 390, kBezel, kDark, 1), "bezel", "bezel-ID");
+        b.rect(filled(x + 9, 349, x + 41, 381, lights[i]), "light", "light-ID");
+        b.text(caption(x + 25, 405, names[i], 11, kFrame), "caption", "caption-ID");
+        b.endGroup();
+    }
+    b.endGroup();
+}
+
+// The levels of the four tanks, in per cent: their bars show them and their readouts print them.
+const float kTankLevels[] = {35, 70, 92, 55};
+
+// Four vertical bar gauges: a trough, the bar at its level, a red limit mark at 80 %, the tank's
+// name above and its level in digits below; one scale in per cent on the left serves all four.
+void gauges(ViewBuilder& b)
+{
+    const float bottom = 110, top = 310;
+    b.beginGroup(6, "gauges", "gauges-ID");
+    for (int i = 0; i < 4; ++i) {
+        float x = 60 + 75 * i;
+        float fraction = kTankLevels[i] / 100;
+        float level = bottom + (top - bottom) * fraction;
+        std::string name = "gauge" + std::to_string(i + 1);
+        b.beginGroup(5, name.c_str(), (name + "-ID").c_str());
+        b.rect(framed(x, bottom, x + 36, top, kDark, kBezel, 1), "trough", "trough-ID");
+        b.rect(filled(x + 4, bottom + 2, x + 32, level, fraction > 0.8f ? kAmber : kCyan), "bar", "bar-ID");
+        float limit = bottom + (top - bottom) * 0.8f;
+        b.rect(filled(x - 4, limit - 1, x + 40, limit + 1, kRed), "limit", "limit-ID");
+        b.text(caption(x + 18, 325, "TANK " + std::to_string(i + 1), 11, kFrame), "caption", "caption-ID");
+        std::string variable = "level" + std::to_string(i + 1);
+        readout(b, "readout", x + 18, 95, 5, 12, shown(i + 1, variable.c_str(), "%3.0f %%"));
+        b.endGroup();
+    }
+    barScale(b, "scale", 55, bottom, top, 6, 1, 0, 100, "%.0f");
+    b.text(caption(29, 325, "%", 12, kFrame), "unit", "unit-ID");
+    b.endGroup();
+}
+
+// A chequered screen much larger than its window: only the part inside the clip area shows.
+void clippedScreen(ViewBuilder& b)
+{
+    b.beginGroup(3, "screen", "screen-ID");
+    b.rect(filled(380, 40, 620, 410, kTeal), "ground", "ground-ID");
+    RectFields chequer = filled(380, 40, 620, 410, kAmber);
+    chequer.fillStyle = 4; // 8-pixel squares
+    b.rect(chequer, "chequer", "chequer-ID");
+    b.scissor(410, 120, 590, 380, "window");
+    b.endGroup();
+    // A dashed bezel just outside the window.
+    RectFields bezel = framed(404, 114, 596, 386, kFrame, kFrame, 2);
+    bezel.fillOn = 0;
+    bezel.strokeStyle = 4; // 8 on, 8 off
+    b.rect(bezel, "window frame", "window-frame-ID");
+}
+
+std::vector<uint8_t> panel()
+{
+    ViewBuilder b;
+    b.page(0, 0, 640, 480, kPage.r, kPage.g, kPage.b);
+    b.rect(framed(16, 16, 624, 464, kPanel, kFrame, 3), "panel", "panel-ID");
+    b.rect(framed(16, 420, 624, 464, kHeader, kFrame, 1), "header", "header-ID");
+    b.text(caption(150, 442, "TANK FARM - LINE 2", 20, kFrame, kBold), "title", "title-ID");
+    b.beginGroup(3, "status", "status-ID");
+    for (int i = 0; i < 3; ++i) {
+        float x = 540 + 26 * i;
+        b.rect(framed(x, 434, x + 16, 450, kFrame, kDark, 1), "status light", "status-light-ID");
+    }
+    b.endGroup();
+
+    b.beginGroup(2, "instruments", "instruments-ID");
+    lampRow(b);
+    gauges(b);
+    b.endGroup();
+
+    clippedScreen(b);
+
+    // Warning strip: yellow diagonal hatching over black.
+    b.rect(filled(40, 40, 360, 80, kDark), "strip", "strip-ID");
+    RectFields hatch = filled(40, 40, 360, 80, kYellow);
+    hatch.fillStyle = 23;
+    b.rect(hatch, "hatch", "hatch-ID");
+
+    // The tanks' levels as internal variables, which hold the value they start with.
+    SourceFields levels;
+    levels.id = 5;
+    for (int i = 0; i < 4; ++i)
+        levels.variables.push_back(
+            {KR_VAR_FLOAT, "level" + std::to_string(i + 1), std::to_string(int(kTankLevels[i])), {}});
+    b.dataSection({levels});
+    return b.bytes();
+}
+
+// A 16 x 16 picture: red grows to the right, green upwards, with a blue half on the right.
+ImageFields gradientImage(float x0, float y0)
+{
+    const int side = 16;
+    ImageFields s;
+    s.x0 = x0;
+    s.y0 = y0;
+    s.x1 = x0 + 64;
+    s.y1 = y0 + 64;
+    s.width = side;
+    s.height = side;
+    for (int row = 0; row < side; ++row) {
+        for (int column = 0; column < side; ++column) {
+            s.pixels.push_back(uint8_t(column * 17));
+            s.pixels.push_back(uint8_t(row * 17));
+            s.pixels.push_back(column < side / 2 ? 0 : 255);
+            s.pixels.push_back(255);
+        }
+    }
+    return s;
 }
 
 // A dial three groups deep: the clipped gauge group holds the dial face, its needle and label,
@@ -349,42 +481,89 @@ std::vector<uint8_t> sources()
     return b.bytes();
 }
 
+// The page, a framed panel and a header bar with the title: the frame of every instrument panel.
+void panelFrame(ViewBuilder& b, float width, float height, const char* title)
+{
+    b.page(0, 0, width, height, kPage.r, kPage.g, kPage.b);
+    b.rect(framed(10, 10, width - 10, height - 10, kPanel, kFrame, 2), "panel", "panel-ID");
+    b.rect(framed(10, height - 50, width - 10, height - 10, kHeader, kFrame, 1), "header", "header-ID");
+    b.text(caption(width / 2, height - 30, title, 20, kFrame, kBold), "title", "title-ID");
+}
+
+// An Auto variable: wave form, frequency item (3: 0.1 Hz, 4: 0.2 Hz), MIN, MAX. The date and the
+// time are text, and take no range.
+VariableFields autoVariable(const char* name, int wave, int frequency, const char* min, const char* max,
+                            int type = KR_VAR_FLOAT)
+{
+    return {type, name, "", {{wave, ""}, {frequency, ""}, {0, min}, {0, max}}};
+}
+
 // The panel that moves, on test signals of the Auto source: a needle on a sine, a bar that
 // fills with a triangle wave, a lamp that changes colour with the sine, an arc gauge on a saw
-// tooth and an alarm that blinks while a square wave is high.
+// tooth and an alarm that blinks while a square wave is high. Each instrument has its scale,
+// its unit and its value in digits below it.
 std::vector<uint8_t> live()
 {
     ViewBuilder b;
-    b.page(0, 0, 640, 400, kPage.r, kPage.g, kPage.b);
-    b.rect(framed(10, 10, 630, 390, kPanel, kFrame, 2), "panel", "panel-ID");
+    panelFrame(b, 640, 400, "AUTO SOURCE TEST SIGNALS");
 
+    // A sine in volts on a dial whose upper half is the scale.
     CircleFields dial;
-    dial.x = 170, dial.y = 170;
-    dial.matrix[0] = dial.matrix[3] = 1.2f;
+    dial.x = 150, dial.y = 190;
+    dial.matrix[0] = dial.matrix[3] = 1.1f;
     setColour(dial.fill, kDark);
     setColour(dial.stroke, kBezel);
     dial.strokeWidth = 3;
     b.circle(dial, "dial", "dial-ID");
+    dialScale(b, "dial scale", 150, 190, 104, 80, 180, 0, 5, 4, -1, 1, "%.1f");
+    b.text(caption(150, 150, "SIN  V", 14, kFrame), "dial unit", "dial-unit-ID");
     LineFields needle;
-    needle.x1 = 170, needle.y1 = 170, needle.x2 = 280, needle.y2 = 170;
+    needle.x1 = 150, needle.y1 = 190, needle.x2 = 215, needle.y2 = 190;
     needle.strokeWidth = 4;
     setColour(needle.stroke, kYellow);
     // SIN -1..1 turns the needle from pointing left, over the top, to pointing right.
     ActionFields turn = action(1, KR_ACTION_ROTATE, "SIN", -1, 1, -180, 0);
-    turn.cg = 8;
+    turn.cg = KR_POS_LEFT;
     b.actions({turn}).line(needle, "needle", "needle-ID");
+    CircleFields hub = dial;
+    hub.matrix[0] = hub.matrix[3] = 0.08f;
+    setColour(hub.fill, kBezel);
+    hub.strokeOn = 0;
+    b.circle(hub, "hub", "hub-ID");
+    readout(b, "dial readout", 150, 50, 8, 18, shown(7, "SIN", "%6.3f V"));
 
+    // A triangle wave as the level of a bar, in per cent.
     PolyFields bar;
     bar.closed = 1, bar.fillOn = 1;
     setColour(bar.fill, kCyan);
     setColour(bar.stroke, kFrame);
     bar.strokeWidth = 2;
-    bar.points = {{0, 330, 40}, {1, 390, 40}, {2, 390, 360}, {3, 330, 360}};
+    bar.points = {{0, 320, 100}, {1, 370, 100}, {2, 370, 300}, {3, 320, 300}};
     b.actions({action(2, KR_ACTION_FILL_UP, "TRIANGLE", 0, 1, 0, 1)}).cpoly(bar, "bar", "bar-ID");
+    barScale(b, "bar scale", 314, 100, 300, 5, 1, 0, 100, "%.0f");
+    b.text(caption(345, 320, "LEVEL  %", 14, kFrame), "bar unit", "bar-unit-ID");
+    readout(b, "bar readout", 345, 50, 7, 18, shown(8, "TRIANGLE", "%5.1f %%", 0, 1, 0, 100));
+
+    // A saw tooth as the end of an arc that sweeps the upper half, in per cent.
+    CircleFields gauge;
+    gauge.x = 515, gauge.y = 170;
+    gauge.matrix[0] = gauge.matrix[3] = 0.7f;
+    gauge.start = 3.1415927f, gauge.end = 6.2831855f;
+    setColour(gauge.fill, kGreen);
+    setColour(gauge.stroke, kFrame);
+    CircleFields face = gauge;
+    setColour(face.fill, kDark);
+    setColour(face.stroke, kBezel);
+    b.arc(face, "gauge face", "gauge-face-ID");
+    // SAW 0..1 sweeps the end from the left, over the top, to the right: 180..360 degrees.
+    b.actions({action(4, KR_ACTION_ARC_END, "SAW", 0, 1, 180, 360)}).arc(gauge, "gauge", "gauge-ID");
+    dialScale(b, "gauge scale", 515, 170, 84, 98, 180, 0, 5, 1, 0, 100, "%.0f");
+    b.text(caption(515, 150, "SAW  %", 14, kFrame), "gauge unit", "gauge-unit-ID");
+    readout(b, "gauge readout", 515, 115, 7, 18, shown(9, "SAW", "%5.1f %%", 0, 1, 0, 100));
 
     CircleFields lamp;
-    lamp.x = 520, lamp.y = 310;
-    lamp.matrix[0] = lamp.matrix[3] = 0.4f;
+    lamp.x = 450, lamp.y = 50;
+    lamp.matrix[0] = lamp.matrix[3] = 0.25f;
     setColour(lamp.fill, kLampOff);
     setColour(lamp.stroke, kBezel);
     ActionFields lampColour = action(3, KR_ACTION_FILL_COLOR, "SIN", 0, 1, 0, 1);
@@ -392,31 +571,116 @@ std::vector<uint8_t> live()
         thresholds(-1, 1, {threshold(-1, -0.3f, 0, kGreen), threshold(-0.3f, 0.5f, 0, kAmber), threshold(0.5f, 1, 0, kRed)});
     b.actions({lampColour}).circle(lamp, "lamp", "lamp-ID");
 
-    CircleFields gauge;
-    gauge.x = 520, gauge.y = 120;
-    gauge.matrix[0] = gauge.matrix[3] = 0.8f;
-    gauge.start = 3.1415927f, gauge.end = 6.2831855f;
-    setColour(gauge.fill, kGreen);
-    setColour(gauge.stroke, kFrame);
-    // SAW 0..1 sweeps the end from the left, over the top, to the right: 180..360 degrees.
-    b.actions({action(4, KR_ACTION_ARC_END, "SAW", 0, 1, 180, 360)}).arc(gauge, "gauge", "gauge-ID");
-
     ActionFields alarmColour = action(5, KR_ACTION_FILL_COLOR, "ALARM", 0, 1, 0, 1);
     alarmColour.blocks[KR_THRESHOLDS_COLOR] =
         thresholds(0, 1, {threshold(0, 0.5f, 0, kLampOff), threshold(0.5f, 1, 0, kRed)});
     ActionFields alarmBlink = action(6, KR_ACTION_BLINK, "ALARM", 0, 1, 0, 1);
     alarmBlink.blocks[KR_THRESHOLDS_BLINK] =
         thresholds(0, 1, {threshold(0, 0.5f, 0, kRed), threshold(0.5f, 1, 3, kRed)});
-    b.actions({alarmColour, alarmBlink}).rect(framed(450, 200, 590, 240, kLampOff, kFrame, 2), "alarm", "alarm-ID");
+    b.actions({alarmColour, alarmBlink}).rect(framed(500, 32, 610, 68, kLampOff, kFrame, 2), "alarm", "alarm-ID");
+    b.text(caption(555, 50, "ALARM", 14, kFrame, kBold), "alarm caption", "alarm-caption-ID");
 
-    // Auto variables: wave form, frequency item (3: 0.1 Hz, 4: 0.2 Hz), MIN, MAX.
     SourceFields signals;
     signals.id = 1;
     signals.varParamCount = 4;
-    signals.variables = {{KR_VAR_FLOAT, "SIN", "", {{0, ""}, {4, ""}, {0, "-1.0"}, {0, "1.0"}}},
-                         {KR_VAR_FLOAT, "TRIANGLE", "", {{4, ""}, {3, ""}, {0, "0.0"}, {0, "1.0"}}},
-                         {KR_VAR_FLOAT, "SAW", "", {{5, ""}, {4, ""}, {0, "0.0"}, {0, "1.0"}}},
-                         {KR_VAR_FLOAT, "ALARM", "", {{7, ""}, {3, ""}, {0, "0.0"}, {0, "1.0"}}}};
+    signals.variables = {autoVariable("SIN", 0, 4, "-1.0", "1.0"), autoVariable("TRIANGLE", 4, 3, "0.0", "1.0"),
+                         autoVariable("SAW", 5, 4, "0.0", "1.0"), autoVariable("ALARM", 7, 3, "0.0", "1.0")};
+    b.dataSection({signals});
+    return b.bytes();
+}
+
+// A round lamp of `side` x `side` pixels: white in the middle, darker towards the rim, and
+// transparent outside the circle, its edge faded over a pixel, so that only the disc takes the
+// tint of its element.
+ImageFields lampPicture(float x0, float y0, float size, int side)
+{
+    ImageFields s;
+    s.x0 = x0, s.y0 = y0, s.x1 = x0 + size, s.y1 = y0 + size;
+    s.width = s.height = side;
+    const float middle = float(side - 1) / 2, radius = float(side) / 2 - 1;
+    for (int row = 0; row < side; ++row)
+        for (int column = 0; column < side; ++column) {
+            const float d = std::hypot(float(column) - middle, float(row) - middle), r = std::min(d / radius, 1.0f);
+            const uint8_t grey = uint8_t(r < 0.5f ? 255 : 255 - (r - 0.5f) * 2 * 140);
+            const uint8_t alpha = uint8_t(255 * std::clamp(radius + 0.5f - d, 0.0f, 1.0f));
+            s.pixels.insert(s.pixels.end(), {grey, grey, grey, alpha});
+        }
+    return s;
+}
+
+// A framed section of a panel, with its name in the upper left corner.
+void section(ViewBuilder& b, const char* name, float x0, float y0, float x1, float y1, float nameWidth)
+{
+    RectFields frame = framed(x0, y0, x1, y1, kPanel, kBezel, 1);
+    frame.fillOn = 0;
+    b.rect(frame, name, (std::string(name) + "-ID").c_str());
+    b.text(caption(x0 + 6 + nameWidth / 2, y1 - 12, name, 11, kBezel, kBold), "section name", "section-name-ID");
+}
+
+// Readouts of the Auto source's signals: a sine and random numbers in boxes aligned left, centre
+// and right; the date and the time; a fixed and a turned label; a marker that rides a winding
+// track on a saw tooth; and a lamp picture that the sine tints green, amber or red.
+std::vector<uint8_t> readouts()
+{
+    ViewBuilder b;
+    panelFrame(b, 640, 480, "READOUTS");
+    readout(b, "date", 470, 450, 11, 14, shown(1, "DATE", ""));
+    readout(b, "time", 575, 450, 8, 14, shown(2, "TIME", ""));
+
+    // The same values in three boxes each: a value shorter than the box keeps its anchor.
+    section(b, "ALIGNMENT", 20, 268, 470, 414, 70);
+    const struct {
+        const char* name;
+        int align;
+        float x;
+    } columns[] = {{"LEFT", KR_POS_LEFT, 168}, {"CENTRE", KR_POS_CENTRE, 286}, {"RIGHT", KR_POS_RIGHT, 404}};
+    for (const auto& column : columns) {
+        b.text(caption(column.x, 385, column.name, 12, kFrame), "heading", "heading-ID");
+        readout(b, "sine", column.x, 352, 9, 18, shown(3, "SIN", "%6.2f"), column.align);
+        readout(b, "random", column.x, 300, 9, 18, shown(4, "RANDOM", "%.3f"), column.align);
+    }
+    b.text(caption(66, 358, "SIN", 14, kFrame), "sine name", "sine-name-ID");
+    b.text(caption(66, 340, "kPa", 11, kBezel), "sine unit", "sine-unit-ID");
+    b.text(caption(66, 300, "RANDOM", 14, kFrame), "random name", "random-name-ID");
+
+    // The sine tints the lamp: green while low, amber in the middle, red while high.
+    section(b, "LAMP", 480, 268, 620, 414, 34);
+    ActionFields tint = action(5, KR_ACTION_FILL_COLOR, "SIN", 0, 1, 0, 1);
+    tint.blocks[KR_THRESHOLDS_COLOR] =
+        thresholds(0, 200, {threshold(0, 60, 0, kGreen), threshold(60, 140, 0, kAmber), threshold(140, 200, 0, kRed)});
+    b.actions({tint}).image(lampPicture(502, 282, 96, 32), "lamp", "lamp-ID");
+
+    // The track winds across the section. The marker is stored on its last point; the saw tooth
+    // takes it to the first at each start, and along to the last in ten seconds.
+    section(b, "TRACK", 20, 60, 620, 258, 46);
+    PolyFields track;
+    track.points.clear();
+    track.strokeWidth = 3;
+    setColour(track.stroke, kBezel);
+    for (int i = 0; i <= 24; ++i) {
+        const double along = i / 24.0;
+        track.points.push_back({i, snap(60 + 360 * along), snap(150 + 60 * std::sin(along * 3 * 6.283185307179586))});
+    }
+    b.polyline(track, "track", "track-ID");
+    ActionFields ride = action(6, KR_ACTION_MOVE_ALONG_POLYLINE, "SAW 1", 0, 1, 0, 1);
+    ride.translatePoly = "track";
+    b.actions({ride}).rect(framed(413, 143, 427, 157, kAmber, kDark, 1), "marker", "marker-ID");
+    TextFields turned = caption(40, 150, "POSITION", 14, kFrame);
+    turned.matrix[0] = 0, turned.matrix[1] = -1, turned.matrix[2] = 1, turned.matrix[3] = 0; // a quarter turn
+    b.text(turned, "turned label", "turned-label-ID");
+    b.text(caption(530, 200, "ALONG THE TRACK", 12, kFrame), "position name", "position-name-ID");
+    readout(b, "position", 530, 170, 7, 18, shown(7, "SAW 1", "%5.1f %%", 0, 1, 0, 100));
+
+    TextFields fixed = caption(320, 35, "AUTO DATA  SIN 0.1 Hz  RANDOM  SAW 1 0.1 Hz", 14, kFrame);
+    fixed.fontFamily = "Courier [fixed]";
+    b.text(fixed, "source line", "source-line-ID");
+
+    SourceFields signals;
+    signals.id = 1;
+    signals.varParamCount = 4;
+    signals.variables = {autoVariable("SIN", 0, 3, "0", "200"), autoVariable("RANDOM", 8, 3, "-1", "1"),
+                         autoVariable("SAW 1", 5, 3, "0", "1"), autoVariable("DATE", 10, 0, "0.0", "0.0", KR_VAR_TEXT),
+                         autoVariable("TIME", 11, 0, "0.0", "0.0", KR_VAR_TEXT)};
     b.dataSection({signals});
     return b.bytes();
 }
@@ -537,7 +801,8 @@ int main(int argc, char** argv)
         return 2;
     }
     std::vector<NamedView> views = {
-        {"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()}};
+        {"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()},
+        {"readouts.k2d", readouts()}};
     if (withSeeds) {
         std::vector<NamedView> seeds = seedViews();
         views.insert(views.end(), seeds.begin(), seeds.end());

@@ -147,7 +147,7 @@ TEST(DamagedFiles, EveryKindCutOrGarbledKeepsWhatWasRead)
 // The sample views we ship are what users try first.
 TEST(DamagedFiles, ShippedSamplesCutOrGarbledKeepWhatWasRead)
 {
-    for (const char* name : {"panel.k2d", "everykind.k2d"}) {
+    for (const char* name : {"panel.k2d", "everykind.k2d", "readouts.k2d"}) {
         SCOPED_TRACE(name);
         std::ifstream in(std::string(KOREL2D_EXAMPLES_DIR) + "/" + name, std::ios::binary);
         const std::vector<uint8_t> whole{std::istreambuf_iterator<char>(in), {}};

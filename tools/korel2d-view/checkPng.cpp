@@ -1,5 +1,6 @@
-// Checks that a PNG file shows the shipped sample panel (examples/panel.k2d) drawn at a zoom.
-// Usage: korel2d-view-check PICTURE.png [ZOOM]; exit status 0 when every check holds.
+// Checks that a PNG file shows a shipped sample drawn at a zoom: the panel (examples/panel.k2d)
+// or the readouts (examples/readouts.k2d) after their first data cycle.
+// Usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts]]; exit status 0 when every check holds.
 // Positions below are view units (y upwards), as the sample's generator lays them out.
 #include "panelPalette.h"
 
@@ -149,15 +150,32 @@ void checkPanel(const Picture& p)
           "yellow hatching over black in the strip (" + std::to_string(yellow) + ")");
 }
 
+// Digits in every readout box, and a sine's value of six characters in boxes of nine keeps the
+// left edge, or the right edge, of its box free; the marker on the start of its track; the
+// lamp picture tinted amber by the sine's middle range, the panel showing through its corner.
+void checkReadouts(const Picture& p)
+{
+    for (float x : {168.0f, 286.0f, 404.0f})
+        for (float y : {352.0f, 300.0f})
+            check(p.share({x - 45, y - 8, x + 45, y + 8}, kDark) < 0.9,
+                  "digits in the readout at " + std::to_string(int(x)) + ", " + std::to_string(int(y)));
+    check(p.share({188, 345, 214, 359}, kDark) == 1, "the left-aligned value leaves its box's right end empty");
+    check(p.share({358, 345, 384, 359}, kDark) == 1, "the right-aligned value leaves its box's left end empty");
+    check(p.share({46, 136, 110, 216}, kAmber) > 0.02, "the marker near the start of its track");
+    check(p.is(550, 330, kAmber), "the lamp picture's centre tinted amber");
+    check(p.is(504, 284, kPanel), "the panel through the lamp picture's transparent corner");
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc < 2 || argc > 3) {
-        std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM]\n");
+    const bool readouts = argc == 4 && std::strcmp(argv[3], "readouts") == 0;
+    if (argc < 2 || argc > 4 || (argc == 4 && !readouts && std::strcmp(argv[3], "panel") != 0)) {
+        std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts]]\n");
         return 2;
     }
-    float zoom = argc == 3 ? std::strtof(argv[2], nullptr) : 1.0f;
+    float zoom = argc >= 3 ? std::strtof(argv[2], nullptr) : 1.0f;
     Picture picture;
     if (!picture.load(argv[1], zoom))
         return 1;
@@ -167,6 +185,6 @@ int main(int argc, char** argv)
                      height);
         return 1;
     }
-    checkPanel(picture);
+    readouts ? checkReadouts(picture) : checkPanel(picture);
     return failures == 0 ? 0 : 1;
 }

@@ -1,7 +1,7 @@
 # Runs korel2d-view (VIEW) in a fresh directory WORK with ARGS, the arguments separated by '|', and
 # checks its exit status against EXPECT and its output against each of the MATCH_COUNT regular
 # expressions MATCH0, MATCH1, ... With PICTURE, the checker (CHECK) then inspects that PNG as a
-# picture of the sample panel at ZOOM.
+# picture of the sample SAMPLE (the panel unless named) at ZOOM.
 # NO_DISPLAY hides any X server from the tool; KOREL_HOME, if given, is where it finds plug-ins.
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
@@ -30,8 +30,11 @@ if(PICTURE)
   if(NOT ZOOM)
     set(ZOOM 1)
   endif()
-  execute_process(COMMAND ${CHECK} ${WORK}/${PICTURE} ${ZOOM} RESULT_VARIABLE checked)
+  if(NOT SAMPLE)
+    set(SAMPLE panel)
+  endif()
+  execute_process(COMMAND ${CHECK} ${WORK}/${PICTURE} ${ZOOM} ${SAMPLE} RESULT_VARIABLE checked)
   if(NOT checked EQUAL 0)
-    message(FATAL_ERROR "${PICTURE} is not the sample panel")
+    message(FATAL_ERROR "${PICTURE} is not the sample ${SAMPLE}")
   endif()
 endif()
