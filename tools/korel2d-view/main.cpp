@@ -277,12 +277,13 @@ private:
     double total_ = 0, worst_ = 0;
 };
 
-// Shown views run animated: the library's data thread feeds them every 10 ms while the
-// frames are drawn. A view without sources looks the same running or not.
-ViewPtr loadRunningView(const std::string& file)
+// A window's view runs animated: the library's data thread feeds it every 10 ms while the
+// frames are drawn. Off-screen, each draw runs a data cycle first, so that even a single
+// frame shows live values. A view without sources looks the same running or not.
+ViewPtr loadRunningView(const std::string& file, bool animated)
 {
     ViewPtr view = loadView(file);
-    if (view && krViewStartAnim(view.get()) != 0)
+    if (view && (animated ? krViewStartAnim(view.get()) : krViewStart(view.get())) != 0)
         std::fprintf(stderr, "korel2d-view: %s did not start; it is shown as stored\n", file.c_str());
     return view;
 }
@@ -462,7 +463,7 @@ int showInWindow(Display* display, const Options& o, int width, int height)
         std::fprintf(stderr, "korel2d-view: no window: %s\n", why.c_str());
         return kFailed;
     }
-    ViewPtr view = loadRunningView(o.file);
+    ViewPtr view = loadRunningView(o.file, true);
     if (!view)
         return kFailed;
     WindowPtr window(krWindowCreate(), krWindowFree);
@@ -528,7 +529,7 @@ int renderToPng(const Options& o, int width, int height)
         std::fprintf(stderr, "korel2d-view: no off-screen GL context: %s\n", why.c_str());
         return kFailed;
     }
-    ViewPtr view = loadRunningView(o.file);
+    ViewPtr view = loadRunningView(o.file, false);
     if (!view)
         return kFailed;
     WindowPtr window(krWindowCreate(), krWindowFree);
