@@ -44,7 +44,7 @@ struct Readout {
     int align, size;
     float x, y; // centre of the placeholder's box
     float colour[4];
-    double base, step; // the value of frame n is base + n * step, kept in a band
+    double base, step; // see valueAt
 };
 
 const char* const kFloatFormats[] = {"%.2f", "%.1f bar", "%5.1f"};
@@ -87,7 +87,8 @@ std::vector<Readout> makeReadouts()
     return readouts;
 }
 
-// Frame n's value of a readout, wrapped into a band of 100 units so the strings keep their length.
+// Frame n's value of a readout: it moves every frame, wrapped into a band so that the strings
+// keep about their length.
 double valueAt(const Readout& r, int64_t frame)
 {
     const double travelled = std::fmod(double(frame) * r.step, 100.0);
