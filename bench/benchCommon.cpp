@@ -4,6 +4,8 @@
 
 #include <GL/gl.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <string>
 #include <unistd.h>
@@ -102,6 +104,32 @@ long korelbench::countDifferingPixels(const std::vector<uint8_t>& a, const std::
     for (size_t i = 0; i + 3 < a.size() && i + 3 < b.size(); i += 4)
         differing += a[i] != b[i] || a[i + 1] != b[i + 1] || a[i + 2] != b[i + 2];
     return differing;
+}
+
+namespace {
+
+double millisecondsOf(const std::function<void()>& draw)
+{
+    auto start = std::chrono::steady_clock::now();
+    draw();
+    glFinish();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+} // namespace
+
+double korelbench::medianPairedRatio(int pairs, const std::function<void()>& library,
+                                     const std::function<void()>& setUpReference,
+                                     const std::function<void()>& reference)
+{
+    std::vector<double> ratios;
+    for (int i = 0; i < pairs; ++i) {
+        const double took = millisecondsOf(library);
+        setUpReference();
+        ratios.push_back(took / millisecondsOf(reference));
+    }
+    std::sort(ratios.begin(), ratios.end());
+    return ratios[ratios.size() / 2];
 }
 
 bool korelbench::startDrawingProgram(int* argc, char** argv, const char* program, const ViewFile& file,

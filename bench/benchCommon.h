@@ -8,6 +8,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -62,6 +63,13 @@ void setUpLikeTheLibrary(int width, int height, const float page[3]);
 std::vector<uint8_t> readFrame(int width, int height);
 // Pixels whose colour differs between two frames of readFrame, alpha aside.
 long countDifferingPixels(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b);
+
+// The software renderer's speed on this kind of machine drifts by tens of percent within a
+// minute, more than the differences measured; frames drawn in turns see the same drift, so the
+// median of their ratios, library over reference, is the figure to trust. Each frame is timed
+// to its glFinish; `setUpReference`, untimed, runs before each reference frame.
+double medianPairedRatio(int pairs, const std::function<void()>& library, const std::function<void()>& setUpReference,
+                         const std::function<void()>& reference);
 
 // Keeps each benchmark's real seconds per iteration, the median where runs are repeated.
 class SummaryReporter : public benchmark::ConsoleReporter {

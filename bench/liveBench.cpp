@@ -14,7 +14,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -514,32 +513,16 @@ void BM_LiveImmediateReference(benchmark::State& state, const std::vector<HandIt
 
 // ---------------------------------------------------------------- the comparison
 
-template <class Draw> double millisecondsOf(Draw draw)
-{
-    auto start = std::chrono::steady_clock::now();
-    draw();
-    glFinish();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-// The software renderer's speed on this kind of machine drifts by tens of percent within a
-// minute, more than the difference measured; frames drawn in turns see the same drift, so the
-// median of their ratios is the figure to trust.
 double pairedRatio(FrozenView& frozen, const std::vector<HandItem>& hand, int pairs)
 {
     korelbench::setUpLikeTheLibrary(kWidth, kHeight, kPage);
-    std::vector<double> ratios;
-    for (int i = 0; i < pairs; ++i) {
-        double library = millisecondsOf([&] {
+    return korelbench::medianPairedRatio(
+        pairs,
+        [&] {
             krWindowClear(frozen.window, frozen.view);
             krViewDraw(frozen.window, frozen.view, 0, 0, 1);
-        });
-        korelbench::setUpLikeTheLibrary(kWidth, kHeight, kPage);
-        double reference = millisecondsOf([&] { drawByHand(hand); });
-        ratios.push_back(library / reference);
-    }
-    std::sort(ratios.begin(), ratios.end());
-    return ratios[ratios.size() / 2];
+        },
+        [] { korelbench::setUpLikeTheLibrary(kWidth, kHeight, kPage); }, [&] { drawByHand(hand); });
 }
 
 // A ratio means something only if both sides draw the same picture: the pixels that differ.
