@@ -152,10 +152,7 @@ TEST_F(Animation, VisibilityHidesAGroupWithEverythingBelowIt)
 // degrees sweeps the lower half of a disc. A level fills a bar from below.
 TEST_F(Animation, NeedleArcEndAndFillLevelFollowTheirValues)
 {
-    LineFields needle;
-    needle.x1 = 160, needle.y1 = 280, needle.x2 = 240, needle.y2 = 280;
-    needle.strokeWidth = 3;
-    needle.stroke[0] = needle.stroke[1] = needle.stroke[2] = 1;
+    const LineFields needle{160, 280, 240, 280, 3, 0, {1, 1, 1, 1}};
     CircleFields disc;
     disc.x = 100, disc.y = 150, disc.strokeOn = 0;
     disc.fill[0] = 1, disc.fill[1] = 0, disc.fill[2] = 0;
@@ -171,12 +168,9 @@ TEST_F(Animation, NeedleArcEndAndFillLevelFollowTheirValues)
     set("end", 180);
     set("level", 0.5f);
     Frame f = frameWith("angle", 90);
-    EXPECT_TRUE(PixelIs(f, 160, 230, white));
-    EXPECT_TRUE(PixelIs(f, 200, 280, kBlack));
-    EXPECT_TRUE(PixelIs(f, 100, 120, kRed));
-    EXPECT_TRUE(PixelIs(f, 100, 180, kBlack));
-    EXPECT_TRUE(PixelIs(f, 60, 140, kRed));
-    EXPECT_TRUE(PixelIs(f, 60, 160, kBlack));
+    EXPECT_TRUE(PixelIs(f, 160, 230, white) && PixelIs(f, 200, 280, kBlack));
+    EXPECT_TRUE(PixelIs(f, 100, 120, kRed) && PixelIs(f, 100, 180, kBlack));
+    EXPECT_TRUE(PixelIs(f, 60, 140, kRed) && PixelIs(f, 60, 160, kBlack));
     // Filled up to half its height.
     EXPECT_EQ(f.count(260, 60, 340, 146, green), 80 * 86);
     EXPECT_EQ(f.count(260, 60, 340, 240, green), f.count(260, 60, 340, 152, green));
@@ -311,13 +305,12 @@ TEST_F(Animation, WrittenGlobalGoesOutOnce)
     b.actions({act(KR_ACTION_INPUT, "exampleGlobalFloat")}).rect(square());
     start(b, pluginSource(101, "exampleGlobalFloat"));
     putFloatData(view->elements->actions, 7.5);
-    draw(view);
     char text[256];
-    EXPECT_EQ(krVarGetStr(view, "exampleGlobalFloat", text), 0);
-    EXPECT_STREQ(text, "7.500000");
-    draw(view);
-    krVarGetStr(view, "exampleGlobalFloat", text);
-    EXPECT_STREQ(text, "1.000000");
+    for (const char* expected : {"7.500000", "1.000000"}) {
+        draw(view);
+        EXPECT_EQ(krVarGetStr(view, "exampleGlobalFloat", text), 0);
+        EXPECT_STREQ(text, expected);
+    }
 }
 
 // What an input action writes: clamped to its range, converted to the variable's type, and

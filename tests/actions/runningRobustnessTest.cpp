@@ -242,8 +242,8 @@ TEST_F(RunningBinding, SecondVariablesAndAbsurdSampleCountsStillRun)
             EXPECT_EQ(krVarSet(view, "label", std::string(255, '7').c_str()), 1);
             EXPECT_EQ(krVarSet(view, "wide", &wide), 1);
             const Frame f = draw(view);
-            EXPECT_TRUE(PixelIs(f, 200, 100, Rgb{255, 0, 0})); // moved by 100 from (100, 100)
-            EXPECT_TRUE(PixelIs(f, 100, 100, Rgb{0, 0, 0}));
+            // Moved by 100 from (100, 100).
+            EXPECT_TRUE(PixelIs(f, 200, 100, Rgb{255, 0, 0}) && PixelIs(f, 100, 100, Rgb{0, 0, 0}));
             ASSERT_EQ(krViewStop(view), 0);
         }
         char log[4096];

@@ -124,8 +124,7 @@ TEST(KindGeometry, EveryKindHasItsBoxAndCentreAloneAndInGroups)
         c.write(together);
         all = unite(all, c.box);
         LoadedView loaded(alone), group(grouped.rect(far).endGroup());
-        const ELEMENT_STRUCT* e = loaded.first();
-        const ELEMENT_STRUCT* g = group.first();
+        const ELEMENT_STRUCT *e = loaded.first(), *g = group.first();
         ASSERT_TRUE(e && g);
         EXPECT_TRUE(HasBounds(e, c.box));
         EXPECT_NEAR(e->x, std::isnan(c.x) ? (c.box.xmin + c.box.xmax) / 2 : c.x, 0.05f);

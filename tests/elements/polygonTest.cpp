@@ -134,8 +134,7 @@ TEST_F(PolygonDraw, FillLevelPaintsTheSideItGrowsFrom)
         EXPECT_EQ(c.cut(v->elements), 0);
         EXPECT_EQ(polyMakeList(polyOf(v->elements), 1), 0);
         Frame f = draw(v);
-        EXPECT_TRUE(PixelIs(f, c.in.x, c.in.y, c.in.colour));
-        EXPECT_TRUE(PixelIs(f, c.out.x, c.out.y, c.out.colour));
+        EXPECT_TRUE(PixelIs(f, c.in.x, c.in.y, c.in.colour) && PixelIs(f, c.out.x, c.out.y, c.out.colour));
         EXPECT_NEAR(f.count(0, 0, 400, 300, kGreen), c.green, 250);
     }
     // The next geometry pass forgets the last cut: the whole L fills again.

@@ -160,13 +160,12 @@ TEST(FastColour, IndexesTheHostTableByTruncatedSteps)
         table[i] = uint32_t(100000 + i);
     setRgbColorIndex(table.data());
 
-    EXPECT_EQ(getFastRGBcolor(1, 1, 1), 100000u + 9260);
-    // 10 * 441 + 5 * 21 + 2
-    EXPECT_EQ(getFastRGBcolor(0.5f, 0.25f, 0.1f), 100000u + 4517);
-    // 0.999 * 20 = 19.98, truncated to 19: 19 * 441
-    EXPECT_EQ(getFastRGBcolor(0.999f, 0, 0), 100000u + 8379);
-    // 0.35f * 20 is 6.99999988 in exact arithmetic but 7.0 once rounded to float, as a host's f32 maths gives.
-    EXPECT_EQ(getFastRGBcolor(0, 0, 0.35f), 100000u + 7);
+    // Entry 441 r + 21 g + b of the steps: 0.999 * 20 = 19.98 is truncated to 19, and 0.35f * 20 is
+    // 6.99999988 in exact arithmetic but 7.0 once rounded to float, as a host's f32 maths gives.
+    const std::tuple<float, float, float, uint32_t> cases[] = {
+        {1, 1, 1, 9260}, {0.5f, 0.25f, 0.1f, 4517}, {0.999f, 0, 0, 8379}, {0, 0, 0.35f, 7}};
+    for (const auto& [r, g, b, index] : cases)
+        EXPECT_EQ(getFastRGBcolor(r, g, b), 100000u + index) << r << ", " << g << ", " << b;
     table[441 * 20] = 42;
     EXPECT_EQ(getFastRGBcolor(1, 0, 0), 42u) << "the table is read, not copied";
 }
@@ -208,10 +207,7 @@ TEST(FillPatternTable, KnownRowsDistinctPatternsAndSolidOutsideTheTable)
 TEST_F(FillPatterns, RowZeroIsAtTheBottomAndTheBytesDecide)
 {
     Frame frame = drawPattern(55, getPattern(55));
-    EXPECT_TRUE(lit(frame, 29, 0));
-    EXPECT_FALSE(lit(frame, 2, 0));
-    EXPECT_TRUE(lit(frame, 2, 7));
-    EXPECT_FALSE(lit(frame, 29, 7));
+    EXPECT_TRUE(lit(frame, 29, 0) && !lit(frame, 2, 0) && lit(frame, 2, 7) && !lit(frame, 29, 7));
     EXPECT_TRUE(lit(frame, 29 + 32, 8)) << "the pattern tiles every 32 columns and 8 rows";
     EXPECT_EQ(frame.count(0, 0, 64, 64, kWhite, 100), 64 * 64 / 8);
 
