@@ -56,17 +56,18 @@ bool prepareDrawing()
     return window && krWindowInit(window, kSurfaceSize, kSurfaceSize) == 0;
 }
 
-void runView(const uint8_t* data, size_t size, int frames)
+bool runView(const uint8_t* data, size_t size, int frames)
 {
     VIEW_STRUCT* view = krViewLoadData(data, size);
     if (!view)
-        return;
+        return false;
     drawFrame(view);
     expectZero(krViewStart(view), "krViewStart");
     for (int i = 0; i < frames; ++i)
         drawFrame(view);
     expectZero(krViewStop(view), "krViewStop");
     krViewFree(view);
+    return true;
 }
 
 } // namespace k2dfuzz

@@ -16,7 +16,8 @@ void prepareProcess();
 // machine offers none. Without it runView draws nothing.
 bool prepareDrawing();
 
-// Loads the bytes, draws a frame, starts, draws `frames` more, stops and frees.
-void runView(const uint8_t* data, size_t size, int frames);
+// Loads the bytes, draws a frame, starts, draws `frames` more, stops and frees. False when
+// the bytes didn't load.
+bool runView(const uint8_t* data, size_t size, int frames);
 
 } // namespace k2dfuzz
