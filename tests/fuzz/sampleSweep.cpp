@@ -90,14 +90,21 @@ void setInteger(Bytes& bytes, size_t at, int32_t value)
         bytes[at + size_t(i)] = uint8_t(uint32_t(value) >> (24 - 8 * i));
 }
 
-// A counted string at `at`: its length with the terminator, then the bytes ending in it.
+bool printable(const uint8_t* begin, const uint8_t* end)
+{
+    return std::all_of(begin, end, [](uint8_t c) { return c >= 32 && c < 127; });
+}
+
+// A counted string at `at`: its length with the terminator, then printable bytes ending in it.
 bool skipCounted(const Bytes& bytes, size_t& at)
 {
     if (at + 4 > bytes.size())
         return false;
     const int32_t length = integerAt(bytes, at);
-    if (length < 1 || length > kLongestName || at + 4 + size_t(length) > bytes.size() ||
-        bytes[at + 3 + size_t(length)] != 0)
+    if (length < 1 || length > kLongestName || at + 4 + size_t(length) > bytes.size())
+        return false;
+    const uint8_t* text = &bytes[at + 4];
+    if (text[length - 1] != 0 || !printable(text, text + length - 1))
         return false;
     at += 4 + size_t(length);
     return true;
@@ -105,7 +112,7 @@ bool skipCounted(const Bytes& bytes, size_t& at)
 
 // The body of each text record, found by its shape rather than by reading the view, so that
 // the sweep doesn't trust the reader it tests: a text kind code, a name and an id, a printable
-// family terminated in its field, and a text whose stored length ends at its terminator.
+// family named and terminated in its field, and a text whose stored length ends at its terminator.
 std::vector<size_t> textBodies(const Bytes& bytes)
 {
     std::vector<size_t> bodies;
@@ -118,8 +125,9 @@ std::vector<size_t> textBodies(const Bytes& bytes)
         const uint8_t* family = &bytes[body + kFamilyAt];
         const uint8_t* familyEnd = std::find(family, family + kFamilySize, 0);
         const int32_t length = integerAt(bytes, body + kLengthAt);
-        if (familyEnd == family + kFamilySize || !std::all_of(family, familyEnd, [](uint8_t c) { return c >= 32 && c < 127; }) ||
-            length < 0 || body + kTextAt + size_t(length) >= bytes.size() || bytes[body + kTextAt + size_t(length)] != 0)
+        const size_t terminator = body + kTextAt + size_t(length);
+        if (familyEnd == family || familyEnd == family + kFamilySize || !printable(family, familyEnd) ||
+            length < 0 || terminator >= bytes.size() || bytes[terminator] != 0)
             continue;
         bodies.push_back(body);
     }
