@@ -10,6 +10,7 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -136,10 +137,23 @@ std::vector<uint8_t> textImageView(const uint8_t* data, size_t size)
     return b.dataSection({variables}).bytes();
 }
 
+// The regression corpus replays views, not this harness's bytes: run on a crash with
+// K2DFUZZ_SAVE_VIEW=FILE, the harness writes there the view it made.
+const char* saveViewTo = nullptr;
+
+void saveView(const std::vector<uint8_t>& view)
+{
+    if (FILE* out = std::fopen(saveViewTo, "wb")) {
+        std::fwrite(view.data(), 1, view.size(), out);
+        std::fclose(out);
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
+    saveViewTo = std::getenv("K2DFUZZ_SAVE_VIEW");
     k2dfuzz::prepareProcess();
     if (!k2dfuzz::prepareDrawing())
         std::exit(1);
@@ -149,6 +163,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const std::vector<uint8_t> view = textImageView(data, size);
+    if (saveViewTo)
+        saveView(view);
     k2dfuzz::runView(view.data(), view.size(), kFramesRunning);
     return 0;
 }
