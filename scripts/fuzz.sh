@@ -1,8 +1,9 @@
 #!/bin/sh
 # Builds the libFuzzer harnesses with clang (build-fuzz/, only the library and the harnesses)
 # and runs each harness for SECONDS, side by side, from the seed corpus that the sample
-# generator writes and the regression corpus tests/fuzz/regression/.
-# Usage: sh scripts/fuzz.sh [SECONDS [HARNESS...]]    (default: 60 seconds, harnesses load draw)
+# generator writes and the regression corpus tests/fuzz/regression/ (textimage makes its views
+# from any bytes: to it these are merely bytes).
+# Usage: sh scripts/fuzz.sh [SECONDS [HARNESS...]]  (default: 60 seconds, harnesses load draw textimage)
 # Inputs that find new code stay in build-fuzz/corpus/HARNESS/ for the next run; a crash is
 # written to build-fuzz/crashes/ and makes the script fail: once fixed, copy it into the
 # regression corpus.
@@ -11,7 +12,7 @@ cd "$(dirname "$0")/.."
 root=$(pwd)
 seconds=${1:-60}
 [ $# -gt 0 ] && shift
-harnesses=${*:-load draw}
+harnesses=${*:-load draw textimage}
 build="$root/build-fuzz"
 
 targets=korel2d-samples

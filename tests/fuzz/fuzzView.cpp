@@ -10,8 +10,6 @@
 namespace k2dfuzz {
 namespace {
 
-constexpr int kSurfaceSize = 96;
-
 korelgen::OffscreenGl* surface = nullptr;
 WINDOW_STRUCT* window = nullptr;
 
@@ -39,7 +37,7 @@ void prepareProcess()
     unsetenv("KOREL_HOME");
 }
 
-bool prepareDrawing()
+bool prepareDrawing(int side)
 {
     // Mesa's llvmpipe compiles and keeps a shader for each new combination of GL state: that
     // makes nearly every input look like a leak to libFuzzer, and the leak check it then runs
@@ -48,25 +46,26 @@ bool prepareDrawing()
     // Lives as long as the process: the harness draws until it is killed.
     surface = new korelgen::OffscreenGl;
     std::string why;
-    if (!surface->openEgl(kSurfaceSize, kSurfaceSize, &why)) {
+    if (!surface->openEgl(side, side, &why)) {
         std::fprintf(stderr, "fuzz: no off-screen GL context: %s\n", why.c_str());
         return false;
     }
     window = krWindowCreate();
-    return window && krWindowInit(window, kSurfaceSize, kSurfaceSize) == 0;
+    return window && krWindowInit(window, side, side) == 0;
 }
 
-void runView(const uint8_t* data, size_t size, int frames)
+bool runView(const uint8_t* data, size_t size, int frames)
 {
     VIEW_STRUCT* view = krViewLoadData(data, size);
     if (!view)
-        return;
+        return false;
     drawFrame(view);
     expectZero(krViewStart(view), "krViewStart");
     for (int i = 0; i < frames; ++i)
         drawFrame(view);
     expectZero(krViewStop(view), "krViewStop");
     krViewFree(view);
+    return true;
 }
 
 } // namespace k2dfuzz

@@ -12,11 +12,12 @@ namespace k2dfuzz {
 // messages, and no KOREL_HOME, so that starting a view never loads an installed plug-in.
 void prepareProcess();
 
-// An off-screen GL context (EGL, no display) and the library's window on it; false when the
-// machine offers none. Without it runView draws nothing.
-bool prepareDrawing();
+// An off-screen GL context (EGL, no display) of side x side pixels and the library's window on
+// it; false when the machine offers none. Without it runView draws nothing.
+bool prepareDrawing(int side = 96);
 
-// Loads the bytes, draws a frame, starts, draws `frames` more, stops and frees.
-void runView(const uint8_t* data, size_t size, int frames);
+// Loads the bytes, draws a frame, starts, draws `frames` more, stops and frees. False when
+// the bytes didn't load.
+bool runView(const uint8_t* data, size_t size, int frames);
 
 } // namespace k2dfuzz

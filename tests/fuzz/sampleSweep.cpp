@@ -1,0 +1,243 @@
+#include "sampleSweep.h"
+
+#include "Korel2D.h"
+#include "fuzzView.h"
+
+#include <algorithm>
+#include <climits>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+// Present under AddressSanitizer, whose reports don't pass through signals. (UBSan's runtime
+// doesn't call it back: its stack trace alone shows where the sweep was.)
+extern "C" void __sanitizer_set_death_callback(void (*callback)(void)) __attribute__((weak));
+
+namespace fs = std::filesystem;
+
+namespace k2dfuzz {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+// One frame before start and one running: enough to lay out, format and draw each element once.
+constexpr int kFramesRunning = 1;
+constexpr int kFlippedCopies = 150;
+constexpr int kMostFlips = 8;
+
+// Byte offsets in a text record's body, which follows the kind code, the name and the id.
+constexpr size_t kAlignAt = 24;
+constexpr size_t kFamilyAt = 44;
+constexpr size_t kFamilySize = 64;
+constexpr size_t kFontStyleAt = 108;
+constexpr size_t kFontSizeAt = 116;
+constexpr size_t kTextSizeAt = 120;
+constexpr size_t kLengthAt = 148;
+constexpr size_t kTextAt = 152;
+constexpr int32_t kLongestName = 4096;
+
+// What the sweep is running, said when it dies so the case can be rebuilt by hand.
+char currentCase[512];
+
+void sayCase()
+{
+    const ssize_t written = write(STDERR_FILENO, currentCase, strlen(currentCase));
+    (void)written;
+}
+
+void onFatalSignal(int signal)
+{
+    sayCase();
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+// Only the signals nobody else handles: a sanitizer's own handler reports more.
+void sayCaseOnDeath()
+{
+    if (__sanitizer_set_death_callback)
+        __sanitizer_set_death_callback(sayCase);
+    for (int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
+        struct sigaction old = {};
+        if (sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_DFL)
+            std::signal(signal, onFatalSignal);
+    }
+}
+
+template <typename... Args>
+void describe(const char* format, Args... args)
+{
+    std::snprintf(currentCase, sizeof currentCase, format, args...);
+}
+
+int32_t integerAt(const Bytes& bytes, size_t at)
+{
+    return int32_t(uint32_t(bytes[at]) << 24 | uint32_t(bytes[at + 1]) << 16 | uint32_t(bytes[at + 2]) << 8 |
+                   uint32_t(bytes[at + 3]));
+}
+
+void setInteger(Bytes& bytes, size_t at, int32_t value)
+{
+    for (int i = 0; i < 4; ++i)
+        bytes[at + size_t(i)] = uint8_t(uint32_t(value) >> (24 - 8 * i));
+}
+
+bool printable(const uint8_t* begin, const uint8_t* end)
+{
+    return std::all_of(begin, end, [](uint8_t c) { return c >= 32 && c < 127; });
+}
+
+// A counted string at `at`: its length with the terminator, then printable bytes ending in it.
+bool skipCounted(const Bytes& bytes, size_t& at)
+{
+    if (at + 4 > bytes.size())
+        return false;
+    const int32_t length = integerAt(bytes, at);
+    if (length < 1 || length > kLongestName || at + 4 + size_t(length) > bytes.size())
+        return false;
+    const uint8_t* text = &bytes[at + 4];
+    if (text[length - 1] != 0 || !printable(text, text + length - 1))
+        return false;
+    at += 4 + size_t(length);
+    return true;
+}
+
+// The body of each text record, found by its shape rather than by reading the view, so that
+// the sweep doesn't trust the reader it tests: a text kind code, a name and an id, a printable
+// family named and terminated in its field, and a text whose stored length ends at its terminator.
+std::vector<size_t> textBodies(const Bytes& bytes)
+{
+    std::vector<size_t> bodies;
+    for (size_t at = 0; at + 4 <= bytes.size(); ++at) {
+        const int32_t kind = integerAt(bytes, at);
+        size_t body = at + 4;
+        if ((kind != KR_TEXT && kind != KR_TEXT_OLD) || !skipCounted(bytes, body) || !skipCounted(bytes, body) ||
+            body + kTextAt > bytes.size())
+            continue;
+        const uint8_t* family = &bytes[body + kFamilyAt];
+        const uint8_t* familyEnd = std::find(family, family + kFamilySize, 0);
+        const int32_t length = integerAt(bytes, body + kLengthAt);
+        const size_t terminator = body + kTextAt + size_t(length);
+        if (familyEnd == family || familyEnd == family + kFamilySize || !printable(family, familyEnd) ||
+            length < 0 || terminator >= bytes.size() || bytes[terminator] != 0)
+            continue;
+        bodies.push_back(body);
+    }
+    return bodies;
+}
+
+struct IntegerGarble {
+    size_t at;
+    int32_t value;
+    const char* what;
+};
+
+const IntegerGarble kIntegerGarbles[] = {
+    {kTextSizeAt, 0, "text size 0"},
+    {kTextSizeAt, -30, "text size -30"},
+    {kTextSizeAt, INT32_MAX, "text size 2^31-1"},
+    {kTextSizeAt, INT32_MIN, "text size -2^31"},
+    {kFontSizeAt, 0, "font size 0"},
+    {kFontSizeAt, -30, "font size -30"},
+    {kFontSizeAt, INT32_MAX, "font size 2^31-1"},
+    {kAlignAt, 99, "align 99"},
+    {kAlignAt, -1, "align -1"},
+    {kFontStyleAt, 99, "font style 99"},
+    {kLengthAt, INT32_MAX, "text length 2^31-1"},
+    {kLengthAt, -2, "text length -2"},
+};
+
+// Unknown, empty, and a field with no terminator.
+const std::string kFamilyGarbles[] = {"No Such Family", "", std::string(kFamilySize, 'W')};
+
+void run(const Bytes& bytes, size_t size)
+{
+    runView(bytes.data(), size, kFramesRunning);
+}
+
+// Returns false when the sample itself doesn't load.
+bool sweepSample(const std::string& name, const Bytes& sample, size_t& textRecords)
+{
+    describe("sweep: died on %s whole\n", name.c_str());
+    if (!runView(sample.data(), sample.size(), kFramesRunning)) {
+        std::fprintf(stderr, "sweep: %s doesn't load\n", name.c_str());
+        return false;
+    }
+    for (size_t cut = 0; cut < sample.size(); ++cut) {
+        describe("sweep: died on %s cut to %zu bytes\n", name.c_str(), cut);
+        run(sample, cut);
+    }
+
+    const std::vector<size_t> bodies = textBodies(sample);
+    textRecords += bodies.size();
+    for (size_t body : bodies) {
+        for (const IntegerGarble& garble : kIntegerGarbles) {
+            describe("sweep: died on %s, text at %zu with %s\n", name.c_str(), body, garble.what);
+            Bytes copy = sample;
+            setInteger(copy, body + garble.at, garble.value);
+            run(copy, copy.size());
+        }
+        for (const std::string& family : kFamilyGarbles) {
+            describe("sweep: died on %s, text at %zu in family \"%s\"\n", name.c_str(), body, family.c_str());
+            Bytes copy = sample;
+            std::fill_n(copy.begin() + long(body + kFamilyAt), kFamilySize, 0);
+            std::copy(family.begin(), family.end(), copy.begin() + long(body + kFamilyAt));
+            run(copy, copy.size());
+        }
+    }
+
+    // A fixed seed per copy: the sweep runs the same views each time, and a copy is rebuilt from its number.
+    for (int copyNumber = 0; copyNumber < kFlippedCopies; ++copyNumber) {
+        describe("sweep: died on %s, flipped copy %d\n", name.c_str(), copyNumber);
+        std::mt19937 random{uint32_t(copyNumber)};
+        Bytes copy = sample;
+        const int flips = std::uniform_int_distribution<int>(1, kMostFlips)(random);
+        for (int i = 0; i < flips; ++i)
+            copy[std::uniform_int_distribution<size_t>(0, copy.size() - 1)(random)] ^=
+                uint8_t(std::uniform_int_distribution<int>(1, 255)(random));
+        run(copy, copy.size());
+    }
+    std::printf("sweep: %s: %zu cuts, %zu text records garbled, %d flipped copies\n", name.c_str(), sample.size(),
+                bodies.size(), kFlippedCopies);
+    std::fflush(stdout);
+    return true;
+}
+
+} // namespace
+
+int sweepSamples(const fs::path& dir)
+{
+    std::vector<fs::path> samples;
+    for (const fs::directory_entry& entry : fs::directory_iterator(dir))
+        if (entry.is_regular_file() && entry.path().extension() == ".k2d")
+            samples.push_back(entry.path());
+    std::sort(samples.begin(), samples.end());
+    if (samples.empty()) {
+        std::fprintf(stderr, "sweep: no *.k2d in %s\n", dir.c_str());
+        return 1;
+    }
+    sayCaseOnDeath();
+    size_t textRecords = 0;
+    for (const fs::path& path : samples) {
+        std::ifstream in(path, std::ios::binary);
+        const Bytes sample{std::istreambuf_iterator<char>(in), {}};
+        if (!sweepSample(path.filename().string(), sample, textRecords))
+            return 1;
+    }
+    if (textRecords == 0) {
+        std::fprintf(stderr, "sweep: no text record found to garble in %s\n", dir.c_str());
+        return 1;
+    }
+    std::printf("sweep: %zu samples ran\n", samples.size());
+    return 0;
+}
+
+} // namespace k2dfuzz
