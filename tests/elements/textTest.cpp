@@ -153,19 +153,6 @@ TEST_F(Text, EditsChangeFontTextAndAnchorAtOnce)
     EXPECT_TRUE(textSetNewText(e, longer.data()) == 0 && t->text + std::string(e->attr.text) == std::string(510, 'y'));
 }
 
-// Sizes and families a damaged file may bring draw and measure without a fault (the sanitizer
-// build halts on a float out of an integer's range), into a finite box.
-TEST_F(Text, DamagedSizesAndFamiliesDrawHarmlessly)
-{
-    for (const auto& size : {std::make_pair(0, 30), {30, 0}, {0, 0}, {-7, -7}, {1 << 30, 30}, {30, 1 << 30}}) {
-        TextFields t = textAt("Hello 123", 200, 150, KR_POS_CENTRE, "\x01\xff no such family [fixed");
-        t.fontSize = size.first, t.textSize = size.second;
-        VIEW_STRUCT* view = load(blackPage().text(t));
-        draw(view);
-        EXPECT_TRUE(std::isfinite(view->elements->width) && std::isfinite(view->elements->bounds[0]));
-    }
-}
-
 // Old fixed texts were placed by their anchor and a font code; old vector texts by four corners.
 TEST(OldText, RecordsTakeThePresentFormOfTheirFontAndPlace)
 {

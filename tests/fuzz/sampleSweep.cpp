@@ -4,22 +4,15 @@
 #include "fuzzView.h"
 
 #include <algorithm>
-#include <climits>
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <string>
 #include <vector>
-
-#include <unistd.h>
-
-// Present under AddressSanitizer, whose reports don't pass through signals. (UBSan's runtime
-// doesn't call it back: its stack trace alone shows where the sweep was.)
-extern "C" void __sanitizer_set_death_callback(void (*callback)(void)) __attribute__((weak));
 
 namespace fs = std::filesystem;
 
@@ -44,38 +37,15 @@ constexpr size_t kLengthAt = 148;
 constexpr size_t kTextAt = 152;
 constexpr int32_t kLongestName = 4096;
 
-// What the sweep is running, said when it dies so the case can be rebuilt by hand.
-char currentCase[512];
-
-void sayCase()
-{
-    const ssize_t written = write(STDERR_FILENO, currentCase, strlen(currentCase));
-    (void)written;
-}
-
-void onFatalSignal(int signal)
-{
-    sayCase();
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
-}
-
-// Only the signals nobody else handles: a sanitizer's own handler reports more.
-void sayCaseOnDeath()
-{
-    if (__sanitizer_set_death_callback)
-        __sanitizer_set_death_callback(sayCase);
-    for (int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
-        struct sigaction old = {};
-        if (sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_DFL)
-            std::signal(signal, onFatalSignal);
-    }
-}
+// With K2DFUZZ_SWEEP_CASES set, each case is named before it runs: the last name printed is
+// the case that died, to be rebuilt by hand.
+bool namingCases = false;
 
 template <typename... Args>
 void describe(const char* format, Args... args)
 {
-    std::snprintf(currentCase, sizeof currentCase, format, args...);
+    if (namingCases)
+        std::fprintf(stderr, format, args...);
 }
 
 int32_t integerAt(const Bytes& bytes, size_t at)
@@ -166,13 +136,13 @@ void run(const Bytes& bytes, size_t size)
 // Returns false when the sample itself doesn't load.
 bool sweepSample(const std::string& name, const Bytes& sample, size_t& textRecords)
 {
-    describe("sweep: died on %s whole\n", name.c_str());
+    describe("sweep: %s whole\n", name.c_str());
     if (!runView(sample.data(), sample.size(), kFramesRunning)) {
         std::fprintf(stderr, "sweep: %s doesn't load\n", name.c_str());
         return false;
     }
     for (size_t cut = 0; cut < sample.size(); ++cut) {
-        describe("sweep: died on %s cut to %zu bytes\n", name.c_str(), cut);
+        describe("sweep: %s cut to %zu bytes\n", name.c_str(), cut);
         run(sample, cut);
     }
 
@@ -180,13 +150,13 @@ bool sweepSample(const std::string& name, const Bytes& sample, size_t& textRecor
     textRecords += bodies.size();
     for (size_t body : bodies) {
         for (const IntegerGarble& garble : kIntegerGarbles) {
-            describe("sweep: died on %s, text at %zu with %s\n", name.c_str(), body, garble.what);
+            describe("sweep: %s, text at %zu with %s\n", name.c_str(), body, garble.what);
             Bytes copy = sample;
             setInteger(copy, body + garble.at, garble.value);
             run(copy, copy.size());
         }
         for (const std::string& family : kFamilyGarbles) {
-            describe("sweep: died on %s, text at %zu in family \"%s\"\n", name.c_str(), body, family.c_str());
+            describe("sweep: %s, text at %zu in family \"%s\"\n", name.c_str(), body, family.c_str());
             Bytes copy = sample;
             std::fill_n(copy.begin() + long(body + kFamilyAt), kFamilySize, 0);
             std::copy(family.begin(), family.end(), copy.begin() + long(body + kFamilyAt));
@@ -196,7 +166,7 @@ bool sweepSample(const std::string& name, const Bytes& sample, size_t& textRecor
 
     // A fixed seed per copy: the sweep runs the same views each time, and a copy is rebuilt from its number.
     for (int copyNumber = 0; copyNumber < kFlippedCopies; ++copyNumber) {
-        describe("sweep: died on %s, flipped copy %d\n", name.c_str(), copyNumber);
+        describe("sweep: %s, flipped copy %d\n", name.c_str(), copyNumber);
         std::mt19937 random{uint32_t(copyNumber)};
         Bytes copy = sample;
         const int flips = std::uniform_int_distribution<int>(1, kMostFlips)(random);
@@ -224,7 +194,7 @@ int sweepSamples(const fs::path& dir)
         std::fprintf(stderr, "sweep: no *.k2d in %s\n", dir.c_str());
         return 1;
     }
-    sayCaseOnDeath();
+    namingCases = std::getenv("K2DFUZZ_SWEEP_CASES") != nullptr;
     size_t textRecords = 0;
     for (const fs::path& path : samples) {
         std::ifstream in(path, std::ios::binary);

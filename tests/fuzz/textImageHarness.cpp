@@ -48,10 +48,11 @@ float realField(FuzzedDataProvider& in, float low, float high)
     return value;
 }
 
-void colorFields(FuzzedDataProvider& in, float rgba[4])
+// Each of `count` fields within [low, high] or of any bit pattern.
+void realFields(FuzzedDataProvider& in, float* fields, int count, float low, float high)
 {
-    for (int i = 0; i < 4; ++i)
-        rgba[i] = realField(in, 0, 1);
+    for (int i = 0; i < count; ++i)
+        fields[i] = realField(in, low, high);
 }
 
 std::string pick(FuzzedDataProvider& in, const char* const* known, size_t count, size_t longest)
@@ -67,10 +68,9 @@ TextFields textFields(FuzzedDataProvider& in)
     t.kind = in.ConsumeBool() ? KR_TEXT : KR_TEXT_OLD;
     t.x = realField(in, -50, 250);
     t.y = realField(in, -50, 200);
-    colorFields(in, t.color);
+    realFields(in, t.color, 4, 0, 1);
     t.align = integerField(in);
-    for (float& m : t.matrix)
-        m = realField(in, -4, 4);
+    realFields(in, t.matrix, 4, -4, 4);
     t.fontFamily = pick(in, kFamilies, std::size(kFamilies), kLongestFamily);
     t.fontStyle = integerField(in);
     t.underline = integerField(in);
@@ -86,11 +86,9 @@ TextFields textFields(FuzzedDataProvider& in)
 ImageFields imageFields(FuzzedDataProvider& in)
 {
     ImageFields m;
-    m.x0 = realField(in, -50, 250);
-    m.y0 = realField(in, -50, 200);
-    m.x1 = realField(in, -50, 250);
-    m.y1 = realField(in, -50, 200);
-    colorFields(in, m.tint);
+    for (float* corner : {&m.x0, &m.y0, &m.x1, &m.y1})
+        *corner = realField(in, -50, 250);
+    realFields(in, m.tint, 4, 0, 1);
     const bool plausible = in.ConsumeBool();
     m.width = plausible ? in.ConsumeIntegralInRange<int32_t>(0, kPlausibleSide) : in.ConsumeIntegral<int32_t>();
     m.height = plausible ? in.ConsumeIntegralInRange<int32_t>(0, kPlausibleSide) : in.ConsumeIntegral<int32_t>();
