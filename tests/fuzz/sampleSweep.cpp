@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,7 +36,6 @@ constexpr size_t kFontSizeAt = 116;
 constexpr size_t kTextSizeAt = 120;
 constexpr size_t kLengthAt = 148;
 constexpr size_t kTextAt = 152;
-constexpr int32_t kLongestName = 4096;
 
 // With K2DFUZZ_SWEEP_CASES set, each case is named before it runs: the last name printed is
 // the case that died, to be rebuilt by hand.
@@ -60,48 +60,35 @@ void setInteger(Bytes& bytes, size_t at, int32_t value)
         bytes[at + size_t(i)] = uint8_t(uint32_t(value) >> (24 - 8 * i));
 }
 
-bool printable(const uint8_t* begin, const uint8_t* end)
+// A counted string as a file stores it: its length with the terminator, then the bytes.
+Bytes counted(const char* text)
 {
-    return std::all_of(begin, end, [](uint8_t c) { return c >= 32 && c < 127; });
+    const size_t length = strlen(text) + 1;
+    Bytes bytes(4 + length);
+    setInteger(bytes, 0, int32_t(length));
+    std::copy(text, text + length, bytes.begin() + 4);
+    return bytes;
 }
 
-// A counted string at `at`: its length with the terminator, then printable bytes ending in it.
-bool skipCounted(const Bytes& bytes, size_t& at)
+// Where the fields of each text record begin: the texts the reader found, sought again in the
+// bytes by the kind code, name and id that open their records.
+void findTextBodies(const Bytes& bytes, const ELEMENT_STRUCT* list, std::set<size_t>& bodies)
 {
-    if (at + 4 > bytes.size())
-        return false;
-    const int32_t length = integerAt(bytes, at);
-    if (length < 1 || length > kLongestName || at + 4 + size_t(length) > bytes.size())
-        return false;
-    const uint8_t* text = &bytes[at + 4];
-    if (text[length - 1] != 0 || !printable(text, text + length - 1))
-        return false;
-    at += 4 + size_t(length);
-    return true;
-}
-
-// The body of each text record, found by its shape rather than by reading the view, so that
-// the sweep doesn't trust the reader it tests: a text kind code, a name and an id, a printable
-// family named and terminated in its field, and a text whose stored length ends at its terminator.
-std::vector<size_t> textBodies(const Bytes& bytes)
-{
-    std::vector<size_t> bodies;
-    for (size_t at = 0; at + 4 <= bytes.size(); ++at) {
-        const int32_t kind = integerAt(bytes, at);
-        size_t body = at + 4;
-        if ((kind != KR_TEXT && kind != KR_TEXT_OLD) || !skipCounted(bytes, body) || !skipCounted(bytes, body) ||
-            body + kTextAt > bytes.size())
+    for (const ELEMENT_STRUCT* e = list; e; e = e->next) {
+        if (e->type == KR_GROUP)
+            findTextBodies(bytes, e->child, bodies);
+        if (e->type != KR_TEXT)
             continue;
-        const uint8_t* family = &bytes[body + kFamilyAt];
-        const uint8_t* familyEnd = std::find(family, family + kFamilySize, 0);
-        const int32_t length = integerAt(bytes, body + kLengthAt);
-        const size_t terminator = body + kTextAt + size_t(length);
-        if (familyEnd == family || familyEnd == family + kFamilySize || !printable(family, familyEnd) ||
-            length < 0 || terminator >= bytes.size() || bytes[terminator] != 0)
-            continue;
-        bodies.push_back(body);
+        Bytes opening = counted(e->name), id = counted(e->id);
+        opening.insert(opening.end(), id.begin(), id.end());
+        for (auto at = bytes.begin() + 4; (at = std::search(at, bytes.end(), opening.begin(), opening.end())) != bytes.end();
+             ++at) {
+            const size_t start = size_t(at - bytes.begin());
+            const int32_t kind = integerAt(bytes, start - 4);
+            if ((kind == KR_TEXT || kind == KR_TEXT_OLD) && start + opening.size() + kTextAt <= bytes.size())
+                bodies.insert(start + opening.size());
+        }
     }
-    return bodies;
 }
 
 struct IntegerGarble {
@@ -146,7 +133,11 @@ bool sweepSample(const std::string& name, const Bytes& sample, size_t& textRecor
         run(sample, cut);
     }
 
-    const std::vector<size_t> bodies = textBodies(sample);
+    std::set<size_t> bodies;
+    if (VIEW_STRUCT* view = krViewLoadData(sample.data(), sample.size())) {
+        findTextBodies(sample, view->elements, bodies);
+        krViewFree(view);
+    }
     textRecords += bodies.size();
     for (size_t body : bodies) {
         for (const IntegerGarble& garble : kIntegerGarbles) {
