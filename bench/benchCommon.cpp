@@ -72,6 +72,17 @@ void SummaryReporter::ReportRuns(const std::vector<Run>& runs)
     ConsoleReporter::ReportRuns(runs);
 }
 
+void SummaryReporter::printRatio(const std::string& drawn, const std::string& reference) const
+{
+    if (seconds.count(drawn) && seconds.count(reference))
+        std::printf("draw/reference ratio: %.2f\n", seconds.at(drawn) / seconds.at(reference));
+}
+
+benchmark::internal::Benchmark* timedAsFrames(benchmark::internal::Benchmark* benchmark)
+{
+    return benchmark->Unit(benchmark::kMillisecond)->MinWarmUpTime(1.0)->UseRealTime();
+}
+
 } // namespace korelbench
 
 void korelbench::setUpLikeTheLibrary(int width, int height, const float page[3])

@@ -75,7 +75,14 @@ double medianPairedRatio(int pairs, const std::function<void()>& library, const 
 class SummaryReporter : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run>& runs) override;
+    // Prints "draw/reference ratio: R" when both benchmarks ran.
+    void printRatio(const std::string& drawn, const std::string& reference) const;
     std::map<std::string, double> seconds;
 };
+
+// A frame benchmark as the drawing programs time it: milliseconds of real time, which is what
+// a host waits (llvmpipe draws on threads of its own while this one waits in glFinish), after a
+// second of frames, as the first ones of a process run slower by a varying amount.
+benchmark::internal::Benchmark* timedAsFrames(benchmark::internal::Benchmark* benchmark);
 
 } // namespace korelbench

@@ -568,16 +568,9 @@ int main(int argc, char** argv)
     // Real time throughout: it is what a host waits, and llvmpipe draws on threads of its own
     // while this one waits in glFinish.
     benchmark::RegisterBenchmark("BM_DataCycle", BM_DataCycle, &panel)->Unit(benchmark::kMicrosecond)->UseRealTime();
-    // A second of frames before each measurement: the first ones of a process run slower by
-    // a varying amount on the software renderer, whichever side draws them.
-    benchmark::RegisterBenchmark("BM_DrawRunningFrame", BM_DrawRunningFrame, &frozen)
-        ->Unit(benchmark::kMillisecond)
-        ->MinWarmUpTime(1.0)
-        ->UseRealTime();
-    benchmark::RegisterBenchmark("BM_LiveImmediateReference", BM_LiveImmediateReference, &hand)
-        ->Unit(benchmark::kMillisecond)
-        ->MinWarmUpTime(1.0)
-        ->UseRealTime();
+    korelbench::timedAsFrames(benchmark::RegisterBenchmark("BM_DrawRunningFrame", BM_DrawRunningFrame, &frozen));
+    korelbench::timedAsFrames(
+        benchmark::RegisterBenchmark("BM_LiveImmediateReference", BM_LiveImmediateReference, &hand));
     korelbench::SummaryReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
@@ -585,8 +578,7 @@ int main(int argc, char** argv)
     auto& s = reporter.seconds;
     if (s.count("BM_DataCycle"))
         std::printf("data cycle: %.3f ms\n", s["BM_DataCycle"] * 1e3);
-    if (s.count("BM_DrawRunningFrame") && s.count("BM_LiveImmediateReference"))
-        std::printf("draw/reference ratio: %.2f\n", s["BM_DrawRunningFrame"] / s["BM_LiveImmediateReference"]);
+    reporter.printRatio("BM_DrawRunningFrame", "BM_LiveImmediateReference");
     std::printf("draw/reference ratio, median of 200 frames drawn in turns: %.2f\n", pairedRatio(frozen, hand, 200));
     return 0;
 }

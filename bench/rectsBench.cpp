@@ -177,8 +177,7 @@ int main(int argc, char** argv)
     benchmark::Shutdown();
 
     auto& s = reporter.seconds;
-    if (s.count("BM_DrawFrame") && s.count("BM_ImmediateReference"))
-        std::printf("draw/reference ratio: %.2f\n", s["BM_DrawFrame"] / s["BM_ImmediateReference"]);
+    reporter.printRatio("BM_DrawFrame", "BM_ImmediateReference");
     if (s.count("BM_LoadView"))
         std::printf("load: %.1f MB/s\n", double(panel.file.bytes.size()) / s["BM_LoadView"] / 1e6);
     return 0;

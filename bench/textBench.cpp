@@ -325,22 +325,13 @@ int main(int argc, char** argv)
         return 1;
     }
 
-    // Real time, with a second of frames first, as the other drawing programs measure.
-    benchmark::RegisterBenchmark("BM_DrawTextFrame", BM_DrawTextFrame, &live)
-        ->Unit(benchmark::kMillisecond)
-        ->MinWarmUpTime(1.0)
-        ->UseRealTime();
-    benchmark::RegisterBenchmark("BM_TextImmediateReference", BM_TextImmediateReference, &hand)
-        ->Unit(benchmark::kMillisecond)
-        ->MinWarmUpTime(1.0)
-        ->UseRealTime();
+    korelbench::timedAsFrames(benchmark::RegisterBenchmark("BM_DrawTextFrame", BM_DrawTextFrame, &live));
+    korelbench::timedAsFrames(
+        benchmark::RegisterBenchmark("BM_TextImmediateReference", BM_TextImmediateReference, &hand));
     korelbench::SummaryReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
-
-    auto& s = reporter.seconds;
-    if (s.count("BM_DrawTextFrame") && s.count("BM_TextImmediateReference"))
-        std::printf("draw/reference ratio: %.2f\n", s["BM_DrawTextFrame"] / s["BM_TextImmediateReference"]);
+    reporter.printRatio("BM_DrawTextFrame", "BM_TextImmediateReference");
     int64_t frame = 0;
     korelbench::setUpLikeTheLibrary(kWidth, kHeight, kPage);
     const double paired = korelbench::medianPairedRatio(
