@@ -10,7 +10,6 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -24,8 +23,6 @@ using Bytes = std::vector<uint8_t>;
 
 // One frame before start and one running: enough to lay out, format and draw each element once.
 constexpr int kFramesRunning = 1;
-constexpr int kFlippedCopies = 150;
-constexpr int kMostFlips = 8;
 
 // Byte offsets in a text record's body, which follows the kind code, the name and the id.
 constexpr size_t kAlignAt = 24;
@@ -155,19 +152,7 @@ bool sweepSample(const std::string& name, const Bytes& sample, size_t& textRecor
         }
     }
 
-    // A fixed seed per copy: the sweep runs the same views each time, and a copy is rebuilt from its number.
-    for (int copyNumber = 0; copyNumber < kFlippedCopies; ++copyNumber) {
-        describe("sweep: %s, flipped copy %d\n", name.c_str(), copyNumber);
-        std::mt19937 random{uint32_t(copyNumber)};
-        Bytes copy = sample;
-        const int flips = std::uniform_int_distribution<int>(1, kMostFlips)(random);
-        for (int i = 0; i < flips; ++i)
-            copy[std::uniform_int_distribution<size_t>(0, copy.size() - 1)(random)] ^=
-                uint8_t(std::uniform_int_distribution<int>(1, 255)(random));
-        run(copy, copy.size());
-    }
-    std::printf("sweep: %s: %zu cuts, %zu text records garbled, %d flipped copies\n", name.c_str(), sample.size(),
-                bodies.size(), kFlippedCopies);
+    std::printf("sweep: %s: %zu cuts, %zu text records garbled\n", name.c_str(), sample.size(), bodies.size());
     std::fflush(stdout);
     return true;
 }

@@ -6,8 +6,8 @@
 
 namespace k2dfuzz {
 
-// Runs each *.k2d of `dir` cut at every length, with each text record garbled in its sizes,
-// alignment, style, family and length, and with random bytes changed. Needs prepareProcess
+// Runs each *.k2d of `dir` cut at every length, and with each text record garbled in its sizes,
+// alignment, style, family and length (random changes are the fuzzers' part). Needs prepareProcess
 // and prepareDrawing. Returns the exit status: 1 when there is no sample, a sample doesn't
 // load whole, or no sample holds a text record to garble.
 int sweepSamples(const std::filesystem::path& dir);
