@@ -415,8 +415,12 @@ KOREL2D_API int krViewStop(VIEW_STRUCT* view);
 KOREL2D_API int krViewStopAnim(VIEW_STRUCT* view);
 /** Adds delta seconds to the view clock (mode 1). @return 0, -1, -2, -3 if stopped. */
 KOREL2D_API int krViewPutData(VIEW_STRUCT* view, double delta);
-/** Sets the view clock to t seconds; any mode. @return 0, -1, -2. */
+/** Sets the view clock to t seconds and restarts the graphs there, as krViewResetGraph; any
+ *  mode. @return 0, -1, -2. */
 KOREL2D_API int krViewSetTime(VIEW_STRUCT* view, float t);
+/** Empties every graph's traces and starts their windows at view time t, without moving the
+ *  view clock; any mode. @return 0, -1, -2. */
+KOREL2D_API int krViewResetGraph(VIEW_STRUCT* view, float t);
 /** Non-zero freezes what is shown while the data cycle goes on; 0 (the default) lets it follow.
  *  @return 0, -1, -2, -3 if stopped. */
 KOREL2D_API int krViewSetHaltMode(VIEW_STRUCT* view, int mode);

@@ -539,6 +539,23 @@ KOREL2D_API int loadTextureFromData(const uint8_t* bytes, IMAGE_STRUCT* record);
 KOREL2D_API int KGraphSetXLabel(GRAPH_STRUCT* record, float lo, float hi);
 /** Rebuilds the printf format of the graph's y labels for a range lo..hi. @return 0. */
 KOREL2D_API int KGraphSetYLabel(GRAPH_STRUCT* record, float lo, float hi);
+/** A round x spacing for lo..hi over `pixels`, about one step per 50 pixels: 1, 2, 5 or 10 times
+ *  a power of ten, with sub-steps per step in sub and ref = space. A range too short for one step
+ *  gives space -1 and ref 0, sub unchanged; a zero range gives space 0. @return 0. */
+KOREL2D_API int KGraphGetAutoParaX(float* space, float* ref, int* sub, float lo, float hi, float pixels);
+/** As KGraphGetAutoParaX for y: about one step per 20 pixels, and ref = 0. @return 0. */
+KOREL2D_API int KGraphGetAutoParaY(float* space, float* ref, int* sub, float lo, float hi, float pixels);
+/** Draws a graph's frame about the current origin, its centre: background, grid in attr's fill
+ *  colour, ticks, labels and outline in attr's stroke colour. A time graph's xmax becomes
+ *  samples / rate + xmin, and the automatic spacings chosen are written to the record.
+ *  selected non-zero outside a run draws the outline red and dashed. @return 0. */
+KOREL2D_API int KDrawGraph(GRAPH_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+/** At view time t, over the tree: every time graph's xmin and every graph's startTime and
+ *  lastTime become t and its label formats are rebuilt; both trace rings of every action of
+ *  every element are emptied, their times set to t. @return 0. */
+KOREL2D_API int resetAllGraphs(ELEMENT_STRUCT* list, float t);
+/** Sets xmin = t on every time graph (type 0) of the tree, groups included. @return 0. */
+KOREL2D_API int graphSetTime(ELEMENT_STRUCT* list, float t);
 
 /* ================================================================ 6. data-source and variable lists */
 

@@ -197,6 +197,9 @@ void drawElement(ELEMENT_STRUCT* e, int run, int halt, int clip, DRAW_SETTINGS* 
     case KR_IMAGE:
         drawImage(static_cast<IMAGE_STRUCT*>(e->data), &e->attr, e->selected);
         break;
+    case KR_GRAPH:
+        KDrawGraph(static_cast<GRAPH_STRUCT*>(e->data), &e->attr, e->selected);
+        break;
     case KR_GROUP:
         if (settings->scissorType == 1)
             walkGroupScissorBox(e, run, halt, clip, settings, depth);

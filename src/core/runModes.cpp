@@ -116,6 +116,7 @@ int startView(VIEW_STRUCT* view, uint32_t mode)
         return -3;
     finishPendingStop(view);
     view->startTime = apiGetTime();
+    resetAllGraphs(view->elements, 0.0f);
     resetAllPoly(view->elements);
     openDataSources(view->dataTypes);
     callStartView(view->dataTypes);
@@ -208,7 +209,14 @@ int krViewSetTime(VIEW_STRUCT* view, float t)
     if (int check = checkView(view))
         return check;
     view->time = t;
-    return 0;
+    return resetAllGraphs(view->elements, t);
+}
+
+int krViewResetGraph(VIEW_STRUCT* view, float t)
+{
+    if (int check = checkView(view))
+        return check;
+    return resetAllGraphs(view->elements, t);
 }
 
 int krViewSetHaltMode(VIEW_STRUCT* view, int mode)

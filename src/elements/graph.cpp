@@ -1,13 +1,19 @@
-// Graph: a strip chart or xy plot with frame, grid, ticks and labels.
+// Graph: a strip chart or xy plot with frame, grid, ticks and labels, and the view time its
+// window follows.
 #include "KorelEdit.h"
+#include "base/truncate.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "glyph/GlyphKit.h"
+#include "graphics/graphics.h"
+
+#include <GL/gl.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 static GRAPH_STRUCT graphDefaults()
 {
@@ -122,5 +128,298 @@ int KGraphSetXLabel(GRAPH_STRUCT* record, float lo, float hi)
 int KGraphSetYLabel(GRAPH_STRUCT* record, float lo, float hi)
 {
     buildLabelFormat(record->labelYFormat, record->tickySpace, lo, hi);
+    return 0;
+}
+
+// ---------------------------------------------------------------- automatic spacing
+
+// A round spacing (1, 2 or 5 times a power of ten) of about one step per `pixelsPerStep`:
+// `limits` are the bounds of the mantissa below which 1, 2 and 5 are taken. A range too short
+// for one step gives -1, which draws nothing.
+static void autoSpacing(float* space, float* ref, int* sub, float lo, float hi, float pixels, double pixelsPerStep,
+                        const float limits[3], bool refOnStep)
+{
+    const float s = float((hi - lo) / (pixels / pixelsPerStep));
+    if (s > hi - lo) {
+        *space = -1;
+        *ref = 0;
+        return;
+    }
+    const float e = float(std::log10(std::fabs(s)));
+    float m = 1, q = s;
+    // A zero range makes e infinite: m becomes 0 and q NaN, which ends in a spacing of 0.
+    if (e > 1) {
+        m = float(std::pow(10.0, truncToInt(e)));
+        q = s / m;
+    } else if (e < 0) {
+        m = float(std::pow(10.0, truncToInt(e - 1)));
+        q = s / m;
+    }
+    if (q < limits[0])
+        *space = m, *sub = 5;
+    else if (q < limits[1])
+        *space = 2 * m, *sub = 4;
+    else if (q < limits[2])
+        *space = 5 * m, *sub = 5;
+    else
+        *space = 10 * m, *sub = 5;
+    *ref = refOnStep ? *space : 0;
+}
+
+int KGraphGetAutoParaX(float* space, float* ref, int* sub, float lo, float hi, float pixels)
+{
+    static const float limits[3] = {1.1f, 2.1f, 5.1f};
+    autoSpacing(space, ref, sub, lo, hi, pixels, 50.0, limits, true);
+    return 0;
+}
+
+int KGraphGetAutoParaY(float* space, float* ref, int* sub, float lo, float hi, float pixels)
+{
+    static const float limits[3] = {1, 2, 5};
+    autoSpacing(space, ref, sub, lo, hi, pixels, 20.0, limits, false);
+    return 0;
+}
+
+// ---------------------------------------------------------------- frame
+
+namespace {
+
+// Lines of one kind on one axis; a record may hold any range or spacing, so the walk along
+// an axis gives up after this many.
+constexpr int kMaxLines = 100000;
+constexpr float kTickLength = 12, kSubTickLength = 5;
+// Labels nearer than this (units) cover the same pixels.
+constexpr float kSamePlace = 0.01f;
+
+// One axis of the frame: a value v lands at s * v + o.
+struct Axis {
+    float s, o;
+    float at(double v) const { return float(double(s) * v + double(o)); }
+};
+
+Axis axisOf(float lo, float hi, float pixels)
+{
+    const float s = pixels / std::fabs(hi - lo);
+    return {s, -s * lo};
+}
+
+// The first line of the spacing through `ref` at or above lo: strictly above when ref <= lo.
+float firstLine(float ref, float lo, float space)
+{
+    if (ref > lo)
+        return ref - float(truncToInt((ref - lo) / space)) * space;
+    return ref + float(truncToInt((lo - ref) / space) + 1) * space;
+}
+
+// Calls line(p, f) for f = first, first + space, ... up to hi, p the place of f on the axis.
+// Ends when f stops growing (a spacing lost in f's precision) or after kMaxLines.
+template <class Line> void eachLine(double first, float hi, float space, const Axis& axis, Line line)
+{
+    double f = first;
+    for (int n = 0; n < kMaxLines && hi >= f && space > 0; ++n) {
+        line(axis.at(f), f);
+        const double next = f + space;
+        if (!(next > f))
+            break;
+        f = next;
+    }
+}
+
+// A grid line or a major x tick never sits on the low end, where the outline is.
+double firstInside(float ref, float lo, float space)
+{
+    const float f = firstLine(ref, lo, space);
+    return f == lo ? double(f) + space : double(f);
+}
+
+// The labels along one side of an axis, each moved from its tick by its own size times
+// (widthTimes, heightTimes) plus (dx, dy). A spacing far below the precision of the labels piles
+// many ticks of one text on one spot: that label is drawn once, which keeps such a record cheap.
+struct LabelSide {
+    const GRAPH_STRUCT* g;
+    float widthTimes, dx, heightTimes, dy;
+    float lastPlace = std::numeric_limits<float>::quiet_NaN();
+    char last[64] = "";
+
+    void draw(const char* format, double value, float place)
+    {
+        char text[64];
+        snprintf(text, sizeof text, format, value);
+        if (std::fabs(place - lastPlace) < kSamePlace && strcmp(text, last) == 0)
+            return;
+        lastPlace = place;
+        memcpy(last, text, sizeof last);
+        int metric[2] = {0, 0};
+        if (gkFontStringMetric(g->font, text, metric) != 0)
+            metric[0] = metric[1] = 0;
+        tkPushMatrix();
+        glTranslatef(widthTimes * float(metric[0]) + dx, heightTimes * float(metric[1]) + dy, 0);
+        gkFontRender(g->font, text);
+        tkPopMatrix();
+    }
+};
+
+void drawGrid(GRAPH_STRUCT* g, const ELEMENT_ATTR* attr, float x0, float x1, float y0, float y1)
+{
+    tkLineWidth(1);
+    tkLineStipple(g->gridStippleFactor, g->gridStipplePattern);
+    kvColor4f(attr->fillColor[0], attr->fillColor[1], attr->fillColor[2], attr->fillColor[3]);
+    int scratchSub = 0;
+    if (g->gridy) {
+        if (g->gridyAuto)
+            KGraphGetAutoParaY(&g->gridySpace, &g->gridyRef, &scratchSub, y0, y1, g->height);
+        tkBegin(GL_LINES);
+        eachLine(firstInside(g->gridyRef, y0, g->gridySpace), y1, g->gridySpace, axisOf(y0, y1, g->height),
+                 [g](float p, double) { tkVertex2f(0, p), tkVertex2f(g->width, p); });
+        tkEnd();
+    }
+    if (g->gridx) {
+        if (g->gridxAuto)
+            KGraphGetAutoParaX(&g->gridxSpace, &g->gridxRef, &scratchSub, x0, x1, g->width);
+        tkBegin(GL_LINES);
+        eachLine(firstInside(g->gridxRef, x0, g->gridxSpace), x1, g->gridxSpace, axisOf(x0, x1, g->width),
+                 [g](float p, double) { tkVertex2f(p, 0), tkVertex2f(p, g->height); });
+        tkEnd();
+    }
+}
+
+void drawTicksY(GRAPH_STRUCT* g, float y0, float y1)
+{
+    if (g->tickyAuto)
+        KGraphGetAutoParaY(&g->tickySpace, &g->tickyRef, &g->tickySub, y0, y1, g->height);
+    const Axis axis = axisOf(y0, y1, g->height);
+    // Unlike grid lines, a major y tick may sit on the low end.
+    float f = firstLine(g->tickyRef, y0, g->tickySpace);
+    if (y0 <= f - g->tickySpace)
+        f -= g->tickySpace;
+    LabelSide left{g, -1, -kTickLength, -0.5f, 0}, right{g, 0, 15 + g->width, -0.5f, 0};
+    eachLine(f, y1, g->tickySpace, axis, [&](float p, double value) {
+        tkPushMatrix();
+        glTranslatef(0, p, 0);
+        tkBegin(GL_LINES);
+        if (g->ticky)
+            tkVertex2f(0, 0), tkVertex2f(-kTickLength, 0);
+        if (g->tickyr)
+            tkVertex2f(g->width, 0), tkVertex2f(g->width + kTickLength, 0);
+        tkEnd();
+        if (g->labely || g->labelyr)
+            KGraphSetYLabel(g, y0, y1);
+        if (g->labely)
+            left.draw(g->labelYFormat, value, p);
+        if (g->labelyr)
+            right.draw(g->labelYFormat, value, p);
+        tkPopMatrix();
+    });
+    const float step = g->tickySpace / float(g->tickySub);
+    tkBegin(GL_LINES);
+    eachLine(firstLine(g->tickyRef, y0, step), y1, step, axis, [g](float p, double) {
+        if (g->ticky)
+            tkVertex2f(0, p), tkVertex2f(-kSubTickLength, p);
+        if (g->tickyr)
+            tkVertex2f(g->width, p), tkVertex2f(g->width + kSubTickLength, p);
+    });
+    tkEnd();
+}
+
+void drawTicksX(GRAPH_STRUCT* g, float x0, float x1)
+{
+    if (g->tickxAuto)
+        KGraphGetAutoParaX(&g->tickxSpace, &g->tickxRef, &g->tickxSub, x0, x1, g->width);
+    const Axis axis = axisOf(x0, x1, g->width);
+    LabelSide below{g, -0.5f, 0, -1, -kTickLength - 1};
+    eachLine(firstInside(g->tickxRef, x0, g->tickxSpace), x1, g->tickxSpace, axis, [&](float p, double value) {
+        tkPushMatrix();
+        glTranslatef(p, 0, 0);
+        tkBegin(GL_LINES);
+        tkVertex2f(0, 0), tkVertex2f(0, -kTickLength);
+        tkEnd();
+        if (g->labelx) {
+            KGraphSetXLabel(g, x0, x1);
+            below.draw(g->labelXFormat, value, p);
+        }
+        tkPopMatrix();
+    });
+    const float step = g->tickxSpace / float(g->tickxSub);
+    tkBegin(GL_LINES);
+    eachLine(firstLine(g->tickxRef, x0, step), x1, step, axis,
+             [](float p, double) { tkVertex2f(p, 0), tkVertex2f(p, -kSubTickLength); });
+    tkEnd();
+}
+
+} // namespace
+
+int KDrawGraph(GRAPH_STRUCT* g, ELEMENT_ATTR* attr, int selected)
+{
+    tkAliasBlend(0, 1.0f);
+    // A time graph's window is always as long as the samples it holds.
+    if (g->type == 0)
+        g->xmax = float(g->samples) / g->rate + g->xmin;
+    // Fixed label ranges move grid, ticks and labels only; the traces keep xmin..xmax, ymin..ymax.
+    const float x0 = g->labelFixx ? g->labelXmin : g->xmin, x1 = g->labelFixx ? g->labelXmax : g->xmax;
+    const float y0 = g->labelFixy ? g->labelYmin : g->ymin, y1 = g->labelFixy ? g->labelYmax : g->ymax;
+    const float w = g->width, h = g->height;
+    const float cornerX[4] = {0, w, w, 0}, cornerY[4] = {0, 0, h, h};
+
+    tkPushMatrix();
+    glTranslatef(-w * 0.5f, -h * 0.5f, 0);
+    if (g->backgroundColor[3] > 0.1f) {
+        kvColor4f(g->backgroundColor[0], g->backgroundColor[1], g->backgroundColor[2], g->backgroundColor[3]);
+        drawCorners(GL_QUADS, cornerX, cornerY);
+    }
+    drawGrid(g, attr, x0, x1, y0, y1);
+    tkLineStipple(1, 0xFFFF);
+    kvColor4f(attr->strokeColor[0], attr->strokeColor[1], attr->strokeColor[2], attr->strokeColor[3]);
+    if (g->ticky || g->tickyr)
+        drawTicksY(g, y0, y1);
+    if (g->tickx)
+        drawTicksX(g, x0, x1);
+    if (selected && attr->live != 1) {
+        setSelectionPen(1);
+    } else {
+        tkLineStipple(1, 0xFFFF);
+        tkLineWidth(1);
+    }
+    drawCorners(GL_LINE_LOOP, cornerX, cornerY);
+    tkPopMatrix();
+    return 0;
+}
+
+// ---------------------------------------------------------------- view time
+
+// Both rings of a trace, on every action: a fresh run starts them empty at time t.
+static void resetRings(ACTION_STRUCT* action, float t)
+{
+    action->inTail = action->inHead = action->inCount = 0;
+    action->outTail = action->outHead = action->outCount = 0;
+    action->inStart = action->inNextTime = action->outStart = action->outNextTime = t;
+}
+
+int resetAllGraphs(ELEMENT_STRUCT* list, float t)
+{
+    for (ELEMENT_STRUCT* e = list; e; e = e->next) {
+        if (e->type == KR_GROUP)
+            resetAllGraphs(e->child, t);
+        if (e->type == KR_GRAPH) {
+            GRAPH_STRUCT* g = static_cast<GRAPH_STRUCT*>(e->data);
+            if (g->type == 0)
+                g->xmin = t;
+            g->startTime = g->lastTime = t;
+            KGraphSetXLabel(g, g->xmin, g->xmax);
+            KGraphSetYLabel(g, g->ymin, g->ymax);
+        }
+        for (ACTION_STRUCT* a = e->actions; a; a = a->next)
+            resetRings(a, t);
+    }
+    return 0;
+}
+
+int graphSetTime(ELEMENT_STRUCT* list, float t)
+{
+    for (ELEMENT_STRUCT* e = list; e; e = e->next) {
+        if (e->type == KR_GROUP)
+            graphSetTime(e->child, t);
+        else if (e->type == KR_GRAPH && static_cast<GRAPH_STRUCT*>(e->data)->type == 0)
+            static_cast<GRAPH_STRUCT*>(e->data)->xmin = t;
+    }
     return 0;
 }
