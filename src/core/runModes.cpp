@@ -208,6 +208,8 @@ int krViewSetTime(VIEW_STRUCT* view, float t)
 {
     if (int check = checkView(view))
         return check;
+    // The rings are the data thread's too, in the animated mode.
+    ViewLock lock(view);
     view->time = t;
     return resetAllGraphs(view->elements, t);
 }
@@ -216,6 +218,7 @@ int krViewResetGraph(VIEW_STRUCT* view, float t)
 {
     if (int check = checkView(view))
         return check;
+    ViewLock lock(view);
     return resetAllGraphs(view->elements, t);
 }
 
