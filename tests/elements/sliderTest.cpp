@@ -3,8 +3,6 @@
 #include "../actions/actionViews.h"
 #include "ViewFixture.h"
 
-#include <limits>
-
 using namespace k2dtest;
 using namespace korelgen;
 
@@ -70,24 +68,17 @@ TEST_F(SliderDraw, SunkenGrooveRaisedKnobFacesInTheFillColour)
     }
 }
 
-// Nothing keeps the knob inside the groove. Sizes no editor writes draw nothing that keeps the
-// next element from showing.
-TEST_F(SliderDraw, KnobSticksOutAndAbsurdSizesHarmNothing)
+// Nothing keeps the knob inside the groove. Selected in a stopped view, the groove shows the
+// editing tool's red dashes round it.
+TEST_F(SliderDraw, KnobSticksOutOfTheGroove)
 {
     SliderFields tall{300, 300, 40, 200};
     tall.knobHalfSize = 150;
     VIEW_STRUCT* v = load(shiftedPage().slider(tall));
-    v->elements->selected = 1; // the editing tool's red dashes round the groove, over the knob
+    v->elements->selected = 1;
     const Frame f = draw(v);
     EXPECT_TRUE(shows(f, 300, 420, kGrey) && shows(f, 300, 180, kGrey) && shows(f, 270, 420, kBlack));
     EXPECT_GT(f.count(0, 0, 400, 300, {255, 0, 0}, 0), 100);
-    const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
-    for (float size : {nan, inf, -inf, 1e30f, -1e30f}) {
-        SliderFields s{250, 200, size, size};
-        s.bevelWidth = s.knobHalfSize = size;
-        EXPECT_TRUE(PixelIs(draw(load(blackPage().slider(s).rect({100, 100, 150, 150}))), 125, 125, {255, 0, 0}))
-            << size;
-    }
 }
 
 } // namespace
