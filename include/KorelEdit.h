@@ -461,6 +461,10 @@ KOREL2D_API int buttonSetAttr(ELEMENT_STRUCT* element);
 KOREL2D_API int sliderSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of a slider. */
 KOREL2D_API int sliderSetAttr(ELEMENT_STRUCT* element);
+/** Draws a slider about its centre: the groove sunken, the knob raised across the groove's
+ *  inner width on the centre; both faces in attr->fillColor. selected non-zero adds the selection
+ *  outline in an editing tool. Needs a current GL context. @return 0. */
+KOREL2D_API int drawSlider(SLIDER_STRUCT* record, ELEMENT_ATTR* attr, int selected);
 
 /* ================================================================ 4. polygons */
 
