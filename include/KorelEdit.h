@@ -412,7 +412,7 @@ KOREL2D_API int textSetAttr(ELEMENT_STRUCT* element);
 KOREL2D_API int calcVecTextNew(TEXT_STRUCT* record);
 /** Replaces a text's stored string and re-derives its box. A string of more than 254 characters
  *  is cut in the caller's buffer, whose index 255 must exist. @return 0, -1 when the element is
- *  not a text (nothing changes but the cut). */
+ *  not a text (nothing changes but the cut) or text is NULL. */
 KOREL2D_API int textSetNewText(ELEMENT_STRUCT* element, char* text);
 /** Edit of a text; value points to a KR_EDIT_VALUE. KR_EDIT_FONT_SIZE takes the family's size
  *  nearest value->number (written back there), scales the matrix by new / old fontSize and makes
@@ -461,6 +461,10 @@ KOREL2D_API int buttonSetAttr(ELEMENT_STRUCT* element);
 KOREL2D_API int sliderSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of a slider. */
 KOREL2D_API int sliderSetAttr(ELEMENT_STRUCT* element);
+/** Draws a slider about its centre: the groove sunken, the knob raised across the groove's
+ *  inner width on the centre; both faces in attr->fillColor. selected non-zero adds the selection
+ *  outline in an editing tool. Needs a current GL context. @return 0. */
+KOREL2D_API int drawSlider(SLIDER_STRUCT* record, ELEMENT_ATTR* attr, int selected);
 
 /* ================================================================ 4. polygons */
 

@@ -165,6 +165,7 @@ bool drawsAtOffset(const ELEMENT_STRUCT* e)
     case KR_RECT:
     case KR_LINE:
     case KR_GROUP:
+    case KR_SLIDER:
     case KR_SCISSOR:
         return !e->actions;
     default:
@@ -199,6 +200,9 @@ void drawElement(ELEMENT_STRUCT* e, int run, int halt, int clip, DRAW_SETTINGS* 
         break;
     case KR_GRAPH:
         KDrawGraph(static_cast<GRAPH_STRUCT*>(e->data), &e->attr, e->selected);
+        break;
+    case KR_SLIDER:
+        drawSlider(static_cast<SLIDER_STRUCT*>(e->data), &e->attr, e->selected);
         break;
     case KR_GROUP:
         if (settings->scissorType == 1)

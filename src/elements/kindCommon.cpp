@@ -97,6 +97,29 @@ void drawCorners(unsigned int mode, const float localX[4], const float localY[4]
     tkEnd();
 }
 
+static void setColor4(const float rgba[4])
+{
+    kvColor4f(rgba[0], rgba[1], rgba[2], rgba[3]);
+}
+
+void drawBevelPanel(const float outerX[4], const float outerY[4], float il, float ib, float ir, float it,
+                    const float face[4], const float lit[4], const float shaded[4])
+{
+    const float innerX[4] = {il, il, ir, ir}, innerY[4] = {ib, it, it, ib};
+    setColor4(face);
+    drawCorners(GL_QUADS, innerX, innerY);
+    // Band k runs along the outer side from corner k to the next and back along the inner box:
+    // left, upper, right, lower.
+    for (int k = 0; k < 4; ++k) {
+        if (k == 0 || k == 2)
+            setColor4(k == 0 ? lit : shaded);
+        const int n = (k + 1) % 4;
+        const float x[4] = {outerX[k], outerX[n], innerX[n], innerX[k]};
+        const float y[4] = {outerY[k], outerY[n], innerY[n], innerY[k]};
+        drawCorners(GL_QUADS, x, y);
+    }
+}
+
 void setSelectionPen(int width)
 {
     tkLineStipple(1, kDashPattern);

@@ -28,6 +28,12 @@ void cornerGeometry(ELEMENT_STRUCT* element, const float cornerX[4], const float
                     float localY[4]);
 // One GL primitive through four local corners.
 void drawCorners(unsigned int mode, const float localX[4], const float localY[4]);
+// A bevelled panel: the face on the inner box (il, ib)-(ir, it), then the left and upper bands
+// in `lit` and the right and lower ones in `shaded`, each band between the outer corners (lower
+// left, upper left, upper right, lower right) and the inner box, each quad on its own. Raised
+// or sunken is only which colour lights which side.
+void drawBevelPanel(const float outerX[4], const float outerY[4], float il, float ib, float ir, float it,
+                    const float face[4], const float lit[4], const float shaded[4]);
 // The dash pattern of the editing tool's frames.
 constexpr uint16_t kDashPattern = 0xF0F0;
 // The pen of the red dashed frame the editing tool sees around a selected element; the kind

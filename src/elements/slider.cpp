@@ -1,6 +1,7 @@
-// Slider: a groove with a knob.
+// Slider: a sunken groove with a raised knob across it.
 #include "KorelEdit.h"
 #include "elements/kindCommon.h"
+#include "graphics/graphics.h"
 
 static SLIDER_STRUCT sliderDefaults()
 {
@@ -35,4 +36,31 @@ int sliderSetPickSticky(ELEMENT_STRUCT* element)
     boxGeometry(element, float(s->x - halfW), float(s->y - halfH), float(s->x + halfW), float(s->y + halfH));
     placeCentre(element, s->x, s->y);
     return sliderSetAttr(element);
+}
+
+// A box about the local origin bevelled `e` inwards.
+static void drawBevelBox(float l, float r, float b, float t, float e, const float face[4], const float lit[4],
+                         const float shaded[4])
+{
+    const float outerX[4] = {l, l, r, r}, outerY[4] = {b, t, t, b};
+    drawBevelPanel(outerX, outerY, l + e, b + e, r - e, t - e, face, lit, shaded);
+}
+
+int drawSlider(SLIDER_STRUCT* s, ELEMENT_ATTR* attr, int selected)
+{
+    // Only an opaque face with bevels of no alpha at all draws without blending.
+    const bool opaque = double(s->faceColor[3]) >= 0.99 && s->darkColor[3] == 0 && s->lightColor[3] == 0;
+    tkAliasBlend(0, opaque ? 1.0f : 0.5f);
+    const float r = float(s->width * 0.5), t = float(s->height * 0.5), l = -r, b = -t;
+    const float e = s->bevelWidth;
+    // Both faces take the fill colour, so that a fill-colour action recolours the whole slider.
+    drawBevelBox(l, r, b, t, e, attr->fillColor, s->darkColor, s->lightColor); // the groove, sunken
+    if (selected && !attr->live) {
+        const float x[4] = {l, l, r, r}, y[4] = {b, t, t, b};
+        drawSelectionLoop(x, y);
+    }
+    // The knob spans the groove's inner width on the local origin: only moving the element moves
+    // it, and nothing keeps it inside the groove.
+    drawBevelBox(l + e, r - e, -s->knobHalfSize, s->knobHalfSize, e, attr->fillColor, s->lightColor, s->darkColor);
+    return 0;
 }

@@ -121,6 +121,8 @@ int textSetPickSticky(ELEMENT_STRUCT* element)
 
 int textSetNewText(ELEMENT_STRUCT* element, char* text)
 {
+    if (!text)
+        return -1;
     if (strlen(text) > 254)
         text[255] = '\0';
     if (!element || element->type != KR_TEXT)

@@ -5,6 +5,7 @@
 #include <GL/gl.h>
 
 #include <string>
+#include <vector>
 
 using namespace k2dtest;
 
@@ -118,6 +119,31 @@ TEST_F(ViewDraw, ClippingShowsOnlyTheScissorArea)
         EXPECT_TRUE(PixelIs(f, c.pageX, c.pageY, kPage, 2));
         EXPECT_NEAR(f.count(0, 0, 400, 300, kRed), c.redCount, 300);
     }
+    // Other kinds larger than the box show only inside it; a box of no size hides them all.
+    const struct {
+        const char* what;
+        void (*add)(ViewBuilder&);
+        float size;
+    } kinds[] = {
+        {"text",
+         [](ViewBuilder& b) { b.text({4, 150, 100, {1, 1, 1, 1}, 4, {1, 0, 0, 1}, "Arial", 1, 0, 90, 90, 0, "WWW"}); },
+         50},
+        {"image",
+         [](ViewBuilder& b) { b.image({0, 0, 300, 300, {1, 1, 1, 1}, 2, 2, 0, std::vector<uint8_t>(16, 255)}); }, 50},
+        {"slider", [](ViewBuilder& b) { b.slider({150, 125, 60, 200}); }, 50},
+        {"rectangle, zero-size box", [](ViewBuilder& b) { b.rect(filled(0, 0, 400, 300, kRed)); }, 0},
+    };
+    for (int type : {0, 1})
+        for (const auto& k : kinds) {
+            ViewBuilder b = blackPage();
+            k.add(b.beginGroup(2));
+            VIEW_STRUCT* v = load(b.scissor(150 - k.size, 125 - k.size / 2, 150 + k.size, 125 + k.size / 2).endGroup());
+            krViewSetScissorType(v, type);
+            const Ink ink = draw(v).ink();
+            EXPECT_TRUE(k.size ? ink.lit > 1000 && ink.x0 >= 99 && ink.y0 >= 99 && ink.x1 <= 201 && ink.y1 <= 151
+                               : ink.lit == 0)
+                << k.what << ", scissor type " << type;
+        }
 }
 
 // The clip box follows the placement of the page, refreshed only when it changes.

@@ -22,15 +22,15 @@ RectFields redSquare(float x0, float y0, float size)
 
 class Walk : public ViewTest {
 protected:
-    // One pass over the view's tree as the draw entries make it, running or stopped.
-    Frame walk(VIEW_STRUCT* view, int run)
+    // One pass over the view's tree, running or stopped; the draw entries pass clip 1.
+    Frame walk(VIEW_STRUCT* view, int run, int clip = 1, uint32_t scissorType = 0)
     {
         krdSetViewport(kSurfaceWidth, kSurfaceHeight);
         glClearColor(0, 0, 0, 0);
         glClear(GL_COLOR_BUFFER_BIT);
         kvSetColorFactor(1, 1, 1, 1);
-        DRAW_SETTINGS settings = {1.0f, 0, 0, 0};
-        drawUserElements(view->elements, nullptr, run, 0, 1, &settings, 0);
+        DRAW_SETTINGS settings = {1.0f, scissorType, 0, 0};
+        drawUserElements(view->elements, nullptr, run, 0, clip, &settings, 0);
         return Frame::grab();
     }
 };
@@ -44,6 +44,25 @@ TEST_F(Walk, HiddenElementsShowOnlyWhileStopped)
     EXPECT_EQ(rect->attr.live, 0);
     EXPECT_TRUE(PixelIs(walk(v, 1), 125, 125, kBlack));
     EXPECT_EQ(rect->attr.live, 1);
+}
+
+// Only a stopped walk with clip 0, which an editing tool makes, shows a scissor: as an orange
+// frame, and its group unclipped.
+TEST_F(Walk, StoppedWalkWithoutClipShowsScissorsAndClipsNothing)
+{
+    ViewBuilder b = blackPage();
+    VIEW_STRUCT* v = load(b.beginGroup(2).rect(redSquare(20, 20, 40)).scissor(100, 100, 200, 150).endGroup());
+    kriFindScissor(v->elements, 0, 0, 0, 0, 1);
+    const struct {
+        int run, clip;
+        bool framed;
+    } cases[] = {{0, 0, true}, {0, 1, false}, {1, 1, false}};
+    for (uint32_t type : {0u, 1u})
+        for (const auto& c : cases) {
+            const Frame f = walk(v, c.run, c.clip, type);
+            EXPECT_EQ(f.count(95, 95, 205, 155, {255, 128, 0})  > 0, c.framed) << type << c.run << c.clip;
+            EXPECT_EQ(bool(PixelIs(f, 40, 40, kRed)), c.framed) << type << c.run << c.clip;
+        }
 }
 
 // A look the outer of two nested groups holds reaches the children at both depths only when
