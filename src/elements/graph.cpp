@@ -208,7 +208,7 @@ float firstLine(float ref, float lo, float space)
 {
     if (ref > lo)
         return ref - float(truncToInt((ref - lo) / space)) * space;
-    return ref + float(truncToInt((lo - ref) / space) + 1) * space;
+    return ref + float(int64_t(truncToInt((lo - ref) / space)) + 1) * space;
 }
 
 // Calls line(p, f) for f = first, first + space, ... up to hi, p the place of f on the axis.
