@@ -51,14 +51,14 @@ bool store(Ring ring, float y, const float* x)
 }
 
 // Every slot due before `time` repeats the present value: a late cycle fills the gap with it.
-// A rate that is no positive number, or one so high that float time no longer moves by a
-// period, takes no samples rather than looping for ever.
+// A rate that is no positive number takes no samples, and one so high that float time no
+// longer moves by a period takes no more, rather than looping for ever.
 void sample(ACTION_STRUCT* a, const GRAPH_STRUCT* g, float time, float delta, bool xy)
 {
-    const float v = float(getActionFloatData(a, 1, delta) * a->slope + a->offset);
+    const float v = float(getActionFloatData(a, 1, delta)) * a->slope + a->offset;
     float u = 0;
     if (xy)
-        u = float(getActionFloatData(a, 2, delta) * a->slope2 + a->offset2);
+        u = float(getActionFloatData(a, 2, delta)) * a->slope2 + a->offset2;
     if (!(g->rate > 0) || !std::isfinite(g->rate))
         return;
     const float dt = 1.0f / g->rate;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
 #include <vector>
 
 namespace {
@@ -14,13 +15,14 @@ using namespace k2dtest;
 using namespace korelgen;
 
 struct GraphSampling : ViewTest {
-    // A time graph with one trace of the float v, started in mode 1.
-    void start(float rate, int samples)
+    // A graph with one trace of the float v, in y and in x, started in mode 1; only an xy graph
+    // keeps the xmin of its file.
+    void start(float rate, int samples, int type = 0)
     {
         GraphFields g;
-        g.rate = rate, g.samples = samples;
+        g.rate = rate, g.samples = samples, g.type = type, g.xmin = -5;
         ViewBuilder b = blackPage();
-        view = load(b.actions({act(KR_ACTION_GRAPH, "v")}).graph(g).dataSection({internalSource({{KR_VAR_FLOAT, "v", "", {}}})}));
+        view = load(b.actions({act(KR_ACTION_GRAPH, "v", 0, "v")}).graph(g).dataSection({internalSource({{KR_VAR_FLOAT, "v", "", {}}})}));
         ASSERT_EQ(krViewStart(view), 0);
     }
     // The display ring from its oldest sample on, after `cycles` of `delta`, each with v one more.
@@ -68,21 +70,29 @@ TEST_F(GraphSampling, SamplesAtTheRateAndStandsWhileHalted)
     }
 }
 
-// Rates that are no positive number take no sample; one so high that the clock can't move by a
-// period fills the ring once and then takes no more. A refused count takes none either.
-TEST_F(GraphSampling, AbsurdRatesAndCountsEndTheSampling)
+// An xy graph samples x as well and keeps its window where it is. Rates that are no positive
+// number take no sample; one so high that the clock can't move by a period fills the ring once
+// and then takes no more. A refused count takes none either.
+TEST_F(GraphSampling, XyGraphsAndAbsurdRatesAndCounts)
 {
     struct Case {
+        int type;
         float rate;
         int samples;
         std::vector<float> shown;
-    } cases[] = {{0, 8, {}}, {-4, 8, {}}, {NAN, 8, {}}, {INFINITY, 8, {}}, {1e30f, 8, std::vector<float>(8, 1)}, {4, -1, {}}};
+        float xmin;
+    } cases[] = {{0, 4, 4, {2, 2, 2, 2}, 0.75f}, {1, 4, 4, {2, 2, 2, 2}, -5}, {0, 0, 8, {}, 0}, {0, -4, 8, {}, 0},
+                 {0, NAN, 8, {}, 0}, {0, INFINITY, 8, {}, 0}, {0, 1e30f, 8, std::vector<float>(8, 1), 0}, {0, 4, -1, {}, 0}};
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.rate);
-        start(c.rate, c.samples);
+        SCOPED_TRACE(std::to_string(c.type) + " " + std::to_string(c.rate));
+        start(c.rate, c.samples, c.type);
         v = 1;
         put(1, 1.0);
         EXPECT_EQ(put(1, 1.0), c.shown);
+        const ACTION_STRUCT* a = view->elements->actions;
+        const std::vector<float> y(a->outY, a->outY + a->outSize), x(a->outX, a->outX + a->outSize);
+        EXPECT_EQ(x, c.type ? y : std::vector<float>(y.size(), 0));
+        EXPECT_NEAR(static_cast<GRAPH_STRUCT*>(view->elements->data)->xmin, c.xmin, 1e-6);
     }
 }
 
