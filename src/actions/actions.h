@@ -34,4 +34,11 @@ int makeValueBuffers(DD_DATA_TYPE_STRUCT* sources);
 KOREL2D_API int writeDefault(DD_DATA_TYPE_STRUCT* sources);
 KOREL2D_API int fillDP(DD_DATA_TYPE_STRUCT* sources);
 
+// Graph traces, once per data cycle after fillDP: every graph of the tree, groups included,
+// samples its traces' variables at its rate into their input rings; unless halt is set the
+// display rings take over the new samples and a time graph's xmin follows its window. time is
+// the view's clock. fillActions returns -1 for an empty tree.
+KOREL2D_API int fillActions(ELEMENT_STRUCT* list, int halt, double time);
+KOREL2D_API int fillGraph(ELEMENT_STRUCT* element, GRAPH_STRUCT* record, int halt, float time);
+
 } // extern "C"

@@ -11,7 +11,7 @@ namespace {
 
 // A graph keeps its rings of samples + 1 floats; a damaged file may store any count, and four
 // rings of a billion floats would exhaust the host's memory for nothing a screen can show.
-constexpr int32_t kMaxGraphSamples = 1 << 20;
+constexpr int32_t kMaxGraphSamples = 1 << 24;
 
 template <class Visit> void forEachVariable(DD_DATA_TYPE_STRUCT* sources, Visit visit)
 {
@@ -43,14 +43,8 @@ float* freshRing(float* old, int32_t size)
     return size > 0 ? static_cast<float*>(calloc(size_t(size), sizeof(float))) : nullptr;
 }
 
-void forgetBinding(ACTION_STRUCT* action)
+void forgetRings(ACTION_STRUCT* action)
 {
-    action->value = action->value2 = nullptr;
-    action->variable = nullptr;
-    action->filterValue = 0;
-    free(action->heldValue);
-    free(action->heldValue2);
-    action->heldValue = action->heldValue2 = nullptr;
     free(action->inX);
     free(action->inY);
     free(action->outX);
@@ -59,6 +53,18 @@ void forgetBinding(ACTION_STRUCT* action)
     action->inSize = action->outSize = 0;
 }
 
+void forgetBinding(ACTION_STRUCT* action)
+{
+    action->value = action->value2 = nullptr;
+    action->variable = nullptr;
+    action->filterValue = 0;
+    free(action->heldValue);
+    free(action->heldValue2);
+    action->heldValue = action->heldValue2 = nullptr;
+    forgetRings(action);
+}
+
+// A trace whose rings are refused keeps sizes of 0: it neither samples nor draws.
 void makeGraphRings(ACTION_STRUCT* action, const GRAPH_STRUCT* graph)
 {
     int32_t samples = graph->samples;
@@ -71,10 +77,15 @@ void makeGraphRings(ACTION_STRUCT* action, const GRAPH_STRUCT* graph)
     action->inY = freshRing(action->inY, size);
     action->outX = freshRing(action->outX, size);
     action->outY = freshRing(action->outY, size);
-    if (action->inX && action->inY && action->outX && action->outY)
-        action->inSize = action->outSize = size;
-    else
+    if (!action->inX || !action->inY || !action->outX || !action->outY) {
         logMsg(1, "error: no memory for a graph of %d samples\n", samples);
+        forgetRings(action);
+        return;
+    }
+    action->inSize = action->outSize = size;
+    // Fresh rings hold nothing, whatever a run before with other sizes left in the indices.
+    action->inTail = action->inHead = action->inCount = 0;
+    action->outTail = action->outHead = action->outCount = 0;
 }
 
 void bindAction(ELEMENT_STRUCT* element, ACTION_STRUCT* action, DD_DATA_TYPE_STRUCT* sources)

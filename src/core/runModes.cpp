@@ -50,6 +50,7 @@ void* runDataCycles(void* argument)
         if (running) {
             view->time = apiGetTime() - view->startTime;
             fillDP(view->dataTypes);
+            fillActions(view->elements, int(view->haltMode), view->time);
         }
         pthread_mutex_unlock(&view->mutex);
         if (!running)
@@ -200,7 +201,10 @@ int krViewPutData(VIEW_STRUCT* view, double delta)
         return check;
     if (view->runMode == KR_RUN_STOPPED)
         return -3;
+    // The graphs' rings are the data thread's too, in the animated mode.
+    ViewLock lock(view);
     view->time += delta;
+    fillActions(view->elements, int(view->haltMode), view->time);
     return 0;
 }
 
@@ -228,6 +232,8 @@ int krViewSetHaltMode(VIEW_STRUCT* view, int mode)
         return check;
     if (view->runMode == KR_RUN_STOPPED)
         return -3;
+    // The data thread reads it in each cycle.
+    ViewLock lock(view);
     view->haltMode = uint32_t(mode);
     return 0;
 }

@@ -217,7 +217,7 @@ using RunningBinding = ViewTest;
 // and everything else still draw, start after start.
 TEST_F(RunningBinding, SecondVariablesAndAbsurdSampleCountsStillRun)
 {
-    for (int samples : {500, -1, 0, (1 << 20) + 1, 2000000000, INT32_MIN}) {
+    for (int samples : {500, -1, 0, (1 << 24) + 1, 2000000000, INT32_MIN}) {
         SCOPED_TRACE(samples);
         GraphFields g;
         g.samples = samples;
@@ -248,7 +248,7 @@ TEST_F(RunningBinding, SecondVariablesAndAbsurdSampleCountsStillRun)
         }
         char log[4096];
         getLogMsg(log, sizeof log);
-        EXPECT_EQ(std::string(log).find("samples not sampled") != std::string::npos, samples < 0 || samples > (1 << 20))
+        EXPECT_EQ(std::string(log).find("samples not sampled") != std::string::npos, samples < 0 || samples > (1 << 24))
             << log;
     }
 }

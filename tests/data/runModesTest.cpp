@@ -1,5 +1,6 @@
 // Starting and stopping views: values that arrive in each mode, the data thread's life, and a
 // plug-in that blocks. The sample plug-in is found through KOREL_HOME, as a host would find it.
+#include "KorelEdit.h"
 #include "LoadedView.h"
 #include "PluginDirs.h"
 #include "ViewFixture.h"
@@ -24,13 +25,18 @@ using korelgen::ViewBuilder;
 constexpr const char* kDataThread = "Korel2D:Data";
 
 // Constants, and the example's run count (item 0) and calling thread (item 2); Run blocks for
-// blockMs.
+// blockMs. A graph samples pi at 1000 per second in a window of 8.
 ViewBuilder sourcesView(int blockMs = 0)
 {
     SourceFields constants{2, {}, 1, {{KR_VAR_FLOAT, "pi", "", {{0, "3.5"}}}, {KR_VAR_UINT8, "byte", "", {{0, "300"}}}}};
     SourceFields example{100, {{0, std::to_string(blockMs)}, {0, "test"}}, 1,
                          {{KR_VAR_INT32, "runs", "", {{0, ""}}}, {KR_VAR_TEXT, "thread", "", {{2, ""}}}}};
-    return viewWith({constants, example});
+    korelgen::ActionFields trace;
+    trace.type = KR_ACTION_GRAPH, trace.var = "pi";
+    korelgen::GraphFields graph;
+    graph.rate = 1000, graph.samples = 8;
+    ViewBuilder b = blackPage();
+    return b.actions({trace}).graph(graph).dataSection({constants, example});
 }
 
 // Entries of a /proc directory; with a name, only the threads of this process called so.
@@ -97,7 +103,8 @@ TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
     EXPECT_EQ(krViewStop(view), -3);
 }
 
-// One data thread cycles every ten milliseconds while the view runs; a thousand starts and
+// One data thread cycles every ten milliseconds while the view runs, feeding the graph up to its
+// last cycle whatever halts and clock steps the host sent meanwhile; a thousand starts and
 // stops after it leave no thread and no open file behind.
 TEST(AnimatedMode, TheDataThreadCyclesWhileRunningAndLeavesNothingBehind)
 {
@@ -106,7 +113,10 @@ TEST(AnimatedMode, TheDataThreadCyclesWhileRunningAndLeavesNothingBehind)
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
     ASSERT_EQ(krViewStartAnim(view), 0);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(krViewSetHaltMode(view, 1 - i % 2) + krViewPutData(view, 0.001), 0);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
     EXPECT_EQ(dataThreads(), 1);
     const double before = number(view, "runs");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
@@ -117,6 +127,9 @@ TEST(AnimatedMode, TheDataThreadCyclesWhileRunningAndLeavesNothingBehind)
     ASSERT_EQ(krViewStop(view), 0);
     EXPECT_EQ(dataThreads(), 0);
     EXPECT_EQ(read(view, "runs"), "<-3>");
+    const ACTION_STRUCT* trace = view->elements->actions;
+    EXPECT_EQ(std::vector<float>(trace->outY, trace->outY + trace->outSize), std::vector<float>(9, 3.5f));
+    EXPECT_LT(view->time - static_cast<GRAPH_STRUCT*>(view->elements->data)->xmin, 0.02);
 
     // Counted only now that the process has settled: a sanitizer starts its own thread on demand.
     const int threads = entriesIn("/proc/self/task");
