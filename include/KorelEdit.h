@@ -554,6 +554,21 @@ KOREL2D_API int KGraphGetAutoParaY(float* space, float* ref, int* sub, float lo,
  *  samples / rate + xmin, and the automatic spacings chosen are written to the record.
  *  selected non-zero outside a run draws the outline red and dashed. @return 0. */
 KOREL2D_API int KDrawGraph(GRAPH_STRUCT* record, ELEMENT_ATTR* attr, int selected);
+/** Draws the traces of a running graph over its frame, clipped to it: with autoscale the y range
+ *  (and for type 1 with autoscalex the x range) first moves a third of the way toward the span of
+ *  the shown samples plus a margin, then each trace of the element's actions that has a variable
+ *  and is not disabled is drawn by drawGraphValue (type 0) or drawGraphValueX. @return 0. */
+KOREL2D_API int drawAllGraphValues(ELEMENT_STRUCT* element, GRAPH_STRUCT* record);
+/** One trace of a time graph: its shown samples as a line strip from the left edge, one sample
+ *  per 1 / rate seconds, in the colour and width of the thresholds the value passes (an empty
+ *  colour list keeps the current colour, an empty width list draws 1 pixel wide). Positions of
+ *  1e10 units or more are left out. Stores xmax = samples / rate + xmin. @return 0. */
+KOREL2D_API int drawGraphValue(GRAPH_STRUCT* record, ACTION_STRUCT* action);
+/** One trace of an xy graph, as drawGraphValue with x from the second variable, and a cross on
+ *  the newest sample, kept inside the frame. @return 0. */
+KOREL2D_API int drawGraphValueX(GRAPH_STRUCT* record, ACTION_STRUCT* action);
+/** *out = the x at which the line through (x1, y1) and (x2, y2) reaches y. @return 0. */
+KOREL2D_API int getIpol(float* out, float x1, float y1, float x2, float y2, float y);
 /** At view time t, over the tree: every time graph's xmin and every graph's startTime and
  *  lastTime become t and its label formats are rebuilt; both trace rings of every action of
  *  every element are emptied, their times set to t. @return 0. */

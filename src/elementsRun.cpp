@@ -5,6 +5,7 @@
 #include "base/base.h"
 #include "base/truncate.h"
 #include "core/core.h"
+#include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 
 #include <GL/gl.h>
@@ -136,19 +137,7 @@ void walkGroupScissorBox(ELEMENT_STRUCT* group, int run, int halt, int clip, DRA
 {
     bool boxSet = false;
     if (group->hasScissor && (run || clip)) {
-        GLint viewport[4];
-        GLdouble model[16], projection[16];
-        glGetIntegerv(GL_VIEWPORT, viewport);
-        glGetDoublev(GL_MODELVIEW_MATRIX, model);
-        glGetDoublev(GL_PROJECTION_MATRIX, projection);
-        GLdouble wx[3], wy[3], wz;
-        float offsetX, offsetY;
-        tkGetOffset(&offsetX, &offsetY);
-        for (int i = 0; i < 3; ++i)
-            gluProject(group->scissorCornerX[i] + offsetX, group->scissorCornerY[i] + offsetY, 0, model, projection,
-                       viewport, &wx[i], &wy[i], &wz);
-        glScissor(truncToInt(wx[0]), truncToInt(wy[0]), truncToInt(wx[1] - wx[0]), truncToInt(wy[2] - wy[0]));
-        glEnable(GL_SCISSOR_TEST);
+        scissorToSpan(group->scissorCornerX, group->scissorCornerY);
         boxSet = true;
     }
     if (!run)
@@ -200,6 +189,8 @@ void drawElement(ELEMENT_STRUCT* e, int run, int halt, int clip, DRAW_SETTINGS* 
         break;
     case KR_GRAPH:
         KDrawGraph(static_cast<GRAPH_STRUCT*>(e->data), &e->attr, e->selected);
+        if (run)
+            drawAllGraphValues(e, static_cast<GRAPH_STRUCT*>(e->data));
         break;
     case KR_SLIDER:
         drawSlider(static_cast<SLIDER_STRUCT*>(e->data), &e->attr, e->selected);

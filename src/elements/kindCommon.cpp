@@ -3,6 +3,7 @@
 #include "graphics/graphics.h"
 
 #include <GL/gl.h>
+#include <GL/glu.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -142,4 +143,20 @@ void* createKindRecord(const void* source, const void* defaults, size_t size, co
     }
     memcpy(record, source ? source : defaults, size);
     return record;
+}
+
+void scissorToSpan(const float x[3], const float y[3])
+{
+    GLint viewport[4];
+    GLdouble model[16], projection[16];
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    glGetDoublev(GL_MODELVIEW_MATRIX, model);
+    glGetDoublev(GL_PROJECTION_MATRIX, projection);
+    GLdouble wx[3], wy[3], wz;
+    float offsetX, offsetY;
+    tkGetOffset(&offsetX, &offsetY);
+    for (int i = 0; i < 3; ++i)
+        gluProject(x[i] + offsetX, y[i] + offsetY, 0, model, projection, viewport, &wx[i], &wy[i], &wz);
+    glScissor(truncToInt(wx[0]), truncToInt(wy[0]), truncToInt(wx[1] - wx[0]), truncToInt(wy[2] - wy[0]));
+    glEnable(GL_SCISSOR_TEST);
 }

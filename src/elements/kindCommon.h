@@ -58,3 +58,7 @@ inline void setColor(float target[4], float r, float g, float b, float a)
     target[2] = b;
     target[3] = a;
 }
+
+// Clips to the window box spanned by three points of the current model space, offset included
+// (lower left, lower right, upper left), and enables the scissor test.
+void scissorToSpan(const float x[3], const float y[3]);

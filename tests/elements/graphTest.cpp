@@ -1,11 +1,14 @@
-// A graph's frame as a user sees it: grid, ticks, labels and outline drawn and read back, the
-// spacings it chose kept in its record, colour actions, the view clock and absurd records.
+// A graph as a user sees it: grid, ticks, labels and outline drawn and read back, the spacings it
+// chose kept in its record, colour actions, the view clock and absurd records; traces fed by
+// krViewPutData, their thresholds, clipping, markers and the range that follows them.
 #include "../actions/actionViews.h"
 #include "KorelEdit.h"
 #include "ViewFixture.h"
 
 #include <cmath>
 #include <string>
+#include <utility>
+#include <vector>
 
 using namespace k2dtest;
 using namespace korelgen;
@@ -53,8 +56,9 @@ struct Shot {
 
 class Graph : public ViewTest {
 protected:
-    Shot left(VIEW_STRUCT* view) { return {draw(view, 0, -40), 0}; }        // the y axis
-    Shot right(VIEW_STRUCT* view) { return {draw(view, -110, -40), -110}; } // every x tick
+    Shot at(VIEW_STRUCT* view, float dx) { return {draw(view, dx, -40), dx}; }
+    Shot left(VIEW_STRUCT* view) { return at(view, 0); }     // the y axis
+    Shot right(VIEW_STRUCT* view) { return at(view, -110); } // every x tick
     static GRAPH_STRUCT* record(VIEW_STRUCT* view) { return static_cast<GRAPH_STRUCT*>(view->elements->data); }
 };
 
@@ -138,6 +142,157 @@ TEST_F(Graph, AbsurdRangesAndSpacingsDrawAndEnd)
         const float tick = row[2] != 0 ? 200 : 0; // no tick: none from 0 to -1
         EXPECT_TRUE(l.lines(false, 93, 92, 308, kWhite, tick, 1, tick - float(row[2] == 0)));
     }
+}
+
+// Outline only, ranges 0 to 100 on both axes held fixed; one unit per sample at 500 samples
+// over 500 units, 10 a second.
+GraphFields bareGraph(int type, float x, float y, float width, float height)
+{
+    GraphFields g;
+    g.type = type, g.x = x, g.y = y, g.width = width, g.height = height, g.ymin = 0, g.ymax = 100;
+    g.gridx = g.gridy = g.tickx = g.ticky = g.autoscale = g.autoscalex = 0;
+    return g;
+}
+
+class GraphTraces : public Graph {
+protected:
+    // The graph with its traces over the floats u, v and w, running in mode 1.
+    VIEW_STRUCT* run(const GraphFields& g, const std::vector<ActionFields>& traces)
+    {
+        VIEW_STRUCT* view = load(blackPage().actions(traces).graph(g).dataSection(
+            {internalSource({{KR_VAR_FLOAT, "u", "", {}}, {KR_VAR_FLOAT, "v", "", {}}, {KR_VAR_FLOAT, "w", "", {}}})}));
+        EXPECT_EQ(krViewStart(view), 0);
+        return view;
+    }
+    // Holds the values for `seconds` of samples.
+    static void feed(VIEW_STRUCT* view, std::vector<std::pair<const char*, float>> values, double seconds)
+    {
+        for (const auto& value : values)
+            krVarSet(view, value.first, &value.second);
+        EXPECT_EQ(krViewPutData(view, seconds), 0);
+    }
+    // First and last pixel column from u0 to u1 with colour c in rows v0 to v1; -1, -1 for none.
+    static std::pair<int, int> columns(const Shot& s, Rgb c, float u0, float u1, float v0, float v1)
+    {
+        std::pair<int, int> found{-1, -1};
+        for (int x = s.px(u0); x <= s.px(u1); ++x)
+            if (s.frame.count(x, s.py(v0), x + 1, s.py(v1) + 1, c, 60))
+                found = {found.first < 0 ? x : found.first, x};
+        return found;
+    }
+    // Pixels of colour c in column u from v0 to v1.
+    static int inColumn(const Shot& s, Rgb c, float u, float v0, float v1)
+    {
+        return s.frame.count(s.px(u), s.py(v0), s.px(u) + 1, s.py(v1) + 1, c, 60);
+    }
+};
+
+// A frame 500 x 100 at (0, 100). Trace v, white without a colour list: 10 with one sample of
+// 1e12 near the 125th, 60 from the 250th. Trace w, red: 200 up to the 375th, then -50, outside
+// the frame but for its step. Nothing shows outside the frame.
+TEST_F(GraphTraces, TimeTraceStepsSkipsFarSamplesAndStaysInTheFrame)
+{
+    ActionFields w = act(KR_ACTION_GRAPH, "w");
+    w.blocks[KR_THRESHOLDS_COLOR].entries = {entry(-1000, 0, 1, 0, 0)};
+    VIEW_STRUCT* view = run(bareGraph(0, 0, 100, 500, 100), {act(KR_ACTION_GRAPH, "v"), w});
+    const struct {
+        float v, w;
+        double seconds;
+    } feeds[] = {{10, 200, 12.45}, {1e12f, 200, 0.1}, {10, 200, 12.4}, {60, 200, 12.5}, {60, -50, 12.5}};
+    for (const auto& f : feeds)
+        feed(view, {{"v", f.v}, {"w", f.w}}, f.seconds);
+    const Shot l = at(view, 0), r = at(view, -100);
+    for (float u : {10, 60, 123, 124, 125, 126, 127, 200, 246, 254, 300, 370, 380, 450, 495}) {
+        const Shot& s = u < 300 ? l : r;
+        const float level = u < 250 ? 110 : 160;
+        const int onLevel = inColumn(s, kWhite, u, level - 1, level + 1);
+        EXPECT_TRUE(onLevel > 0 && inColumn(s, kWhite, u, 102, 198) == onLevel) << u;
+    }
+    const std::pair<int, int> step = columns(l, kWhite, 5, 395, 120, 150), fall = columns(r, kRed, 105, 495, 102, 198);
+    EXPECT_TRUE(std::abs(step.first - l.px(250)) <= 1 && std::abs(step.second - l.px(250)) <= 1);
+    EXPECT_TRUE(std::abs(fall.first - r.px(375)) <= 1 && std::abs(fall.second - r.px(375)) <= 1);
+    for (const Shot* s : {&l, &r})
+        EXPECT_TRUE(!s->ink(-s->dx, 40, -s->dx + 400, 97).lit && !s->ink(-s->dx, 203, -s->dx + 400, 340).lit);
+}
+
+// Rising from 0 to 100 over the frame, the trace turns from red and 1 wide to blue and 5 wide where
+// it crosses 50, the 250th unit.
+TEST_F(GraphTraces, ThresholdsChangeColourAndWidthWhereTheTraceCrossesThem)
+{
+    ActionFields v = act(KR_ACTION_GRAPH, "v");
+    v.blocks[KR_THRESHOLDS_COLOR].entries = {entry(0, 0, 1, 0, 0), entry(50, 0, 0, 0, 1)};
+    v.blocks[KR_THRESHOLDS_WIDTH].entries = {entry(0, 1), entry(50, 5)};
+    VIEW_STRUCT* view = run(bareGraph(0, 0, 100, 500, 100), {v});
+    for (int n = 0; n < 500; ++n)
+        feed(view, {{"v", float(n) * 0.2f + 0.1f}}, n ? 0.1 : 0.05);
+    ASSERT_EQ(view->elements->actions->outCount, 500);
+    const Shot s = at(view, 0);
+    const int change = s.px(250);
+    const std::pair<int, int> red = columns(s, kRed, 5, 395, 102, 198), blue = columns(s, kBlue, 5, 395, 102, 198);
+    EXPECT_TRUE(std::abs(red.second - change) <= 1 && std::abs(blue.first - change) <= 1)
+        << red.second << " " << blue.first;
+    int firstThick = -1;
+    for (int x = s.px(5); x <= s.px(395) && firstThick < 0; ++x)
+        if (s.frame.ink(x, s.py(102), x + 1, s.py(198)).lit >= 4)
+            firstThick = x;
+    EXPECT_LE(std::abs(firstThick - change), 1);
+    EXPECT_TRUE(s.frame.ink(s.px(100), s.py(102), s.px(100) + 1, s.py(198)).lit <= 2);
+}
+
+// The y range follows the samples of the counted traces: a flat one at once to one unit either
+// side, others a third of the way each frame toward a tenth more than their span, widened to
+// minspready / 1.2 first. A disabled trace at 1000 doesn't count.
+TEST_F(GraphTraces, AutoscaleFollowsTheShownSamples)
+{
+    const struct {
+        std::vector<float> values;
+        float minspread;
+        int frames;
+        float ymin, ymax;
+    } cases[] = {{{5}, 0, 1, 4, 6}, {{0, 10}, 0, 30, -1, 11}, {{3, 7}, 12, 30, -1, 11}};
+    for (const auto& c : cases) {
+        GraphFields g = bareGraph(0, 0, 100, 500, 100);
+        g.autoscale = 1, g.minspready = c.minspread;
+        VIEW_STRUCT* view = run(g, {act(KR_ACTION_GRAPH, "v"), act(KR_ACTION_GRAPH, "w")});
+        view->elements->actions->next->disabled = 1;
+        for (float value : c.values)
+            feed(view, {{"v", value}, {"w", 1000}}, 1);
+        const GRAPH_STRUCT* r = record(view);
+        for (int frame = 1; frame <= c.frames; ++frame) {
+            at(view, 0);
+            // Smoothed, the first frame is still far from the end.
+            EXPECT_TRUE(frame > 1 || c.frames == 1 || r->ymax > c.ymax + 10) << frame;
+        }
+        EXPECT_TRUE(std::fabs(r->ymin - c.ymin) < 0.01f && std::fabs(r->ymax - c.ymax) < 0.01f)
+            << r->ymin << " " << r->ymax;
+    }
+}
+
+// An xy trace round a square of 20 to 80 in a 200 x 200 frame at (100, 100): four sides, the
+// cross on the newest point; for a point beyond the range, on the frame's edge.
+TEST_F(GraphTraces, XyTraceDrawsItsPathAndMarksTheNewestPoint)
+{
+    ActionFields t = act(KR_ACTION_GRAPH, "v", 0, "u");
+    t.blocks[KR_THRESHOLDS_COLOR].entries = {entry(-1000, 0, 0, 1, 0)};
+    VIEW_STRUCT* view = run(bareGraph(1, 100, 100, 200, 200), {t});
+    const float path[][2] = {{20, 20}, {80, 20}, {80, 80}, {20, 80}, {20, 20}, {20, 20}};
+    double seconds = 0.95; // half a period short: each feed ends between two samples
+    for (const auto& p : path)
+        feed(view, {{"u", p[0]}, {"v", p[1]}}, seconds), seconds = 1;
+    const Shot s = at(view, 0);
+    for (const auto& side : {std::make_pair(200, 140), {260, 200}, {200, 260}, {140, 200}})
+        EXPECT_TRUE(s.frame.count(s.px(side.first) - 1, s.py(side.second) - 1, s.px(side.first) + 2,
+                                  s.py(side.second) + 2, kGreen, 60)) << side.first << " " << side.second;
+    // The cross is smoothed: some pixel next to a point of its arm is green.
+    const auto arm = [](const Shot& shot, float u, float v) {
+        return shot.frame.count(shot.px(u) - 1, shot.py(v) - 1, shot.px(u) + 2, shot.py(v) + 2, kGreen, 60) > 0;
+    };
+    EXPECT_TRUE(!s.ink(170, 170, 230, 230).lit && arm(s, 143, 137) && arm(s, 137, 143));
+    // Until the ring is full the newest point has the cross only: no line leads to it.
+    feed(view, {{"u", 150}, {"v", 50}}, 0.1);
+    const Shot beyond = at(view, 0);
+    EXPECT_TRUE(arm(beyond, 303, 203) && arm(beyond, 303, 197));
+    EXPECT_TRUE(!arm(beyond, 143, 137) && !arm(beyond, 220, 158));
 }
 
 } // namespace
