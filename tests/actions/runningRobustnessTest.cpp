@@ -27,17 +27,14 @@ using namespace korelgen;
 // must never see those, at load or at a level change; stopped, the view looks as before.
 using RunningFile = ViewTest;
 
-// A running graph scales its range to its samples and keeps it when stopped: held fixed here,
-// so that nothing but the polygon could change the stopped picture.
-void holdGraphRanges(ELEMENT_STRUCT* list)
+// A running graph scales its range to its samples and keeps it: held fixed here.
+void holdGraphRanges(ELEMENT_STRUCT* e)
 {
-    for (ELEMENT_STRUCT* e = list; e; e = e->next) {
-        holdGraphRanges(e->child);
-        if (e->type == KR_GRAPH) {
-            GRAPH_STRUCT* g = static_cast<GRAPH_STRUCT*>(e->data);
-            g->autoscale = g->autoscalex = 0;
-        }
-    }
+    for (; e; e = e->next)
+        if (e->type == KR_GRAPH)
+            static_cast<GRAPH_STRUCT*>(e->data)->autoscale = 0;
+        else
+            holdGraphRanges(e->child);
 }
 
 TEST_F(RunningFile, PolygonReadFromTheWrongBytesLoadsAndRuns)

@@ -144,8 +144,7 @@ TEST_F(Graph, AbsurdRangesAndSpacingsDrawAndEnd)
     }
 }
 
-// Outline only, ranges 0 to 100 on both axes held fixed; one unit per sample at 500 samples
-// over 500 units, 10 a second.
+// Outline only, ranges 0 to 100 held fixed; a time graph holds 500 samples at 10 a second.
 GraphFields bareGraph(int type, float x, float y, float width, float height)
 {
     GraphFields g;
@@ -171,84 +170,56 @@ protected:
             krVarSet(view, value.first, &value.second);
         EXPECT_EQ(krViewPutData(view, seconds), 0);
     }
-    // First and last pixel column from u0 to u1 with colour c in rows v0 to v1; -1, -1 for none.
-    static std::pair<int, int> columns(const Shot& s, Rgb c, float u0, float u1, float v0, float v1)
+    // First and last pixel column from u0 to u1 with at least `least` pixels of colour c in rows
+    // v0 to v1; -1, -1 for none.
+    static std::pair<int, int> columns(const Shot& s, Rgb c, float u0, float u1, float v0, float v1, int least = 1)
     {
         std::pair<int, int> found{-1, -1};
         for (int x = s.px(u0); x <= s.px(u1); ++x)
-            if (s.frame.count(x, s.py(v0), x + 1, s.py(v1) + 1, c, 60))
+            if (s.frame.count(x, s.py(v0), x + 1, s.py(v1) + 1, c, 60) >= least)
                 found = {found.first < 0 ? x : found.first, x};
         return found;
     }
-    // Pixels of colour c in column u from v0 to v1.
-    static int inColumn(const Shot& s, Rgb c, float u, float v0, float v1)
-    {
-        return s.frame.count(s.px(u), s.py(v0), s.px(u) + 1, s.py(v1) + 1, c, 60);
-    }
 };
 
-// A frame 500 x 100 at (0, 100). Trace v, white without a colour list: 10 with one sample of
-// 1e12 near the 125th, 60 from the 250th. Trace w, red: 200 up to the 375th, then -50, outside
-// the frame but for its step. Nothing shows outside the frame.
+// A frame 500 x 100 at (0, 100), one unit per sample. Trace v: 10, then 60 from the 250th with
+// one sample of 1e12 at the 312th; red and 1 wide up to 50, blue and 5 wide above. Trace w, white and 1
+// wide without lists: 200 up to the 375th, then -50, outside the frame but for its fall.
 TEST_F(GraphTraces, TimeTraceStepsSkipsFarSamplesAndStaysInTheFrame)
 {
-    ActionFields w = act(KR_ACTION_GRAPH, "w");
-    w.blocks[KR_THRESHOLDS_COLOR].entries = {entry(-1000, 0, 1, 0, 0)};
-    VIEW_STRUCT* view = run(bareGraph(0, 0, 100, 500, 100), {act(KR_ACTION_GRAPH, "v"), w});
-    const struct {
-        float v, w;
-        double seconds;
-    } feeds[] = {{10, 200, 12.45}, {1e12f, 200, 0.1}, {10, 200, 12.4}, {60, 200, 12.5}, {60, -50, 12.5}};
+    ActionFields v = act(KR_ACTION_GRAPH, "v");
+    v.blocks[KR_THRESHOLDS_COLOR].entries = {entry(0, 0, 1, 0, 0), entry(50, 0, 0, 0, 1)};
+    v.blocks[KR_THRESHOLDS_WIDTH].entries = {entry(0, 1), entry(50, 5)};
+    VIEW_STRUCT* view = run(bareGraph(0, 0, 100, 500, 100), {v, act(KR_ACTION_GRAPH, "w")});
+    // Each feed ends half a period between two samples.
+    const float feeds[][3] = {{10, 200, 24.95f}, {60, 200, 6.2f}, {1e12f, 200, .1f}, {60, 200, 6.2f}, {60, -50, 12.5f}};
     for (const auto& f : feeds)
-        feed(view, {{"v", f.v}, {"w", f.w}}, f.seconds);
+        feed(view, {{"v", f[0]}, {"w", f[1]}}, double(f[2]));
     const Shot l = at(view, 0), r = at(view, -100);
-    for (float u : {10, 60, 123, 124, 125, 126, 127, 200, 246, 254, 300, 370, 380, 450, 495}) {
+    for (float u : {10, 60, 125, 210, 246, 254, 310, 311, 312, 313, 314, 370, 380, 450, 495}) {
         const Shot& s = u < 300 ? l : r;
         const float level = u < 250 ? 110 : 160;
-        const int onLevel = inColumn(s, kWhite, u, level - 1, level + 1);
-        EXPECT_TRUE(onLevel > 0 && inColumn(s, kWhite, u, 102, 198) == onLevel) << u;
+        const Ink onLevel = s.ink(u, level - 4, u + 1, level + 4);
+        EXPECT_TRUE((u < 250 ? onLevel.height() <= 2 : onLevel.height() >= 4) && s.ink(u, 102, u + 1, 198) == onLevel)
+            << u;
     }
-    const std::pair<int, int> step = columns(l, kWhite, 5, 395, 120, 150), fall = columns(r, kRed, 105, 495, 102, 198);
+    // The step changes colour where it crosses 50; w falls through the frame in white.
+    const std::pair<int, int> step = columns(l, kRed, 5, 360, 120, 148), fall = columns(r, kWhite, 105, 495, 102, 198);
     EXPECT_TRUE(std::abs(step.first - l.px(250)) <= 1 && std::abs(step.second - l.px(250)) <= 1);
+    EXPECT_TRUE(columns(l, kBlue, 240, 260, 140, 148).first < 0 && columns(l, kRed, 240, 260, 152, 158).first < 0);
     EXPECT_TRUE(std::abs(fall.first - r.px(375)) <= 1 && std::abs(fall.second - r.px(375)) <= 1);
     for (const Shot* s : {&l, &r})
         EXPECT_TRUE(!s->ink(-s->dx, 40, -s->dx + 400, 97).lit && !s->ink(-s->dx, 203, -s->dx + 400, 340).lit);
 }
 
-// Rising from 0 to 100 over the frame, the trace turns from red and 1 wide to blue and 5 wide where
-// it crosses 50, the 250th unit.
-TEST_F(GraphTraces, ThresholdsChangeColourAndWidthWhereTheTraceCrossesThem)
-{
-    ActionFields v = act(KR_ACTION_GRAPH, "v");
-    v.blocks[KR_THRESHOLDS_COLOR].entries = {entry(0, 0, 1, 0, 0), entry(50, 0, 0, 0, 1)};
-    v.blocks[KR_THRESHOLDS_WIDTH].entries = {entry(0, 1), entry(50, 5)};
-    VIEW_STRUCT* view = run(bareGraph(0, 0, 100, 500, 100), {v});
-    for (int n = 0; n < 500; ++n)
-        feed(view, {{"v", float(n) * 0.2f + 0.1f}}, n ? 0.1 : 0.05);
-    ASSERT_EQ(view->elements->actions->outCount, 500);
-    const Shot s = at(view, 0);
-    const int change = s.px(250);
-    const std::pair<int, int> red = columns(s, kRed, 5, 395, 102, 198), blue = columns(s, kBlue, 5, 395, 102, 198);
-    EXPECT_TRUE(std::abs(red.second - change) <= 1 && std::abs(blue.first - change) <= 1)
-        << red.second << " " << blue.first;
-    int firstThick = -1;
-    for (int x = s.px(5); x <= s.px(395) && firstThick < 0; ++x)
-        if (s.frame.ink(x, s.py(102), x + 1, s.py(198)).lit >= 4)
-            firstThick = x;
-    EXPECT_LE(std::abs(firstThick - change), 1);
-    EXPECT_TRUE(s.frame.ink(s.px(100), s.py(102), s.px(100) + 1, s.py(198)).lit <= 2);
-}
-
-// The y range follows the samples of the counted traces: a flat one at once to one unit either
+// The y range follows the samples of the traces that count: a flat one at once to one unit either
 // side, others a third of the way each frame toward a tenth more than their span, widened to
 // minspready / 1.2 first. A disabled trace at 1000 doesn't count.
 TEST_F(GraphTraces, AutoscaleFollowsTheShownSamples)
 {
     const struct {
         std::vector<float> values;
-        float minspread;
-        int frames;
-        float ymin, ymax;
+        float minspread, frames, ymin, ymax;
     } cases[] = {{{5}, 0, 1, 4, 6}, {{0, 10}, 0, 30, -1, 11}, {{3, 7}, 12, 30, -1, 11}};
     for (const auto& c : cases) {
         GraphFields g = bareGraph(0, 0, 100, 500, 100);
@@ -260,11 +231,9 @@ TEST_F(GraphTraces, AutoscaleFollowsTheShownSamples)
         const GRAPH_STRUCT* r = record(view);
         for (int frame = 1; frame <= c.frames; ++frame) {
             at(view, 0);
-            // Smoothed, the first frame is still far from the end.
-            EXPECT_TRUE(frame > 1 || c.frames == 1 || r->ymax > c.ymax + 10) << frame;
+            EXPECT_TRUE(frame > 1 || c.frames == 1 || r->ymax > c.ymax + 10); // smoothed: still far
         }
-        EXPECT_TRUE(std::fabs(r->ymin - c.ymin) < 0.01f && std::fabs(r->ymax - c.ymax) < 0.01f)
-            << r->ymin << " " << r->ymax;
+        EXPECT_TRUE(std::fabs(r->ymin - c.ymin) < 0.01f && std::fabs(r->ymax - c.ymax) < 0.01f) << r->ymin;
     }
 }
 
@@ -275,24 +244,21 @@ TEST_F(GraphTraces, XyTraceDrawsItsPathAndMarksTheNewestPoint)
     ActionFields t = act(KR_ACTION_GRAPH, "v", 0, "u");
     t.blocks[KR_THRESHOLDS_COLOR].entries = {entry(-1000, 0, 0, 1, 0)};
     VIEW_STRUCT* view = run(bareGraph(1, 100, 100, 200, 200), {t});
-    const float path[][2] = {{20, 20}, {80, 20}, {80, 80}, {20, 80}, {20, 20}, {20, 20}};
-    double seconds = 0.95; // half a period short: each feed ends between two samples
+    const float path[][3] = {{20, 20, 0.95f}, {80, 20, 1}, {80, 80, 1}, {20, 80, 1}, {20, 20, 1}, {20, 20, 1}};
     for (const auto& p : path)
-        feed(view, {{"u", p[0]}, {"v", p[1]}}, seconds), seconds = 1;
-    const Shot s = at(view, 0);
-    for (const auto& side : {std::make_pair(200, 140), {260, 200}, {200, 260}, {140, 200}})
-        EXPECT_TRUE(s.frame.count(s.px(side.first) - 1, s.py(side.second) - 1, s.px(side.first) + 2,
-                                  s.py(side.second) + 2, kGreen, 60)) << side.first << " " << side.second;
-    // The cross is smoothed: some pixel next to a point of its arm is green.
-    const auto arm = [](const Shot& shot, float u, float v) {
-        return shot.frame.count(shot.px(u) - 1, shot.py(v) - 1, shot.px(u) + 2, shot.py(v) + 2, kGreen, 60) > 0;
+        feed(view, {{"u", p[0]}, {"v", p[1]}}, double(p[2]));
+    // Smoothed lines: some pixel next to the point is green.
+    const auto green = [](const Shot& s, float u, float v) {
+        return s.frame.count(s.px(u) - 1, s.py(v) - 1, s.px(u) + 2, s.py(v) + 2, kGreen, 60) > 0;
     };
-    EXPECT_TRUE(!s.ink(170, 170, 230, 230).lit && arm(s, 143, 137) && arm(s, 137, 143));
+    const Shot s = at(view, 0);
+    EXPECT_TRUE(green(s, 200, 140) && green(s, 260, 200) && green(s, 200, 260) && green(s, 140, 200));
+    EXPECT_TRUE(!s.ink(170, 170, 230, 230).lit && green(s, 143, 137) && green(s, 137, 143));
     // Until the ring is full the newest point has the cross only: no line leads to it.
     feed(view, {{"u", 150}, {"v", 50}}, 0.1);
     const Shot beyond = at(view, 0);
-    EXPECT_TRUE(arm(beyond, 303, 203) && arm(beyond, 303, 197));
-    EXPECT_TRUE(!arm(beyond, 143, 137) && !arm(beyond, 220, 158));
+    EXPECT_TRUE(green(beyond, 303, 203) && green(beyond, 303, 197));
+    EXPECT_TRUE(!green(beyond, 143, 137) && !green(beyond, 220, 158));
 }
 
 } // namespace
