@@ -29,21 +29,26 @@ bool counts(const ACTION_STRUCT* a)
 
 // Moves one axis a third of the way toward the span of the shown samples of every counted trace,
 // widened to `minSpread` / 1.2 and by `margin` of it on each side. The slots are read raw, in no
-// order: only their extremes matter. A flat span jumps to one unit either side at once.
+// order: only their extremes matter; the first trace's slot 0 counts even before its first
+// sample, as the zero the rings start with. A flat span jumps to one unit either side at once.
+// A NaN or infinite sample would stay in the smoothed range for good: those don't count.
 void autoscaleAxis(ELEMENT_STRUCT* element, bool alongX, float minSpread, double margin, float* smoothMin,
                    float* smoothMax, float* rangeMin, float* rangeMax)
 {
     float lo = 0, hi = 0;
-    bool first = true;
+    bool first = true, firstTrace = true;
     for (const ACTION_STRUCT* a = element->actions; a; a = a->next) {
         if (!counts(a))
             continue;
         const float* slots = alongX ? a->outX : a->outY;
-        if (first)
-            lo = hi = slots[0], first = false;
-        for (int i = 0; i < a->outCount; ++i) {
-            lo = slots[i] < lo ? slots[i] : lo;
-            hi = slots[i] > hi ? slots[i] : hi;
+        const int n = firstTrace && a->outCount < 1 ? 1 : a->outCount;
+        firstTrace = false;
+        for (int i = 0; i < n; ++i) {
+            if (!std::isfinite(slots[i]))
+                continue;
+            lo = first || slots[i] < lo ? slots[i] : lo;
+            hi = first || slots[i] > hi ? slots[i] : hi;
+            first = false;
         }
     }
     const double m = minSpread / 1.2;

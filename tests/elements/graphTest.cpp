@@ -214,13 +214,13 @@ TEST_F(GraphTraces, TimeTraceStepsSkipsFarSamplesAndStaysInTheFrame)
 
 // The y range follows the samples of the traces that count: a flat one at once to one unit either
 // side, others a third of the way each frame toward a tenth more than their span, widened to
-// minspready / 1.2 first. A disabled trace at 1000 doesn't count.
+// minspready / 1.2 first. A disabled trace at 1000 doesn't count, nor does a NaN.
 TEST_F(GraphTraces, AutoscaleFollowsTheShownSamples)
 {
     const struct {
         std::vector<float> values;
         float minspread, frames, ymin, ymax;
-    } cases[] = {{{5}, 0, 1, 4, 6}, {{0, 10}, 0, 30, -1, 11}, {{3, 7}, 12, 30, -1, 11}};
+    } cases[] = {{{5}, 0, 1, 4, 6}, {{0, 10}, 0, 30, -1, 11}, {{3, 7}, 12, 30, -1, 11}, {{NAN, 0, 10}, 0, 30, -1, 11}};
     for (const auto& c : cases) {
         GraphFields g = bareGraph(0, 0, 100, 500, 100);
         g.autoscale = 1, g.minspready = c.minspread;
