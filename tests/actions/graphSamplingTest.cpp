@@ -22,7 +22,8 @@ struct GraphSampling : ViewTest {
         GraphFields g;
         g.rate = rate, g.samples = samples, g.type = type, g.xmin = -5;
         ViewBuilder b = blackPage();
-        view = load(b.actions({act(KR_ACTION_GRAPH, "v", 0, "v")}).graph(g).dataSection({internalSource({{KR_VAR_FLOAT, "v", "", {}}})}));
+        b.actions({act(KR_ACTION_GRAPH, "v", 0, "v")}).graph(g);
+        view = load(b.dataSection({internalSource({{KR_VAR_FLOAT, "v", "", {}}})}));
         ASSERT_EQ(krViewStart(view), 0);
     }
     // The display ring from its oldest sample on, after `cycles` of `delta`, each with v one more.
@@ -82,7 +83,8 @@ TEST_F(GraphSampling, XyGraphsAndAbsurdRatesAndCounts)
         std::vector<float> shown;
         float xmin;
     } cases[] = {{0, 4, 4, {2, 2, 2, 2}, 0.75f}, {1, 4, 4, {2, 2, 2, 2}, -5}, {0, 0, 8, {}, 0}, {0, -4, 8, {}, 0},
-                 {0, NAN, 8, {}, 0}, {0, INFINITY, 8, {}, 0}, {0, 1e30f, 8, std::vector<float>(8, 1), 0}, {0, 4, -1, {}, 0}};
+                 {0, NAN, 8, {}, 0}, {0, INFINITY, 8, {}, 0}, {0, 1e30f, 8, std::vector<float>(8, 1), 0},
+                 {0, 4, -1, {}, 0}};
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.type) + " " + std::to_string(c.rate));
         start(c.rate, c.samples, c.type);

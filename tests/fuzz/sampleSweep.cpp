@@ -78,8 +78,10 @@ void findTextBodies(const Bytes& bytes, const ELEMENT_STRUCT* list, std::set<siz
             continue;
         Bytes opening = counted(e->name), id = counted(e->id);
         opening.insert(opening.end(), id.begin(), id.end());
-        for (auto at = bytes.begin() + 4; (at = std::search(at, bytes.end(), opening.begin(), opening.end())) != bytes.end();
-             ++at) {
+        const auto find = [&](Bytes::const_iterator from) {
+            return std::search(from, bytes.end(), opening.begin(), opening.end());
+        };
+        for (auto at = find(bytes.begin() + 4); at != bytes.end(); at = find(at + 1)) {
             const size_t start = size_t(at - bytes.begin());
             const int32_t kind = integerAt(bytes, start - 4);
             if ((kind == KR_TEXT || kind == KR_TEXT_OLD) && start + opening.size() + kTextAt <= bytes.size())
