@@ -21,6 +21,11 @@ void textFreeData(void* data);
 void graphFreeData(void* data);
 void imageFreeData(void* data);
 
+// Time traces of more samples than twice their frame's pixel columns reach GL reduced to each
+// column's first, lowest, highest and last sample (on from the start). Off, every sample goes
+// to GL: the tests and the benchmark compare both. Process-wide, and no part of the interface.
+extern "C" KOREL2D_API void graphTraceReduction(int on);
+
 // Tessellator callbacks for callers with a GLU tessellator of their own: begin, end and vertex
 // draw, combine hands back a new vertex of three doubles that the caller frees with free().
 extern "C" {

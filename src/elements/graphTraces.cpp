@@ -3,12 +3,15 @@
 // point.
 #include "KorelEdit.h"
 #include "base/truncate.h"
+#include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 
 #include <GL/gl.h>
 
+#include <atomic>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -202,18 +205,128 @@ private:
     int lastX_ = 0, lastY_ = 0;
 };
 
-// Every vertex of one trace. The one place that decides which samples reach GL.
-void emitTrace(const ACTION_STRUCT* a, const Samples& s, const Placement& at)
-{
-    TracePen pen(a, at.sy, at.oy);
-    float p = 0, px = 0, py = 0;
-    for (int n = 0, i = s.first; n < s.count; ++n, i = (i + 1) % s.size) {
-        const float v = s.y[i];
-        const float x = s.x ? at.sx * s.x[i] + at.ox : float(n) * at.period * at.sx;
-        const float y = at.sy * v + at.oy;
-        pen.sample(n, x, y, v, p, px, py);
-        p = v, px = x, py = y;
+std::atomic<bool> reduceLongTraces{true};
+
+// Feeds the samples of a trace to the pen, each with the one fed before it.
+class TraceFeed {
+public:
+    TraceFeed(const ACTION_STRUCT* a, const Samples& s, const Placement& at) : pen_(a, at.sy, at.oy), s_(s), at_(at) {}
+
+    // The n-th sample, oldest first.
+    void feed(int n)
+    {
+        const int i = index(n);
+        const float v = s_.y[i];
+        const float x = s_.x ? at_.sx * s_.x[i] + at_.ox : timeX(n);
+        const float y = at_.sy * v + at_.oy;
+        pen_.sample(fed_++, x, y, v, p_, px_, py_);
+        p_ = v, px_ = x, py_ = y;
     }
+
+    int index(int n) const { return (s_.first + n) % s_.size; }
+    float timeX(int n) const { return float(n) * at_.period * at_.sx; }
+
+private:
+    TracePen pen_;
+    const Samples& s_;
+    const Placement& at_;
+    int fed_ = 0;
+    float p_ = 0, px_ = 0, py_ = 0;
+};
+
+// Where the frame's pixel columns lie: local x lands in column floor(left + x * perUnit).
+struct Columns {
+    double left, perUnit, count;
+};
+
+// The window's pixel columns along the frame's lower edge, in the trace's coordinates. False
+// when the frame has no finite width on screen.
+bool frameColumns(const GRAPH_STRUCT* g, Columns* c)
+{
+    const float x[2] = {0, g->width}, y[2] = {0, 0};
+    double wx[2], wy[2];
+    projectToWindow(x, y, 2, wx, wy);
+    c->count = std::hypot(wx[1] - wx[0], wy[1] - wy[0]);
+    c->left = wx[0];
+    c->perUnit = c->count / g->width;
+    return std::isfinite(c->count) && std::isfinite(c->left) && std::isfinite(c->perUnit);
+}
+
+// The samples of one pixel column: what a strip through all of them lights there, the
+// first, lowest, highest and last one also light. Unless the colour or width changes in it.
+struct Column {
+    long long k;
+    int first, last, low, high;
+    float lowY, highY;
+    const TH_STRUCT *colour, *width;
+    bool mixed;
+};
+
+// The time trace with every sample of a column that adds nothing to the column's pixels left out.
+void feedReduced(TraceFeed& feed, const ACTION_STRUCT* a, const Samples& s, const Placement& at, const Columns& c)
+{
+    // Beyond this a column number means nothing and such samples go through as they are.
+    constexpr double kColumnReach = 1e15;
+    Column col{};
+    bool open = false;
+    auto flush = [&] {
+        if (!open)
+            return;
+        open = false;
+        if (col.mixed) {
+            for (int n = col.first; n <= col.last; ++n)
+                feed.feed(n);
+            return;
+        }
+        int kept[4] = {col.first, col.low, col.high, col.last};
+        if (kept[1] > kept[2])
+            std::swap(kept[1], kept[2]);
+        int previous = -1;
+        for (int n : kept)
+            if (n > previous)
+                feed.feed(previous = n);
+    };
+    for (int n = 0; n < s.count; ++n) {
+        const float v = s.y[feed.index(n)];
+        const double column = std::floor(c.left + double(feed.timeX(n)) * c.perUnit);
+        if (!(std::fabs(column) < kColumnReach)) {
+            flush();
+            feed.feed(n);
+            continue;
+        }
+        const long long k = (long long)column;
+        const TH_STRUCT* colour = entryFor(a->colorThresholds, v);
+        const TH_STRUCT* width = entryFor(a->widthThresholds, v);
+        if (!open || k != col.k) {
+            flush();
+            col = {k, n, n, -1, -1, 0, 0, colour, width, false};
+            open = true;
+        }
+        col.last = n;
+        col.mixed = col.mixed || colour != col.colour || width != col.width;
+        const float y = at.sy * v + at.oy;
+        if (!(std::fabs(y) < kFar))
+            continue;
+        if (col.low < 0 || y < col.lowY)
+            col.low = n, col.lowY = y;
+        if (col.high < 0 || y > col.highY)
+            col.high = n, col.highY = y;
+    }
+    flush();
+}
+
+// Every vertex of one trace. The one place that decides which samples reach GL.
+void emitTrace(const ACTION_STRUCT* a, const Samples& s, const Placement& at, const GRAPH_STRUCT* g)
+{
+    Columns columns; // measured before the pen opens its strip: GL answers no query inside one
+    const bool reduce = !s.x && reduceLongTraces && frameColumns(g, &columns) && s.count > 2 * columns.count;
+    TraceFeed feed(a, s, at);
+    if (reduce) {
+        feedReduced(feed, a, s, at, columns);
+        return;
+    }
+    for (int n = 0; n < s.count; ++n)
+        feed.feed(n);
 }
 
 Placement placement(const GRAPH_STRUCT* g)
@@ -257,6 +370,11 @@ void drawMarker(const GRAPH_STRUCT* g, const ACTION_STRUCT* a, const Placement& 
 
 } // namespace
 
+void graphTraceReduction(int on)
+{
+    reduceLongTraces = on != 0;
+}
+
 int getIpol(float* out, float x1, float y1, float x2, float y2, float y)
 {
     *out = (x2 - x1) / (y2 - y1) * (y - y1) + x1;
@@ -271,7 +389,7 @@ int drawGraphValue(GRAPH_STRUCT* g, ACTION_STRUCT* a)
         return 0;
     enterFrame(g);
     const int count = (a->outHead - a->outTail + a->outSize) % a->outSize;
-    emitTrace(a, {a->outY, nullptr, a->outTail, count, a->outSize}, placement(g));
+    emitTrace(a, {a->outY, nullptr, a->outTail, count, a->outSize}, placement(g), g);
     tkPopMatrix();
     return 0;
 }
@@ -283,7 +401,7 @@ int drawGraphValueX(GRAPH_STRUCT* g, ACTION_STRUCT* a)
         return 0;
     const Placement at = placement(g);
     enterFrame(g);
-    emitTrace(a, {a->outY, a->outX, a->outTail, a->outCount > 1 ? a->outCount - 1 : 0, a->outSize}, at);
+    emitTrace(a, {a->outY, a->outX, a->outTail, a->outCount > 1 ? a->outCount - 1 : 0, a->outSize}, at, g);
     tkPopMatrix();
     drawMarker(g, a, at);
     return 0;

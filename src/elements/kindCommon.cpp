@@ -145,18 +145,24 @@ void* createKindRecord(const void* source, const void* defaults, size_t size, co
     return record;
 }
 
-void scissorToSpan(const float x[3], const float y[3])
+void projectToWindow(const float x[], const float y[], int n, double wx[], double wy[])
 {
     GLint viewport[4];
     GLdouble model[16], projection[16];
     glGetIntegerv(GL_VIEWPORT, viewport);
     glGetDoublev(GL_MODELVIEW_MATRIX, model);
     glGetDoublev(GL_PROJECTION_MATRIX, projection);
-    GLdouble wx[3], wy[3], wz;
+    GLdouble wz;
     float offsetX, offsetY;
     tkGetOffset(&offsetX, &offsetY);
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < n; ++i)
         gluProject(x[i] + offsetX, y[i] + offsetY, 0, model, projection, viewport, &wx[i], &wy[i], &wz);
+}
+
+void scissorToSpan(const float x[3], const float y[3])
+{
+    double wx[3], wy[3];
+    projectToWindow(x, y, 3, wx, wy);
     glScissor(truncToInt(wx[0]), truncToInt(wy[0]), truncToInt(wx[1] - wx[0]), truncToInt(wy[2] - wy[0]));
     glEnable(GL_SCISSOR_TEST);
 }

@@ -59,6 +59,9 @@ inline void setColor(float target[4], float r, float g, float b, float a)
     target[3] = a;
 }
 
+// Window coordinates of n points of the current model space, the walk's offset included.
+void projectToWindow(const float x[], const float y[], int n, double wx[], double wy[]);
+
 // Clips to the window box spanned by three points of the current model space, offset included
 // (lower left, lower right, upper left), and enables the scissor test.
 void scissorToSpan(const float x[3], const float y[3]);
