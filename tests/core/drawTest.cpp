@@ -131,6 +131,13 @@ TEST_F(ViewDraw, ClippingShowsOnlyTheScissorArea)
         {"image",
          [](ViewBuilder& b) { b.image({0, 0, 300, 300, {1, 1, 1, 1}, 2, 2, 0, std::vector<uint8_t>(16, 255)}); }, 50},
         {"slider", [](ViewBuilder& b) { b.slider({150, 125, 60, 200}); }, 50},
+        {"graph frame",
+         [](ViewBuilder& b) {
+             korelgen::GraphFields g;
+             g.x = g.y = 0, g.width = 400, g.height = 300, g.background[0] = g.background[3] = 1;
+             b.graph(g);
+         },
+         50},
         {"rectangle, zero-size box", [](ViewBuilder& b) { b.rect(filled(0, 0, 400, 300, kRed)); }, 0},
     };
     for (int type : {0, 1})

@@ -3,9 +3,11 @@
 // krViewPutData, their thresholds, clipping, markers and the range that follows them.
 #include "../actions/actionViews.h"
 #include "KorelEdit.h"
+#include "elements/elementKinds.h"
 #include "ViewFixture.h"
 
 #include <cmath>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -155,6 +157,11 @@ GraphFields bareGraph(int type, float x, float y, float width, float height)
 
 class GraphTraces : public Graph {
 protected:
+    void TearDown() override
+    {
+        graphTraceReduction(1);
+        Graph::TearDown();
+    }
     // The graph with its traces over the floats u, v and w, running in mode 1.
     VIEW_STRUCT* run(const GraphFields& g, const std::vector<ActionFields>& traces)
     {
@@ -182,10 +189,21 @@ protected:
     }
 };
 
+// What a trace shows must not depend on whether long traces are reduced: these run both ways.
+class EveryTrace : public GraphTraces, public ::testing::WithParamInterface<bool> {
+protected:
+    void SetUp() override
+    {
+        GraphTraces::SetUp();
+        graphTraceReduction(GetParam());
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Reduction, EveryTrace, ::testing::Bool());
+
 // A frame 500 x 100 at (0, 100), one unit per sample. Trace v: 10, then 60 from the 250th with
 // one sample of 1e12 at the 312th; red and 1 wide up to 50, blue and 5 wide above. Trace w, white
 // and 1 wide without lists: 200 up to the 375th, then -50, outside the frame but for its fall.
-TEST_F(GraphTraces, TimeTraceStepsSkipsFarSamplesAndStaysInTheFrame)
+TEST_P(EveryTrace, TimeTraceStepsSkipsFarSamplesAndStaysInTheFrame)
 {
     ActionFields v = act(KR_ACTION_GRAPH, "v");
     v.blocks[KR_THRESHOLDS_COLOR].entries = {entry(0, 0, 1, 0, 0), entry(50, 0, 0, 0, 1)};
@@ -215,7 +233,7 @@ TEST_F(GraphTraces, TimeTraceStepsSkipsFarSamplesAndStaysInTheFrame)
 // The y range follows the samples of the traces that count: a flat one at once to one unit either
 // side, others a third of the way each frame toward a tenth more than their span, widened to
 // minspready / 1.2 first. A disabled trace at 1000 doesn't count, nor does a NaN.
-TEST_F(GraphTraces, AutoscaleFollowsTheShownSamples)
+TEST_P(EveryTrace, AutoscaleFollowsTheShownSamples)
 {
     const struct {
         std::vector<float> values;
@@ -239,7 +257,7 @@ TEST_F(GraphTraces, AutoscaleFollowsTheShownSamples)
 
 // An xy trace round a square of 20 to 80 in a 200 x 200 frame at (100, 100): four sides, the
 // cross on the newest point; for a point beyond the range, on the frame's edge.
-TEST_F(GraphTraces, XyTraceDrawsItsPathAndMarksTheNewestPoint)
+TEST_P(EveryTrace, XyTraceDrawsItsPathAndMarksTheNewestPoint)
 {
     ActionFields t = act(KR_ACTION_GRAPH, "v", 0, "u");
     t.blocks[KR_THRESHOLDS_COLOR].entries = {entry(-1000, 0, 0, 1, 0)};
@@ -259,6 +277,86 @@ TEST_F(GraphTraces, XyTraceDrawsItsPathAndMarksTheNewestPoint)
     const Shot beyond = at(view, 0);
     EXPECT_TRUE(green(beyond, 303, 203) && green(beyond, 303, 197));
     EXPECT_TRUE(!green(beyond, 143, 137) && !green(beyond, 220, 158));
+}
+
+// A running graph in a group clipped to (100, 150) - (200, 200), a red strip after it: by stencil
+// the frame's blue background, the traces and the strip show only in the box; by scissor box the traces clip to
+// the graph's own frame, which ends the group's clip, and the strip shows.
+TEST_P(EveryTrace, ClippedGroupsAndRunningGraphs)
+{
+    ActionFields t = act(KR_ACTION_GRAPH, "v");
+    t.blocks[KR_THRESHOLDS_COLOR].entries = {entry(0, 0, 0, 1, 0)};
+    GraphFields g = bareGraph(0, 20, 60, 360, 240);
+    g.background[2] = g.background[3] = 1, g.samples = 20;
+    VIEW_STRUCT* view = load(blackPage()
+                                 .beginGroup(3)
+                                 .actions({t})
+                                 .graph(g)
+                                 .rect({0, 45, 400, 55})
+                                 .scissor(100, 150, 200, 200)
+                                 .endGroup()
+                                 .dataSection({internalSource({{KR_VAR_FLOAT, "v", "", {}}})}));
+    ASSERT_EQ(krViewStart(view), 0);
+    ACTION_STRUCT* a = view->elements->child->actions;
+    for (int i = 0; i < 20; ++i)
+        a->outY[i] = i % 2 ? 90 : 10; // a zigzag over the whole frame
+    a->outHead = a->outCount = 20;
+    for (int type : {0, 1}) {
+        krViewSetScissorType(view, type);
+        const Shot s = at(view, 0);
+        const auto inBox = [&](std::pair<int, int> c) {
+            return c.first >= s.px(100) - 1 && c.second <= s.px(200) + 1 && c.second > c.first;
+        };
+        const std::pair<int, int> trace = columns(s, kGreen, 0, 400, 40, 340);
+        const bool inFrame = trace.first <= s.px(21) && trace.second >= s.px(360) && !s.ink(0, 302, 400, 340).lit;
+        EXPECT_TRUE(type ? inFrame : inBox(trace)) << type;
+        EXPECT_TRUE(inBox(columns(s, kBlue, 0, 400, 40, 340))) << type;
+        EXPECT_EQ(s.frame.count(0, 0, 400, 300, kRed) > 0, type == 1);
+    }
+}
+
+// A slow sine with noise that crosses a colour and a width threshold four times, as many samples
+// as the ring holds: reduced, each pixel column lights the rows the full trace lights, to a
+// pixel, and sampled pixels have the same colour but on a one-pixel edge.
+TEST_F(GraphTraces, ReducedTraceLooksLikeTheFullOne)
+{
+    for (int samples : {5000, 1000000}) {
+        ActionFields t = act(KR_ACTION_GRAPH, "v");
+        t.blocks[KR_THRESHOLDS_COLOR].entries = {entry(0, 0, 0, 1, 0), entry(60, 0, 0, 0, 1)};
+        t.blocks[KR_THRESHOLDS_WIDTH].entries = {entry(0, 1), entry(70, 3)};
+        GraphFields g = bareGraph(0, 10, 60, 380, 220);
+        g.samples = samples;
+        VIEW_STRUCT* view = run(g, {t});
+        ACTION_STRUCT* a = view->elements->actions;
+        std::mt19937 noise(7);
+        for (int i = 0; i < samples; ++i)
+            a->outY[i] = 50 + 35 * std::sin(8 * float(M_PI) * float(i) / float(samples)) +
+                         std::uniform_real_distribution<float>(-3, 3)(noise);
+        a->outHead = a->outCount = samples;
+        graphTraceReduction(0);
+        const Shot full = at(view, 0);
+        graphTraceReduction(1);
+        const Shot reduced = at(view, 0);
+        for (int x = full.px(11); x < full.px(389); ++x) {
+            const Ink f = full.frame.ink(x, 0, x + 1, 300), r = reduced.frame.ink(x, 0, x + 1, 300);
+            ASSERT_TRUE(f.lit && std::abs(f.y0 - r.y0) <= 1 && std::abs(f.y1 - r.y1) <= 1) << samples << " " << x;
+        }
+        // A pixel of the other frame's colour within one pixel either way.
+        const auto near = [](const Frame& in, int x, int y, Rgb c) {
+            return in.count(x - 1, y - 1, x + 2, y + 2, c, 60) > 0;
+        };
+        std::mt19937 pick(11);
+        int differ = 0;
+        for (int n = 0; n < 10000; ++n) {
+            const int x = full.px(11) + int(pick() % 376), y = int(pick() % 300);
+            const Rgb c = full.frame.at(x, y), d = reduced.frame.at(x, y);
+            if (std::abs(c.r - d.r) + std::abs(c.g - d.g) + std::abs(c.b - d.b) <= 60)
+                continue;
+            ++differ;
+            EXPECT_TRUE(near(reduced.frame, x, y, c) && near(full.frame, x, y, d)) << x << " " << y;
+        }
+        EXPECT_LE(differ, 10) << samples;
+    }
 }
 
 } // namespace
