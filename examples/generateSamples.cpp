@@ -3,7 +3,8 @@
 // kind with actions and data sources, for tools that read every record, and sources.k2d, a view
 // of constants, internal variables and the example plug-in's variables, and live.k2d, a panel
 // that moves on the Auto source's test signals, and readouts.k2d, texts, a marker on a track and
-// a tinted picture on the same signals. Usage: korel2d-samples [--seeds] OUTPUT_DIR
+// a tinted picture on the same signals, and stripchart.k2d, a time graph and an xy graph, sliders
+// and a scrolling tape on them. Usage: korel2d-samples [--seeds] OUTPUT_DIR
 // With --seeds it also writes small views of each element kind, each action type and every
 // variable type: the seed corpus of the fuzzing harnesses.
 #include "Korel2D.h"
@@ -685,6 +686,165 @@ std::vector<uint8_t> readouts()
     return b.bytes();
 }
 
+// ---------------------------------------------------------------- strip charts
+
+// A graph in the panel's colours: a dark ground, a light outline with ticks and labels, a dim grid.
+// The stored ranges are those of the signals, which the stopped view shows; running, it scales
+// itself to the samples.
+GraphFields chart(int type, float x, float y, float width, float height, float rate, int samples)
+{
+    GraphFields g;
+    g.type = type;
+    g.x = x, g.y = y, g.width = width, g.height = height;
+    g.ymin = -1, g.ymax = 1, g.xmin = 0, g.xmax = 1;
+    g.rate = rate;
+    g.samples = samples;
+    setColour(g.background, kDark);
+    setColour(g.outline, kFrame);
+    setColour(g.grid, kLampOff);
+    g.fontSize = 12;
+    return g;
+}
+
+// The levels at which a time trace changes its pen: green, amber above 0.5, red and wider above 0.8.
+constexpr float kAmberAbove = 0.5f, kRedAbove = 0.8f;
+
+ActionFields levelTrace(int id, const char* var)
+{
+    ActionFields trace = action(id, KR_ACTION_GRAPH, var, 0, 1, 0, 1);
+    trace.blocks[KR_THRESHOLDS_COLOR] = thresholds(
+        -1, 1, {threshold(-1, kAmberAbove, 0, kGreen), threshold(kAmberAbove, kRedAbove, 0, kAmber),
+                threshold(kRedAbove, 1, 0, kRed)});
+    trace.blocks[KR_THRESHOLDS_WIDTH] =
+        thresholds(-1, 1, {threshold(-1, kRedAbove, 2, kGreen), threshold(kRedAbove, 1, 4, kRed)});
+    return trace;
+}
+
+// The key to the pens: a swatch of each colour and the levels it stands for.
+void penKey(ViewBuilder& b, float x, float y)
+{
+    const struct {
+        Colour colour;
+        const char* levels;
+    } pens[] = {{kGreen, "UP TO 0.5"}, {kAmber, "0.5 TO 0.8"}, {kRed, "ABOVE 0.8, WIDER"}};
+    // An estimate of the caption's width, capitals and digits, to set it just right of its swatch.
+    constexpr float kAdvance = 0.55f;
+    b.beginGroup(6, "pen key", "pen-key-ID");
+    for (const auto& pen : pens) {
+        b.rect(framed(x, y - 6, x + 12, y + 6, pen.colour, kDark, 1), "swatch", "swatch-ID");
+        const float width = kAdvance * 12 * float(std::strlen(pen.levels));
+        b.text(caption(x + 20 + width / 2, y, pen.levels, 12, kFrame), "levels", "levels-ID");
+        x += 150;
+    }
+    b.endGroup();
+}
+
+// The height of the windows that the sliders and the tape show through.
+constexpr float kWindow = 200;
+
+// A slider whose knob follows `var` from `from` to `to` up its groove, with a scale on the left, its
+// name above and its value below; its actions take `id` and the next. The knob sits in the middle of the slider and moves only with the
+// whole slider, so the groove is twice as long as the window it shows through: the group's scissor
+// keeps it to the window, and the groove seems to stand while the knob moves.
+void fader(ViewBuilder& b, const char* name, float x, float y, int id, const char* var, float from, float to)
+{
+    constexpr float kHalfWidth = 12, kKnob = 12;
+    const float travel = kWindow / 2 - kKnob - 2;
+    const std::string group = std::string(name) + " slider";
+    b.beginGroup(2, group.c_str(), (group + "-ID").c_str());
+    b.scissor(x - kHalfWidth, y - kWindow / 2, x + kHalfWidth, y + kWindow / 2, "slider window");
+    SliderFields slider;
+    slider.x = x, slider.y = y;
+    slider.width = 2 * kHalfWidth, slider.height = 2 * kWindow;
+    setColour(slider.face, kBezel);
+    setColour(slider.dark, kDark);
+    setColour(slider.light, kFrame);
+    slider.bevelWidth = 3;
+    slider.knobHalfSize = kKnob;
+    ActionFields ride = action(id, KR_ACTION_MOVE_Y, var, from, to, -travel, travel);
+    ride.limit = 1;
+    b.actions({ride}).slider(slider, "slider", "slider-ID");
+    b.endGroup();
+    barScale(b, "slider scale", x - kHalfWidth - 4, y - travel, y + travel, 5, 1, from, to, "%.1f");
+    b.text(caption(x, y + kWindow / 2 + 25, name, 14, kFrame), "slider name", "slider-name-ID");
+    readout(b, "slider readout", x, y - kWindow / 2 - 35, 7, 18, shown(id + 1, var, "%6.3f"));
+}
+
+// SIN read off a tape that scrolls behind a fixed pointer. The tape is four times as long as its
+// window, 400 pixels to the unit; the group's scissor shows only the part in the window.
+void tape(ViewBuilder& b, float x, float y)
+{
+    constexpr float kHalfWidth = 60, kPerUnit = 400;
+    const float x0 = x - kHalfWidth, y0 = y - kWindow / 2, x1 = x + kHalfWidth, y1 = y + kWindow / 2;
+    b.beginGroup(3, "tape window", "tape-window-ID");
+    b.scissor(x0, y0, x1, y1, "tape clip");
+    b.rect(filled(x0, y0, x1, y1, kDark), "tape ground", "tape-ground-ID");
+    // Stored with 0 at the pointer; SIN -1..1 moves it from 400 pixels up to 400 down, so that
+    // the value stands at the pointer.
+    b.beginGroup(1, "tape", "tape-ID");
+    barScale(b, "tape scale", x1 - 20, y - kPerUnit, y + kPerUnit, 9, 1, -1, 1, "%.2f");
+    b.actions({action(8, KR_ACTION_MOVE_Y, "SIN", -1, 1, kPerUnit, -kPerUnit)}).endGroup();
+    b.endGroup();
+    RectFields bezel = framed(x0 - 2, y0 - 2, x1 + 2, y1 + 2, kBezel, kBezel, 2);
+    bezel.fillOn = 0;
+    b.rect(bezel, "tape frame", "tape-frame-ID");
+    LineFields hairline;
+    hairline.x1 = x0, hairline.y1 = y, hairline.x2 = x1, hairline.y2 = y;
+    hairline.strokeWidth = 1;
+    setColour(hairline.stroke, kYellow);
+    b.line(hairline, "hairline", "hairline-ID");
+    PolyFields pointer;
+    pointer.closed = 1, pointer.fillOn = 1, pointer.strokeOn = 0;
+    setColour(pointer.fill, kYellow);
+    pointer.points = {{0, x1 + 4, y}, {1, x1 + 18, y + 8}, {2, x1 + 18, y - 8}};
+    b.cpoly(pointer, "pointer", "pointer-ID");
+    b.text(caption(x, y1 + 25, "SIN ON A TAPE", 14, kFrame), "tape name", "tape-name-ID");
+    readout(b, "tape readout", x, y0 - 35, 7, 18, shown(9, "SIN", "%6.3f"));
+}
+
+// Strip charts on the Auto source's signals: a time graph of a sine and of random numbers held
+// for half a second, their pens changing at levels; an xy graph of the sine against a faster
+// triangle wave; the same two signals on sliders, and the sine on a tape scrolling in a window.
+std::vector<uint8_t> stripChart()
+{
+    ViewBuilder b;
+    panelFrame(b, 1024, 768, "STRIP CHARTS - AUTO SOURCE SIGNALS");
+
+    section(b, "TIME GRAPH", 20, 385, 1004, 706, 78);
+    b.text(caption(290, 680, "SIN 0.2 Hz  AND  RANDOM, EACH HELD 0.5 s", 14, kFrame), "time caption",
+           "time-caption-ID");
+    penKey(b, 560, 680);
+    ActionFields held = levelTrace(2, "RANDOM");
+    held.filter = KR_FILTER_TIME;
+    held.filterTime = 0.5f;
+    b.actions({levelTrace(1, "SIN"), held}).graph(chart(0, 80, 430, 900, 230, 25, 250), "time graph",
+                                                    "time-graph-ID");
+
+    section(b, "XY GRAPH", 20, 20, 360, 370, 64);
+    b.text(caption(205, 335, "SIN UP, TRIANGLE 0.5 Hz ACROSS", 12, kFrame), "xy caption", "xy-caption-ID");
+    ActionFields figure = action(3, KR_ACTION_GRAPH, "SIN", 0, 1, 0, 1);
+    figure.var2 = "TRIANGLE";
+    figure.blocks[KR_THRESHOLDS_COLOR] = thresholds(-1, 1, {threshold(-1, 1, 0, kCyan)});
+    figure.blocks[KR_THRESHOLDS_WIDTH] = thresholds(-1, 1, {threshold(-1, 1, 2, kCyan)});
+    // Ten seconds of samples, the common period of the two waves: the figure closes on itself.
+    b.actions({figure}).graph(chart(1, 75, 70, 260, 240, 25, 250), "xy graph", "xy-graph-ID");
+
+    section(b, "SLIDERS", 370, 20, 690, 370, 56);
+    fader(b, "SIN", 480, 200, 4, "SIN", -1, 1);
+    fader(b, "TRIANGLE", 610, 200, 6, "TRIANGLE", 0, 1);
+
+    section(b, "TAPE", 700, 20, 1004, 370, 34);
+    tape(b, 850, 200);
+
+    SourceFields signals;
+    signals.id = 1;
+    signals.varParamCount = 4;
+    signals.variables = {autoVariable("SIN", 0, 4, "-1.0", "1.0"), autoVariable("TRIANGLE", 4, 5, "0.0", "1.0"),
+                         autoVariable("RANDOM", 8, 0, "0.0", "1.0")};
+    b.dataSection({signals});
+    return b.bytes();
+}
+
 // ---------------------------------------------------------------- seed corpus
 
 using NamedView = std::pair<std::string, std::vector<uint8_t>>;
@@ -802,7 +962,7 @@ int main(int argc, char** argv)
     }
     std::vector<NamedView> views = {
         {"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()},
-        {"readouts.k2d", readouts()}};
+        {"readouts.k2d", readouts()}, {"stripchart.k2d", stripChart()}};
     if (withSeeds) {
         std::vector<NamedView> seeds = seedViews();
         views.insert(views.end(), seeds.begin(), seeds.end());

@@ -277,6 +277,21 @@ private:
     double total_ = 0, worst_ = 0;
 };
 
+// Running synchronously, the graphs move only when the host feeds them: after each frame they get
+// the real time since the one before, so that traces keep pace with sources that follow the clock.
+class GraphFeed {
+public:
+    void afterFrame(VIEW_STRUCT* view)
+    {
+        const auto now = std::chrono::steady_clock::now();
+        krViewPutData(view, std::chrono::duration<double>(now - last_).count());
+        last_ = now;
+    }
+
+private:
+    std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
+};
+
 // A window's view runs animated: the library's data thread feeds it every 10 ms while the
 // frames are drawn. Off-screen, each draw runs a data cycle first, so that even a single
 // frame shows live values. A view without sources looks the same running or not.
@@ -354,8 +369,11 @@ int runAndPrintVariables(const Options& o)
         if (picture)
             drawFrame(window.get(), view.get(), o.zoom);
     } else {
-        for (int i = 0; i < cycles; ++i)
+        GraphFeed graphs;
+        for (int i = 0; i < cycles; ++i) {
             drawFrame(window.get(), view.get(), o.zoom);
+            graphs.afterFrame(view.get());
+        }
     }
     if (picture && !writePicture(o.png, width, height, gl.kind()))
         return kFailed;
@@ -535,8 +553,11 @@ int renderToPng(const Options& o, int width, int height)
     WindowPtr window(krWindowCreate(), krWindowFree);
     krWindowInit(window.get(), width, height);
     FrameTimes times;
-    for (int i = 0; i < std::max(o.frames, 1); ++i)
+    GraphFeed graphs;
+    for (int i = 0; i < std::max(o.frames, 1); ++i) {
         times.drawTimed(window.get(), view.get(), o.zoom);
+        graphs.afterFrame(view.get());
+    }
     if (!writePicture(o.png.empty() ? kDefaultPng : o.png, width, height, gl.kind()))
         return kFailed;
     times.print();
