@@ -48,9 +48,13 @@ void* runDataCycles(void* argument)
         pthread_mutex_lock(&view->mutex);
         bool running = runModeSeenByThread(view) != KR_RUN_STOPPED;
         if (running) {
-            view->time = apiGetTime() - view->startTime;
             fillDP(view->dataTypes);
-            fillActions(view->elements, int(view->haltMode), view->time);
+            // A stop that came while a source blocked has handed clock and graphs back to the
+            // host, which no longer locks for them.
+            if (runModeSeenByThread(view) != KR_RUN_STOPPED) {
+                view->time = apiGetTime() - view->startTime;
+                fillActions(view->elements, int(view->haltMode), view->time);
+            }
         }
         pthread_mutex_unlock(&view->mutex);
         if (!running)

@@ -164,8 +164,10 @@ TEST(AnimatedMode, StopDoesNotWaitForABlockedPlugin)
         EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(2));
         EXPECT_EQ(dataThreads(), 1); // still inside Run
         EXPECT_EQ(read(view, "pi"), "<-3>");
+        EXPECT_EQ(krViewResetGraph(view, 0), 0); // the graph is the host's alone now
         if (!freeAtOnce) {
             EXPECT_TRUE(waitFor([] { return dataThreads() == 0; })); // back into a stopped view, it ends
+            EXPECT_EQ(view->elements->actions->inCount, 0);          // and feeds no graph of it
         }
         EXPECT_EQ(krViewFree(view), 0);
         EXPECT_EQ(dataThreads(), 0);
