@@ -17,6 +17,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -119,13 +120,25 @@ struct Chart {
     }
 };
 
+double processCpuMilliseconds()
+{
+    timespec t;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return double(t.tv_sec) * 1e3 + double(t.tv_nsec) / 1e6;
+}
+
+// Besides real time, the processor time of all threads per frame, llvmpipe's included: on a
+// machine shared with other work, real time swings with the load while this doesn't.
 void drawFrames(benchmark::State& state, Chart* chart, bool reduced)
 {
     graphTraceReduction(reduced);
+    const double start = processCpuMilliseconds();
     for (auto _ : state) {
         chart->draw();
         glFinish(); // llvmpipe renders on its own threads; count its work too
     }
+    state.counters["cpu_ms_all_threads"] =
+        benchmark::Counter(processCpuMilliseconds() - start, benchmark::Counter::kAvgIterations);
     graphTraceReduction(1);
     state.SetItemsProcessed(int64_t(state.iterations()) * kSamples);
 }
