@@ -185,22 +185,50 @@ int KGraphGetAutoParaY(float* space, float* ref, int* sub, float lo, float hi, f
 namespace {
 
 // Lines of one kind on one axis; a record may hold any range or spacing, so the walk along
-// an axis gives up after this many.
-constexpr int kMaxLines = 100000;
+// an axis gives up after this many steps of the spacing.
+constexpr double kMaxLines = 100000;
 constexpr float kTickLength = 12, kSubTickLength = 5;
-// Labels nearer than this (units) cover the same pixels.
-constexpr float kSamePlace = 0.01f;
+// Lines this far beyond the window (pixels) are still drawn: their labels may reach into it.
+constexpr double kLabelReach = 256;
 
-// One axis of the frame: a value v lands at s * v + o.
+// The part of one side of the frame that lies in the window, in frame units, and the pixels a
+// unit covers there.
+struct Span {
+    double from, to, pixels;
+};
+
+// Spans of the bottom (x) and the left side (y) of a frame w x h at the model origin. A side
+// that covers no pixel is one spot on the screen: all of it counts as in the window.
+void spansOnScreen(float w, float h, Span& x, Span& y)
+{
+    const float cornerX[3] = {0, w, 0}, cornerY[3] = {0, 0, h};
+    double wx[3], wy[3];
+    projectToWindow(cornerX, cornerY, 3, wx, wy);
+    GLint viewport[4];
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    const auto span = [](double start, double end, double length, double windowLo, double windowHi) {
+        const double pixels = std::fabs((end - start) / length);
+        if (!(pixels > 0))
+            return Span{-HUGE_VAL, HUGE_VAL, 0};
+        const double a = (windowLo - kLabelReach - start) / (end - start) * length;
+        const double b = (windowHi + kLabelReach - start) / (end - start) * length;
+        return Span{std::min(a, b), std::max(a, b), pixels};
+    };
+    x = span(wx[0], wx[1], w, viewport[0], double(viewport[0]) + viewport[2]);
+    y = span(wy[0], wy[2], h, viewport[1], double(viewport[1]) + viewport[3]);
+}
+
+// One axis of the frame: a value v lands at s * v + o, on the screen where its span says.
 struct Axis {
     float s, o;
+    Span span;
     float at(double v) const { return float(double(s) * v + double(o)); }
 };
 
-Axis axisOf(float lo, float hi, float pixels)
+Axis axisOf(float lo, float hi, float length, const Span& span)
 {
-    const float s = pixels / std::fabs(hi - lo);
-    return {s, -s * lo};
+    const float s = length / std::fabs(hi - lo);
+    return {s, -s * lo, span};
 }
 
 // The first line of the spacing through `ref` at or above lo: strictly above when ref <= lo.
@@ -211,14 +239,22 @@ float firstLine(float ref, float lo, float space)
     return ref + float(int64_t(truncToInt((lo - ref) / space)) + 1) * space;
 }
 
-// Calls line(p, f) for f = first, first + space, ... up to hi, p the place of f on the axis.
-// Ends when f stops growing (a spacing lost in f's precision) or after kMaxLines.
+// Calls line(p, f) for f = first, first + space, ... up to hi, p the place of f on the axis,
+// for the lines in the window only, so that a frame far larger than the window costs no more
+// than one that fits. Lines less than a pixel apart paint the same pixels: of those only every
+// k-th is drawn, k the lines a pixel holds. Lines before the window are passed over k at a
+// time, which keeps the lines drawn in place while the view scrolls. Ends when f stops growing
+// (a spacing lost in f's precision) or after kMaxLines steps.
 template <class Line> void eachLine(double first, float hi, float space, const Axis& axis, Line line)
 {
-    double f = first;
-    for (int n = 0; n < kMaxLines && hi >= f && space > 0; ++n) {
+    const double perPixel = 1 / (double(space) * std::fabs(double(axis.s)) * axis.span.pixels);
+    const double stride = perPixel > 1 ? std::ceil(perPixel) : 1;
+    const double v0 = (axis.span.from - axis.o) / axis.s, v1 = (axis.span.to - axis.o) / axis.s;
+    const double highest = std::fmax(v0, v1), before = (std::fmin(v0, v1) - first) / double(space);
+    double n = before > 0 ? std::floor(before / stride) * stride : 0;
+    for (double f = first + n * double(space); n < kMaxLines && hi >= f && highest >= f && space > 0; n += stride) {
         line(axis.at(f), f);
-        const double next = f + space;
+        const double next = first + (n + stride) * double(space);
         if (!(next > f))
             break;
         f = next;
@@ -233,25 +269,26 @@ double firstInside(float ref, float lo, float space)
 }
 
 // The labels along one side of an axis, each moved from its tick by its own size times
-// (widthTimes, heightTimes) plus (dx, dy). A spacing far below the precision of the labels piles
-// many ticks of one text on one spot: that label is drawn once, which keeps such a record cheap.
+// (widthTimes, heightTimes) plus (dx, dy). A label that would overlap the last one drawn is left
+// out (`across` labels stand side by side, the others one above the other): ticks closer than
+// their labels stay readable, and a spacing far below a pixel costs no more than a few labels.
 struct LabelSide {
     const GRAPH_STRUCT* g;
     float widthTimes, dx, heightTimes, dy;
-    float lastPlace = std::numeric_limits<float>::quiet_NaN();
-    char last[64] = "";
+    bool across;
+    float lastPlace = std::numeric_limits<float>::quiet_NaN(), lastExtent = 0;
 
     void draw(const char* format, double value, float place)
     {
+        if (std::fabs(place - lastPlace) < lastExtent)
+            return;
         char text[64];
         snprintf(text, sizeof text, format, value);
-        if (std::fabs(place - lastPlace) < kSamePlace && strcmp(text, last) == 0)
-            return;
-        lastPlace = place;
-        memcpy(last, text, sizeof last);
         int metric[2] = {0, 0};
         if (gkFontStringMetric(g->font, text, metric) != 0)
             metric[0] = metric[1] = 0;
+        lastPlace = place;
+        lastExtent = float(metric[across ? 0 : 1]);
         tkPushMatrix();
         glTranslatef(widthTimes * float(metric[0]) + dx, heightTimes * float(metric[1]) + dy, 0);
         gkFontRender(g->font, text);
@@ -259,7 +296,8 @@ struct LabelSide {
     }
 };
 
-void drawGrid(GRAPH_STRUCT* g, const ELEMENT_ATTR* attr, float x0, float x1, float y0, float y1)
+void drawGrid(GRAPH_STRUCT* g, const ELEMENT_ATTR* attr, float x0, float x1, float y0, float y1, const Span& onX,
+              const Span& onY)
 {
     tkLineWidth(1);
     tkLineStipple(g->gridStippleFactor, g->gridStipplePattern);
@@ -269,7 +307,7 @@ void drawGrid(GRAPH_STRUCT* g, const ELEMENT_ATTR* attr, float x0, float x1, flo
         if (g->gridyAuto)
             KGraphGetAutoParaY(&g->gridySpace, &g->gridyRef, &scratchSub, y0, y1, g->height);
         tkBegin(GL_LINES);
-        eachLine(firstInside(g->gridyRef, y0, g->gridySpace), y1, g->gridySpace, axisOf(y0, y1, g->height),
+        eachLine(firstInside(g->gridyRef, y0, g->gridySpace), y1, g->gridySpace, axisOf(y0, y1, g->height, onY),
                  [g](float p, double) { tkVertex2f(0, p), tkVertex2f(g->width, p); });
         tkEnd();
     }
@@ -277,22 +315,22 @@ void drawGrid(GRAPH_STRUCT* g, const ELEMENT_ATTR* attr, float x0, float x1, flo
         if (g->gridxAuto)
             KGraphGetAutoParaX(&g->gridxSpace, &g->gridxRef, &scratchSub, x0, x1, g->width);
         tkBegin(GL_LINES);
-        eachLine(firstInside(g->gridxRef, x0, g->gridxSpace), x1, g->gridxSpace, axisOf(x0, x1, g->width),
+        eachLine(firstInside(g->gridxRef, x0, g->gridxSpace), x1, g->gridxSpace, axisOf(x0, x1, g->width, onX),
                  [g](float p, double) { tkVertex2f(p, 0), tkVertex2f(p, g->height); });
         tkEnd();
     }
 }
 
-void drawTicksY(GRAPH_STRUCT* g, float y0, float y1)
+void drawTicksY(GRAPH_STRUCT* g, float y0, float y1, const Span& onY)
 {
     if (g->tickyAuto)
         KGraphGetAutoParaY(&g->tickySpace, &g->tickyRef, &g->tickySub, y0, y1, g->height);
-    const Axis axis = axisOf(y0, y1, g->height);
+    const Axis axis = axisOf(y0, y1, g->height, onY);
     // Unlike grid lines, a major y tick may sit on the low end.
     float f = firstLine(g->tickyRef, y0, g->tickySpace);
     if (y0 <= f - g->tickySpace)
         f -= g->tickySpace;
-    LabelSide left{g, -1, -kTickLength, -0.5f, 0}, right{g, 0, 15 + g->width, -0.5f, 0};
+    LabelSide left{g, -1, -kTickLength, -0.5f, 0, false}, right{g, 0, 15 + g->width, -0.5f, 0, false};
     eachLine(f, y1, g->tickySpace, axis, [&](float p, double value) {
         tkPushMatrix();
         glTranslatef(0, p, 0);
@@ -321,12 +359,12 @@ void drawTicksY(GRAPH_STRUCT* g, float y0, float y1)
     tkEnd();
 }
 
-void drawTicksX(GRAPH_STRUCT* g, float x0, float x1)
+void drawTicksX(GRAPH_STRUCT* g, float x0, float x1, const Span& onX)
 {
     if (g->tickxAuto)
         KGraphGetAutoParaX(&g->tickxSpace, &g->tickxRef, &g->tickxSub, x0, x1, g->width);
-    const Axis axis = axisOf(x0, x1, g->width);
-    LabelSide below{g, -0.5f, 0, -1, -kTickLength - 1};
+    const Axis axis = axisOf(x0, x1, g->width, onX);
+    LabelSide below{g, -0.5f, 0, -1, -kTickLength - 1, true};
     eachLine(firstInside(g->tickxRef, x0, g->tickxSpace), x1, g->tickxSpace, axis, [&](float p, double value) {
         tkPushMatrix();
         glTranslatef(p, 0, 0);
@@ -366,13 +404,15 @@ int KDrawGraph(GRAPH_STRUCT* g, ELEMENT_ATTR* attr, int selected)
         kvColor4f(g->backgroundColor[0], g->backgroundColor[1], g->backgroundColor[2], g->backgroundColor[3]);
         drawCorners(GL_QUADS, cornerX, cornerY);
     }
-    drawGrid(g, attr, x0, x1, y0, y1);
+    Span onX, onY;
+    spansOnScreen(w, h, onX, onY);
+    drawGrid(g, attr, x0, x1, y0, y1, onX, onY);
     tkLineStipple(1, 0xFFFF);
     kvColor4f(attr->strokeColor[0], attr->strokeColor[1], attr->strokeColor[2], attr->strokeColor[3]);
     if (g->ticky || g->tickyr)
-        drawTicksY(g, y0, y1);
+        drawTicksY(g, y0, y1, onY);
     if (g->tickx)
-        drawTicksX(g, x0, x1);
+        drawTicksX(g, x0, x1, onX);
     if (selected && attr->live != 1) {
         setSelectionPen(1);
     } else {

@@ -146,6 +146,19 @@ TEST_F(Graph, AbsurdRangesAndSpacingsDrawAndEnd)
     }
 }
 
+// Ticks closer than their labels are high get a label only where it overlaps none: rows stay
+// blank between the labels.
+TEST_F(Graph, CrowdedLabelsStayApart)
+{
+    GraphFields g = timeGraph();
+    g.tickyAuto = 0, g.tickySpace = 5;
+    const Shot l = left(load(blackPage().graph(g)));
+    int blank = 0;
+    for (float v = 100; v < 300; ++v)
+        blank += !l.ink(50, v, 86, v + 1).lit;
+    EXPECT_GT(blank, 60);
+}
+
 // Outline only, ranges 0 to 100 held fixed; a time graph holds 500 samples at 10 a second.
 GraphFields bareGraph(int type, float x, float y, float width, float height)
 {

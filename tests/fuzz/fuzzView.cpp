@@ -56,13 +56,17 @@ bool prepareDrawing(int side)
 
 bool runView(const uint8_t* data, size_t size, int frames)
 {
+    // A tenth of a second per cycle: a graph at its default rate takes a sample in each.
+    constexpr double kCycleSeconds = 0.1;
     VIEW_STRUCT* view = krViewLoadData(data, size);
     if (!view)
         return false;
     drawFrame(view);
     expectZero(krViewStart(view), "krViewStart");
-    for (int i = 0; i < frames; ++i)
+    for (int i = 0; i < frames; ++i) {
+        expectZero(krViewPutData(view, kCycleSeconds), "krViewPutData");
         drawFrame(view);
+    }
     expectZero(krViewStop(view), "krViewStop");
     krViewFree(view);
     return true;

@@ -16,8 +16,9 @@ void prepareProcess();
 // it; false when the machine offers none. Without it runView draws nothing.
 bool prepareDrawing(int side = 96);
 
-// Loads the bytes, draws a frame, starts, draws `frames` more, stops and frees. False when
-// the bytes didn't load.
+// Loads the bytes, draws a frame, starts in mode 1, draws `frames` more, each after a data
+// cycle that moves the view clock (graphs sample their traces), stops and frees. False when the
+// bytes didn't load.
 bool runView(const uint8_t* data, size_t size, int frames);
 
 } // namespace k2dfuzz

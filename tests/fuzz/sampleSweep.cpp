@@ -4,10 +4,12 @@
 #include "fuzzView.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <iterator>
 #include <set>
@@ -34,6 +36,35 @@ constexpr size_t kTextSizeAt = 120;
 constexpr size_t kLengthAt = 148;
 constexpr size_t kTextAt = 152;
 
+// Byte offsets in a graph record's body, and its size.
+constexpr size_t kGraphTypeAt = 0;
+constexpr size_t kGraphXAt = 4;
+constexpr size_t kGraphYAt = 8;
+constexpr size_t kGraphWidthAt = 12;
+constexpr size_t kGraphHeightAt = 16;
+constexpr size_t kGraphYminAt = 20;
+constexpr size_t kGraphYmaxAt = 24;
+constexpr size_t kGraphXminAt = 28;
+constexpr size_t kGraphXmaxAt = 32;
+constexpr size_t kGraphRateAt = 36;
+constexpr size_t kGraphAutoscaleAt = 40;
+constexpr size_t kGraphAutoscaleXAt = 48;
+constexpr size_t kGraphSamplesAt = 56;
+constexpr size_t kGridAutoAt = 108; // x, then y
+constexpr size_t kGridSpaceAt = 116;
+constexpr size_t kTickAutoAt = 176;
+constexpr size_t kTickSpaceAt = 184;
+constexpr size_t kLabelFixXAt = 288;
+constexpr size_t kLabelXminAt = 296;
+constexpr size_t kLabelXmaxAt = 300;
+constexpr size_t kGraphBodySize = 328;
+
+// Graphs run this many frames, each after a data cycle: enough for their traces to fill and
+// for a slow frame to show. A case may take this much processor time, sanitizers included:
+// a grid or labels drawn for each of a dense spacing's steps take seconds.
+constexpr int kGraphFrames = 100;
+constexpr double kGraphCaseSeconds = 0.6;
+
 // With K2DFUZZ_SWEEP_CASES set, each case is named before it runs: the last name printed is
 // the case that died, to be rebuilt by hand.
 bool namingCases = false;
@@ -57,6 +88,13 @@ void setInteger(Bytes& bytes, size_t at, int32_t value)
         bytes[at + size_t(i)] = uint8_t(uint32_t(value) >> (24 - 8 * i));
 }
 
+void setReal(Bytes& bytes, size_t at, float value)
+{
+    uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    setInteger(bytes, at, int32_t(bits));
+}
+
 // A counted string as a file stores it: its length with the terminator, then the bytes.
 Bytes counted(const char* text)
 {
@@ -67,14 +105,15 @@ Bytes counted(const char* text)
     return bytes;
 }
 
-// Where the fields of each text record begin: the texts the reader found, sought again in the
-// bytes by the kind code, name and id that open their records.
-void findTextBodies(const Bytes& bytes, const ELEMENT_STRUCT* list, std::set<size_t>& bodies)
+// Where the fields of each record of element type `type` begin: the elements the reader found,
+// sought again in the bytes by the kind code, name and id that open their records.
+void findBodies(const Bytes& bytes, const ELEMENT_STRUCT* list, uint32_t type, size_t bodySize,
+                std::set<size_t>& bodies)
 {
     for (const ELEMENT_STRUCT* e = list; e; e = e->next) {
         if (e->type == KR_GROUP)
-            findTextBodies(bytes, e->child, bodies);
-        if (e->type != KR_TEXT)
+            findBodies(bytes, e->child, type, bodySize, bodies);
+        if (e->type != type)
             continue;
         Bytes opening = counted(e->name), id = counted(e->id);
         opening.insert(opening.end(), id.begin(), id.end());
@@ -84,7 +123,8 @@ void findTextBodies(const Bytes& bytes, const ELEMENT_STRUCT* list, std::set<siz
         for (auto at = find(bytes.begin() + 4); at != bytes.end(); at = find(at + 1)) {
             const size_t start = size_t(at - bytes.begin());
             const int32_t kind = integerAt(bytes, start - 4);
-            if ((kind == KR_TEXT || kind == KR_TEXT_OLD) && start + opening.size() + kTextAt <= bytes.size())
+            const bool sameKind = kind == int32_t(type) || (type == KR_TEXT && kind == KR_TEXT_OLD);
+            if (sameKind && start + opening.size() + bodySize <= bytes.size())
                 bodies.insert(start + opening.size());
         }
     }
@@ -111,6 +151,89 @@ const IntegerGarble kIntegerGarbles[] = {
     {kLengthAt, -2, "text length -2"},
 };
 
+// A graph field and the value written there, an integer or a real.
+struct GraphField {
+    size_t at;
+    bool integer;
+    int32_t whole;
+    float real;
+};
+
+constexpr GraphField integerField(size_t at, int32_t value)
+{
+    return {at, true, value, 0};
+}
+
+constexpr GraphField realField(size_t at, float value)
+{
+    return {at, false, 0, value};
+}
+
+// Ranges set by hand: y, x of an xy graph, and the x labels of a time graph.
+std::vector<GraphField> yRange(float lo, float hi)
+{
+    return {integerField(kGraphAutoscaleAt, 0), realField(kGraphYminAt, lo), realField(kGraphYmaxAt, hi)};
+}
+
+std::vector<GraphField> xyRange(float lo, float hi)
+{
+    return {integerField(kGraphTypeAt, 1), integerField(kGraphAutoscaleXAt, 0), realField(kGraphXminAt, lo),
+            realField(kGraphXmaxAt, hi)};
+}
+
+std::vector<GraphField> xLabels(float lo, float hi)
+{
+    return {integerField(kLabelFixXAt, 1), realField(kLabelXminAt, lo), realField(kLabelXmaxAt, hi)};
+}
+
+// Spacings of grid and ticks on both axes, set by hand.
+std::vector<GraphField> spacings(float space)
+{
+    std::vector<GraphField> fields;
+    for (size_t axis = 0; axis < 2; ++axis)
+        for (size_t at : {kGridAutoAt, kTickAutoAt})
+            fields.push_back(integerField(at + 4 * axis, 0));
+    for (size_t axis = 0; axis < 2; ++axis)
+        for (size_t at : {kGridSpaceAt, kTickSpaceAt})
+            fields.push_back(realField(at + 4 * axis, space));
+    return fields;
+}
+
+// An xy graph of 200 x 200 units at the page's origin, where the sweep's window is, showing 0
+// to 200 on both axes, so that a spacing's lines per pixel are known.
+std::vector<GraphField> squareSpacings(float space)
+{
+    std::vector<GraphField> fields = spacings(space);
+    for (GraphField f : {integerField(kGraphTypeAt, 1), integerField(kGraphAutoscaleAt, 0),
+                         integerField(kGraphAutoscaleXAt, 0), realField(kGraphXAt, 0), realField(kGraphYAt, 0),
+                         realField(kGraphWidthAt, 200), realField(kGraphHeightAt, 200), realField(kGraphXminAt, 0),
+                         realField(kGraphXmaxAt, 200), realField(kGraphYminAt, 0), realField(kGraphYmaxAt, 200)})
+        fields.push_back(f);
+    return fields;
+}
+
+struct GraphGarble {
+    const char* what;
+    std::vector<GraphField> fields;
+};
+
+const GraphGarble kGraphGarbles[] = {
+    {"rate 0", {realField(kGraphRateAt, 0)}},
+    {"rate -10", {realField(kGraphRateAt, -10)}},
+    {"rate NaN", {realField(kGraphRateAt, NAN)}},
+    {"samples 2^31-1", {integerField(kGraphSamplesAt, INT32_MAX)}},
+    {"y range 50 to 50", yRange(50, 50)},
+    {"y range NaN", yRange(NAN, NAN)},
+    {"xy, x range 50 to 50", xyRange(50, 50)},
+    {"xy, x range NaN", xyRange(NAN, NAN)},
+    {"x labels 50 to 50", xLabels(50, 50)},
+    {"x labels NaN", xLabels(NAN, NAN)},
+    {"a frame 1e7 units wide and high", {realField(kGraphWidthAt, 1e7f), realField(kGraphHeightAt, 1e7f)}},
+    {"grid and ticks 1e-30 apart", spacings(1e-30f)},
+    {"grid and ticks 0.001 apart on 200 units", squareSpacings(0.001f)},
+    {"grid and ticks 0.9 apart on 200 units", squareSpacings(0.9f)},
+};
+
 // Unknown, empty, and a field with no terminator.
 const std::string kFamilyGarbles[] = {"No Such Family", "", std::string(kFamilySize, 'W')};
 
@@ -119,25 +242,15 @@ void run(const Bytes& bytes, size_t size)
     runView(bytes.data(), size, kFramesRunning);
 }
 
-// Returns false when the sample itself doesn't load.
-bool sweepSample(const std::string& name, const Bytes& sample, size_t& textRecords)
-{
-    describe("sweep: %s whole\n", name.c_str());
-    if (!runView(sample.data(), sample.size(), kFramesRunning)) {
-        std::fprintf(stderr, "sweep: %s doesn't load\n", name.c_str());
-        return false;
-    }
-    for (size_t cut = 0; cut < sample.size(); ++cut) {
-        describe("sweep: %s cut to %zu bytes\n", name.c_str(), cut);
-        run(sample, cut);
-    }
+// What the sweep found to garble, its slowest graph case and the graph cases over time.
+struct Tally {
+    size_t textRecords = 0, graphRecords = 0, slowCases = 0;
+    double slowestSeconds = 0;
+    std::string slowest;
+};
 
-    std::set<size_t> bodies;
-    if (VIEW_STRUCT* view = krViewLoadData(sample.data(), sample.size())) {
-        findTextBodies(sample, view->elements, bodies);
-        krViewFree(view);
-    }
-    textRecords += bodies.size();
+void garbleTexts(const std::string& name, const Bytes& sample, const std::set<size_t>& bodies)
+{
     for (size_t body : bodies) {
         for (const IntegerGarble& garble : kIntegerGarbles) {
             describe("sweep: %s, text at %zu with %s\n", name.c_str(), body, garble.what);
@@ -153,8 +266,60 @@ bool sweepSample(const std::string& name, const Bytes& sample, size_t& textRecor
             run(copy, copy.size());
         }
     }
+}
 
-    std::printf("sweep: %s: %zu cuts, %zu text records garbled\n", name.c_str(), sample.size(), bodies.size());
+void garbleGraphs(const std::string& name, const Bytes& sample, const std::set<size_t>& bodies, Tally& tally)
+{
+    for (size_t body : bodies)
+        for (const GraphGarble& garble : kGraphGarbles) {
+            describe("sweep: %s, graph at %zu with %s\n", name.c_str(), body, garble.what);
+            Bytes copy = sample;
+            for (const GraphField& field : garble.fields) {
+                if (field.integer)
+                    setInteger(copy, body + field.at, field.whole);
+                else
+                    setReal(copy, body + field.at, field.real);
+            }
+            // Processor time, which other work on the machine barely changes.
+            const std::clock_t start = std::clock();
+            runView(copy.data(), copy.size(), kGraphFrames);
+            const double seconds = double(std::clock() - start) / CLOCKS_PER_SEC;
+            const std::string what = name + ", graph with " + garble.what;
+            describe("sweep: %.3f s\n", seconds);
+            if (seconds > kGraphCaseSeconds) {
+                std::fprintf(stderr, "sweep: %s took %.2f s\n", what.c_str(), seconds);
+                ++tally.slowCases;
+            }
+            if (seconds > tally.slowestSeconds)
+                tally.slowestSeconds = seconds, tally.slowest = what;
+        }
+}
+
+// Returns false when the sample itself doesn't load.
+bool sweepSample(const std::string& name, const Bytes& sample, Tally& tally)
+{
+    describe("sweep: %s whole\n", name.c_str());
+    if (!runView(sample.data(), sample.size(), kFramesRunning)) {
+        std::fprintf(stderr, "sweep: %s doesn't load\n", name.c_str());
+        return false;
+    }
+    for (size_t cut = 0; cut < sample.size(); ++cut) {
+        describe("sweep: %s cut to %zu bytes\n", name.c_str(), cut);
+        run(sample, cut);
+    }
+
+    std::set<size_t> texts, graphs;
+    if (VIEW_STRUCT* view = krViewLoadData(sample.data(), sample.size())) {
+        findBodies(sample, view->elements, KR_TEXT, kTextAt, texts);
+        findBodies(sample, view->elements, KR_GRAPH, kGraphBodySize, graphs);
+        krViewFree(view);
+    }
+    garbleTexts(name, sample, texts);
+    garbleGraphs(name, sample, graphs, tally);
+    tally.textRecords += texts.size();
+    tally.graphRecords += graphs.size();
+    std::printf("sweep: %s: %zu cuts, %zu text and %zu graph records garbled\n", name.c_str(), sample.size(),
+                texts.size(), graphs.size());
     std::fflush(stdout);
     return true;
 }
@@ -173,19 +338,20 @@ int sweepSamples(const fs::path& dir)
         return 1;
     }
     namingCases = std::getenv("K2DFUZZ_SWEEP_CASES") != nullptr;
-    size_t textRecords = 0;
+    Tally tally;
     for (const fs::path& path : samples) {
         std::ifstream in(path, std::ios::binary);
         const Bytes sample{std::istreambuf_iterator<char>(in), {}};
-        if (!sweepSample(path.filename().string(), sample, textRecords))
+        if (!sweepSample(path.filename().string(), sample, tally))
             return 1;
     }
-    if (textRecords == 0) {
-        std::fprintf(stderr, "sweep: no text record found to garble in %s\n", dir.c_str());
+    if (tally.textRecords == 0 || tally.graphRecords == 0) {
+        std::fprintf(stderr, "sweep: no text or no graph record found to garble in %s\n", dir.c_str());
         return 1;
     }
-    std::printf("sweep: %zu samples ran\n", samples.size());
-    return 0;
+    std::printf("sweep: %zu samples ran; slowest graph case %.3f s: %s\n", samples.size(), tally.slowestSeconds,
+                tally.slowest.c_str());
+    return tally.slowCases == 0 ? 0 : 1;
 }
 
 } // namespace k2dfuzz
