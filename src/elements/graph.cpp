@@ -185,8 +185,8 @@ int KGraphGetAutoParaY(float* space, float* ref, int* sub, float lo, float hi, f
 namespace {
 
 // Lines of one kind on one axis; a record may hold any range or spacing, so the walk along
-// an axis gives up after this many steps of the spacing.
-constexpr double kMaxLines = 100000;
+// an axis gives up after drawing this many.
+constexpr int kMaxLines = 100000;
 constexpr float kTickLength = 12, kSubTickLength = 5;
 // Lines this far beyond the window (pixels) are still drawn: their labels may reach into it.
 constexpr double kLabelReach = 256;
@@ -244,7 +244,7 @@ float firstLine(float ref, float lo, float space)
 // than one that fits. Lines less than a pixel apart paint the same pixels: of those only every
 // k-th is drawn, k the lines a pixel holds. Lines before the window are passed over k at a
 // time, which keeps the lines drawn in place while the view scrolls. Ends when f stops growing
-// (a spacing lost in f's precision) or after kMaxLines steps.
+// (a spacing lost in f's precision) or after kMaxLines lines.
 template <class Line> void eachLine(double first, float hi, float space, const Axis& axis, Line line)
 {
     const double perPixel = 1 / (double(space) * std::fabs(double(axis.s)) * axis.span.pixels);
@@ -252,10 +252,11 @@ template <class Line> void eachLine(double first, float hi, float space, const A
     const double v0 = (axis.span.from - axis.o) / axis.s, v1 = (axis.span.to - axis.o) / axis.s;
     const double highest = std::fmax(v0, v1), before = (std::fmin(v0, v1) - first) / double(space);
     double n = before > 0 ? std::floor(before / stride) * stride : 0;
-    for (double f = first + n * double(space); n < kMaxLines && hi >= f && highest >= f && space > 0; n += stride) {
+    double f = first + n * double(space);
+    for (int drawn = 0; drawn < kMaxLines && hi >= f && highest >= f && space > 0; ++drawn, n += stride) {
         line(axis.at(f), f);
         const double next = first + (n + stride) * double(space);
-        if (!(next > f))
+        if (!(f + double(space) > f) || !(next > f))
             break;
         f = next;
     }
