@@ -59,11 +59,13 @@ constexpr size_t kLabelXminAt = 296;
 constexpr size_t kLabelXmaxAt = 300;
 constexpr size_t kGraphBodySize = 328;
 
-// Graphs run this many frames, each after a data cycle: enough for their traces to fill and
-// for a slow frame to show. A case may take this much processor time, sanitizers included:
-// a grid or labels drawn for each of a dense spacing's steps take seconds.
-constexpr int kGraphFrames = 100;
-constexpr double kGraphCaseSeconds = 0.6;
+// Garbled graphs, and every kLongCutStride-th cut, run this many frames, each after a data
+// cycle: enough for traces to fill and for a slow frame to show (every cut so long would take
+// minutes a sample). A case may take this much processor time, sanitizers included: a grid or
+// labels drawn for each of a dense spacing's steps take seconds.
+constexpr int kLongFrames = 100;
+constexpr size_t kLongCutStride = 97;
+constexpr double kCaseSeconds = 0.6;
 
 // With K2DFUZZ_SWEEP_CASES set, each case is named before it runs: the last name printed is
 // the case that died, to be rebuilt by hand.
@@ -242,7 +244,7 @@ void run(const Bytes& bytes, size_t size)
     runView(bytes.data(), size, kFramesRunning);
 }
 
-// What the sweep found to garble, its slowest graph case and the graph cases over time.
+// What the sweep found to garble, its slowest case and the cases over time.
 struct Tally {
     size_t textRecords = 0, graphRecords = 0, slowCases = 0;
     double slowestSeconds = 0;
@@ -268,6 +270,22 @@ void garbleTexts(const std::string& name, const Bytes& sample, const std::set<si
     }
 }
 
+// Runs a case for `frames` frames, timed in processor time, which other work on the machine
+// barely changes.
+void timedRun(const std::string& what, const Bytes& bytes, size_t size, int frames, Tally& tally)
+{
+    const std::clock_t start = std::clock();
+    runView(bytes.data(), size, frames);
+    const double seconds = double(std::clock() - start) / CLOCKS_PER_SEC;
+    describe("sweep: %.3f s\n", seconds);
+    if (seconds > kCaseSeconds) {
+        std::fprintf(stderr, "sweep: %s took %.2f s\n", what.c_str(), seconds);
+        ++tally.slowCases;
+    }
+    if (seconds > tally.slowestSeconds)
+        tally.slowestSeconds = seconds, tally.slowest = what;
+}
+
 void garbleGraphs(const std::string& name, const Bytes& sample, const std::set<size_t>& bodies, Tally& tally)
 {
     for (size_t body : bodies)
@@ -280,18 +298,7 @@ void garbleGraphs(const std::string& name, const Bytes& sample, const std::set<s
                 else
                     setReal(copy, body + field.at, field.real);
             }
-            // Processor time, which other work on the machine barely changes.
-            const std::clock_t start = std::clock();
-            runView(copy.data(), copy.size(), kGraphFrames);
-            const double seconds = double(std::clock() - start) / CLOCKS_PER_SEC;
-            const std::string what = name + ", graph with " + garble.what;
-            describe("sweep: %.3f s\n", seconds);
-            if (seconds > kGraphCaseSeconds) {
-                std::fprintf(stderr, "sweep: %s took %.2f s\n", what.c_str(), seconds);
-                ++tally.slowCases;
-            }
-            if (seconds > tally.slowestSeconds)
-                tally.slowestSeconds = seconds, tally.slowest = what;
+            timedRun(name + ", graph with " + garble.what, copy, copy.size(), kLongFrames, tally);
         }
 }
 
@@ -305,7 +312,8 @@ bool sweepSample(const std::string& name, const Bytes& sample, Tally& tally)
     }
     for (size_t cut = 0; cut < sample.size(); ++cut) {
         describe("sweep: %s cut to %zu bytes\n", name.c_str(), cut);
-        run(sample, cut);
+        timedRun(name + " cut to " + std::to_string(cut) + " bytes", sample, cut,
+                 cut % kLongCutStride ? kFramesRunning : kLongFrames, tally);
     }
 
     std::set<size_t> texts, graphs;
@@ -349,7 +357,7 @@ int sweepSamples(const fs::path& dir)
         std::fprintf(stderr, "sweep: no text or no graph record found to garble in %s\n", dir.c_str());
         return 1;
     }
-    std::printf("sweep: %zu samples ran; slowest graph case %.3f s: %s\n", samples.size(), tally.slowestSeconds,
+    std::printf("sweep: %zu samples ran; slowest case %.3f s: %s\n", samples.size(), tally.slowestSeconds,
                 tally.slowest.c_str());
     return tally.slowCases == 0 ? 0 : 1;
 }
