@@ -1,9 +1,8 @@
 // Reading binary view files: header checks, revisions, the element tree, loads from memory, and
 // the handles' refusals. Cut, garbled and hostile files are the damaged-files tests' concern.
-#include "GlContext.h"
 #include "KorelEdit.h"
 #include "LoadedView.h"
-#include "ViewBuilder.h"
+#include "ViewFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -19,17 +18,7 @@ using namespace korelgen;
 
 namespace {
 
-std::string takeLog()
-{
-    char text[16384];
-    getLogMsg(text, sizeof text);
-    return text;
-}
-
-RectFields square(float x, float y, float size)
-{
-    return {x, y, x + size, y + size};
-}
+RectFields square(float x, float y, float size) { return {x, y, x + size, y + size}; }
 
 // A panel with every structure the reader knows: top-level rectangles, nested groups, a clip.
 ViewBuilder samplePanel()
@@ -63,11 +52,8 @@ TEST(ViewFileHeader, MagicAndRevisionDecideWhatIsRead)
         ViewBuilder b(c.revision / 100, c.revision % 100, c.magic);
         LoadedView loaded(b.page(1, 2, 300, 200, 1, 0, 0).rect(square(0, 0, 10)));
         EXPECT_EQ(takeLog(), c.log);
-        EXPECT_EQ(loaded.view != nullptr, c.elements >= 0);
-        if (loaded.view) {
-            EXPECT_EQ(std::make_pair(countElements(loaded.first()), krViewWidth(loaded.view)),
-                      std::make_pair(c.elements, c.width));
-        }
+        EXPECT_EQ(loaded.view ? std::make_pair(countElements(loaded.first()), krViewWidth(loaded.view))
+                              : std::make_pair(-1, 0), std::make_pair(c.elements, c.width));
     }
     EXPECT_EQ(krViewLoad("/nonexistent/view.k2d"), nullptr);
     EXPECT_EQ(takeLog(), "cannot open file /nonexistent/view.k2d\n");
@@ -85,7 +71,6 @@ TEST(ViewFromMemory, Revision304ReadsAs303AndLeavesNoTemporaryFile)
     setLogLevel(1);
     EXPECT_EQ(countElements(loaded.first()), 1);
     const std::string log = takeLog(), reading = "reading view file from ";
-    EXPECT_EQ(log.rfind("-------------------------------------\n", 0), 0u) << log;
     EXPECT_NE(log.find("Version = 3.4\n"), std::string::npos) << log;
     const size_t at = log.find(reading + "/tmp/"), from = at + reading.size();
     ASSERT_NE(at, std::string::npos) << log;

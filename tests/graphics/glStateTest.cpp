@@ -7,7 +7,6 @@
 
 #include <array>
 #include <climits>
-#include <cmath>
 #include <cstring>
 #include <tuple>
 #include <vector>
@@ -39,14 +38,6 @@ protected:
         tkLineStipple(1, 0xFFFF);
         tkLineWidth(1);
         setStipple(0, nullptr);
-    }
-
-    static void line(float x0, float y0, float x1, float y1)
-    {
-        tkBegin(GL_LINES);
-        glVertex2f(x0, y0);
-        glVertex2f(x1, y1);
-        tkEnd();
     }
 
     static bool lit(const Frame& frame, int x, int y) { return frame.at(x, y).r > 127; }
@@ -96,18 +87,6 @@ TEST_F(Blending, ColourFactorScalesEveryDrawnColourClampedToUnitRange)
     EXPECT_EQ(clear[3], 0.0f);
 }
 
-// Antialiasing smooths and blends; below an alpha of 0.98 blending alone is switched on.
-TEST_F(Blending, AntialiasOrTranslucencyBlends)
-{
-    const std::tuple<int, float, bool, bool> cases[] = {
-        {1, 1, true, true}, {0, 1, false, false}, {0, .98f, false, false}, {0, std::nextafter(.98f, 0.f), false, true}};
-    for (const auto& [antialias, alpha, smooth, blend] : cases) {
-        tkAliasBlend(antialias, alpha);
-        EXPECT_EQ(bool(glIsEnabled(GL_LINE_SMOOTH)), smooth) << antialias << ", " << alpha;
-        EXPECT_EQ(bool(glIsEnabled(GL_BLEND)), blend) << antialias << ", " << alpha;
-    }
-}
-
 // Styles 0 to 9 come from a table, any other number is solid, and solid lines are drawn with
 // stippling off. A one-pixel line along row 150 from x = 10 to 330 shows the stipple counter
 // starting at the first fragment and reading the pattern from its lowest bit, `factor` pixels a bit.
@@ -129,23 +108,13 @@ TEST_F(Lines, StylesAndStipplesReachThePixels)
         tkLineStipple(factor, pattern);
         EXPECT_EQ(bool(glIsEnabled(GL_LINE_STIPPLE)), stippled);
         kvColor4f(1, 1, 1, 1);
-        line(10, 150.5f, 330, 150.5f);
+        tkBegin(GL_LINES);
+        glVertex2f(10, 150.5f);
+        glVertex2f(330, 150.5f);
+        tkEnd();
         const Frame frame = Frame::grab();
         for (int i = -1; i <= 320; ++i) // and nothing beyond the ends
             EXPECT_EQ(lit(frame, 10 + i, 150), i >= 0 && i < 320 && (pattern >> (i / factor % 16) & 1)) << i;
-    }
-}
-
-// A horizontal line's thickness in rows, counted in one column.
-TEST_F(Lines, LineScaleMultipliesWidth)
-{
-    for (const auto& [scale, width, rows] : {std::tuple{1.f, 2, 2}, {2.f, 2, 4}, {3.f, 3, 9}}) {
-        glClear(GL_COLOR_BUFFER_BIT);
-        kvSetLineScale(scale);
-        tkLineWidth(width);
-        kvColor4f(1, 1, 1, 1);
-        line(10, 150, 390, 150);
-        EXPECT_EQ(Frame::grab().count(200, 130, 201, 170, kWhite, 100), rows) << scale << " x " << width;
     }
 }
 
