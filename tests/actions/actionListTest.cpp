@@ -107,8 +107,7 @@ TEST(ActionCopies, StoredContentAndOwnThresholds)
     ACTION_STRUCT* copy = actionCopy(source);
     delAction(nullptr, source);
     ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(copy->type, KR_ACTION_STROKE_STYLE);
-    EXPECT_EQ(copy->heldValue, nullptr);
+    EXPECT_EQ(std::make_pair(copy->type, copy->heldValue), std::make_pair(int(KR_ACTION_STROKE_STYLE), (void*)nullptr));
     Ids values;
     for (const TH_STRUCT* th = copy->styleThresholds; th; th = th->next)
         values.push_back(th->value);

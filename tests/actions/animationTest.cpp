@@ -67,11 +67,7 @@ TEST_F(Animation, TranslationsAndScalesPlaceTheElement)
     ActionFields missing = act(KR_ACTION_MOVE_X, "nosuch");
     missing.b0 = 5, missing.b1 = 6;
     setLogLevel(1);
-    struct Case {
-        int type, cg;
-        float value;
-        int x0, y0, x1, y1;
-    } cases[] = {
+    const struct { int type, cg; float value; int x0, y0, x1, y1; } cases[] = {
         {KR_ACTION_MOVE_X, 0, 50, 130, 80, 170, 120},            // by v in x
         {KR_ACTION_MOVE_Y, 0, 30, 80, 110, 120, 150},            // by v in y
         {KR_ACTION_MOVE_X_RELATIVE, 0, 0.5f, 100, 80, 140, 120}, // by v widths
@@ -84,7 +80,7 @@ TEST_F(Animation, TranslationsAndScalesPlaceTheElement)
         {KR_ACTION_SCALE_XY, 9, 2, 60, 60, 140, 140},            // both about the centre
         {KR_ACTION_SCALE_XY, 3, 0.5f, 100, 100, 120, 120},       // both about the upper right corner
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE("type " + std::to_string(c.type) + " cg " + std::to_string(c.cg));
         ViewBuilder b = blackPage();
         takeLog();
@@ -225,15 +221,13 @@ TEST_F(Animation, MappingLimitsAndFiltersShapeTheValue)
     start(b.actions({lagged}).rect(square()), {"raw"});
     const ELEMENT_STRUCT* limitedRect = view->elements;
     // Each frame counts as a step of 0.1 for the filters.
-    struct Step {
-        float raw, limited, timed, lagged;
-    } steps[] = {
+    const struct { float raw, limited, timed, lagged; } steps[] = {
         {0.25f, 7.5f, 0, 0.125f},
         {-5, 10, 0, -2.4375f},    // clamped at the upper end
         {5, 0, 5, 1.28125f},      // at the lower; 0.3 > 0.25: the time filter passes the value
         {1, 0, 5, 1.140625f},     // and holds it for the next 0.25
     };
-    for (const Step& s : steps) {
+    for (const auto& s : steps) {
         set("raw", s.raw);
         draw(view);
         SCOPED_TRACE(s.raw);

@@ -169,11 +169,7 @@ TEST_F(RunningHostileValues, FormatsShowNumbersOrThemselves)
     setAll(view, 0, 0);
     const uint64_t calm = frameHash(draw(view));
     const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
-    const struct {
-        double real;
-        int64_t integer;
-        const char *format, *var, *shown;
-    } cases[] = {
+    const struct { double real; int64_t integer; const char *format, *var, *shown; } cases[] = {
         {nan, INT64_MIN, "%5.1f", "f", "  nan"},
         {nan, INT64_MIN, "%d", "d", "0"}, // truncated, clamped to the range, nothing for NaN
         {inf, INT64_MAX, "%d", "d", "9223372036854775807"},

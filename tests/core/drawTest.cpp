@@ -94,12 +94,7 @@ ViewBuilder& clippedGroup(ViewBuilder& b, float x0, float y0, float x1, float y1
 // nested boxes, the scissor box lets the inner one replace the outer.
 TEST_F(ViewDraw, ClippingShowsOnlyTheScissorArea)
 {
-    const struct {
-        int scissorType;
-        bool nested;
-        int redX, redY, pageX, pageY;
-        int redCount;
-    } cases[] = {
+    const struct { int scissorType; bool nested; int redX, redY, pageX, pageY; int redCount; } cases[] = {
         {0, false, 150, 125, 90, 125, 100 * 50},
         {0, true, 225, 150, 275, 150, 50 * 100},
         {1, false, 150, 125, 150, 160, 100 * 50},
@@ -120,11 +115,7 @@ TEST_F(ViewDraw, ClippingShowsOnlyTheScissorArea)
         EXPECT_NEAR(f.count(0, 0, 400, 300, kRed), c.redCount, 300);
     }
     // Other kinds larger than the box show only inside it; a box of no size hides them all.
-    const struct {
-        const char* what;
-        void (*add)(ViewBuilder&);
-        float size;
-    } kinds[] = {
+    const struct { const char* what; void (*add)(ViewBuilder&); float size; } kinds[] = {
         {"text",
          [](ViewBuilder& b) { b.text({4, 150, 100, {1, 1, 1, 1}, 4, {1, 0, 0, 1}, "Arial", 1, 0, 90, 90, 0, "WWW"}); },
          50},

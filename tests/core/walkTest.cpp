@@ -53,10 +53,7 @@ TEST_F(Walk, StoppedWalkWithoutClipShowsScissorsAndClipsNothing)
     ViewBuilder b = blackPage();
     VIEW_STRUCT* v = load(b.beginGroup(2).rect(redSquare(20, 20, 40)).scissor(100, 100, 200, 150).endGroup());
     kriFindScissor(v->elements, 0, 0, 0, 0, 1);
-    const struct {
-        int run, clip;
-        bool framed;
-    } cases[] = {{0, 0, true}, {0, 1, false}, {1, 1, false}};
+    const struct { int run, clip; bool framed; } cases[] = {{0, 0, true}, {0, 1, false}, {1, 1, false}};
     for (uint32_t type : {0u, 1u})
         for (const auto& c : cases) {
             const Frame f = walk(v, c.run, c.clip, type);
@@ -69,11 +66,7 @@ TEST_F(Walk, StoppedWalkWithoutClipShowsScissorsAndClipsNothing)
 // it is flagged; the flag travels with the value, so the inner group hands it on too.
 TEST_F(Walk, FlaggedGroupLooksReachChildrenAtAnyDepth)
 {
-    const struct {
-        const char* look;
-        void (*apply)(ELEMENT_ATTR&);
-        Rgb expected;
-    } cases[] = {
+    const struct { const char* look; void (*apply)(ELEMENT_ATTR&); Rgb expected; } cases[] = {
         {"hidden", [](ELEMENT_ATTR& a) { a.visible = 0, a.visibleSet = 1; }, kBlack},
         {"green", [](ELEMENT_ATTR& a) { a.fillColor[0] = 0, a.fillColor[1] = 1, a.fillColorSet = 1; }, kGreen},
         {"green, unflagged", [](ELEMENT_ATTR& a) { a.fillColor[0] = 0, a.fillColor[1] = 1; }, kRed},

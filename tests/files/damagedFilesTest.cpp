@@ -152,10 +152,9 @@ TEST(DamagedFiles, StrokeWidthsOfNoNumberStartAndStop)
 TEST(DamagedFiles, HugeCountsInASmallFileKeepWhatWasRead)
 {
     const int32_t huge = 2000000000;
-    ImageFields picture, wider;
-    picture.width = picture.height = 60000;
+    const ImageFields picture{0, 0, 64, 64, {1, 1, 1, 1}, 60000, 60000, 0, std::vector<uint8_t>(64, 0x80)};
+    ImageFields wider = picture;
     wider.width = wider.height = 0x7FFFFFFF; // sides whose product fits no integer
-    picture.pixels = wider.pixels = std::vector<uint8_t>(64, 0x80);
     PolyFields points;
     points.storedCount = huge;
     std::vector<uint8_t> text = blackPage().text(TextFields()).bytes();

@@ -106,11 +106,7 @@ TEST(ViewFileContent, PageAndTreeAsStored)
 
 TEST(ViewFileContent, EndsAndMarkers)
 {
-    const struct {
-        const char* label;
-        std::function<void(ViewBuilder&)> write;
-        int elements;
-    } cases[] = {
+    const struct { const char* label; std::function<void(ViewBuilder&)> write; int elements; } cases[] = {
         {"ends after the page", [](ViewBuilder&) {}, 0},
         {"no marker 20 at all", [](ViewBuilder& b) { b.rect(square(0, 0, 1)).rect(square(0, 0, 2)); }, 2},
         {"a kind of -1 ends it", [](ViewBuilder& b) { b.rect(square(0, 0, 1)).integer(-1).rect(square(0, 0, 2)); }, 1},

@@ -78,12 +78,7 @@ TEST(ElementBodies, EveryKindArrivesWithItsBoxAndLooks)
 {
     // A text's box comes from its font: only its centre, the stored anchor, is known here.
     const Four measured = {-1, -1, -1, -1}, none = {0, 0, 0, 0};
-    const struct {
-        const char* label;
-        uint32_t kind;
-        Four box, stroke, fill;
-        int lineStyle, lineWidth;
-    } cases[] = {
+    const struct { const char* label; uint32_t kind; Four box, stroke, fill; int lineStyle, lineWidth; } cases[] = {
         // A graph's outline and grid colours are what colour actions reach.
         {"graph", KR_GRAPH, {11, 12, 312, 163}, {0.25f, 1, 1, 1}, {0.5f, 0.125f, 0.25f, 1}, 0, 0},
         {"polyline", KR_POLYLINE, {-5, 2, 30, 50}, {1, 1, 0.5f, 1}, {0.25f, 1, 0, 1}, 2, 4},
@@ -128,11 +123,7 @@ TEST(ElementBodies, EveryKindArrivesWithItsBoxAndLooks)
 
 TEST(ElementBodies, GraphFontOutsideTheUsableRangeFallsBack)
 {
-    const struct {
-        std::string family;
-        int style, size;
-        bool stands;
-    } cases[] = {
+    const struct { std::string family; int style, size; bool stands; } cases[] = {
         {"Helvetica [fixed]", 1, 0, false}, {"Helvetica [fixed]", 1, 41, false}, {"Helvetica [fixed]", 5, 10, false},
         {"", 1, 10, false},                 {"Helvetica [fixed]", -1, 10, false}, {"Helvetica [fixed]", 1, 40, true},
         {"Helvetica [fixed]", 4, 1, true},  {"Arial", 2, 18, true},

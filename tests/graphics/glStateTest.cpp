@@ -62,17 +62,13 @@ class FillPatterns : public GraphicsTest {};
 // page's clear colour is transparent.
 TEST_F(Blending, ColourFactorScalesEveryDrawnColourClampedToUnitRange)
 {
-    struct Case {
-        float factor[4], colour[4];
-        Rgb expected;
-    };
     // Grey shows the clamp: an unclamped red factor of 2 would double it to 204.
-    const Case cases[] = {
+    const struct { float factor[4], colour[4]; Rgb expected; } cases[] = {
         {{1, 0.5f, 1, 1}, {1, 1, 1, 1}, {255, 128, 255}}, {{1, 0.5f, 1, 1}, {0.5f, 1, 0, 1}, {128, 128, 0}},
         {{2, -1, 0.5f, 1}, {1, 1, 1, 1}, {255, 0, 128}},  {{2, -1, 0.5f, 1}, {.4f, .4f, .4f, 1}, {102, 0, 51}},
         {{1, 1, 1, 0.5f}, {1, 0, 0, 1}, {128, 0, 128}},   {{1, 1, 1, 1}, {1, 0, 0, 1}, {255, 0, 0}},
         {{1, 1, 1, 1}, {1, 0, 0, 0.5f}, {128, 0, 128}}};
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "row " << &c - cases);
         tkClearColor(0, 0, 1);
         glClear(GL_COLOR_BUFFER_BIT);
