@@ -107,8 +107,7 @@ TEST_F(Animation, ColourThresholdsPickByStrictLowerLimitAndKeepAlpha)
 // Set on a group, the width and the style reach the outline of its child.
 TEST_F(Animation, WidthAndStyleThresholdsOfAGroupChangeTheOutline)
 {
-    RectFields r = box(100, 100, 300, 200);
-    r.fillOn = 0, r.strokeOn = 1;
+    const RectFields r{100, 100, 300, 200, 1, 1, 0, {1, 1, 1, 1}, 0};
     ActionFields width = act(KR_ACTION_STROKE_WIDTH, "w");
     width.blocks[KR_THRESHOLDS_WIDTH].entries = {entry(0, 1), entry(10, 9)};
     ActionFields style = act(KR_ACTION_STROKE_STYLE, "s");
@@ -146,12 +145,9 @@ TEST_F(Animation, VisibilityHidesAGroupWithEverythingBelowIt)
 TEST_F(Animation, NeedleArcEndAndFillLevelFollowTheirValues)
 {
     const LineFields needle{160, 280, 240, 280, 3, 0, {1, 1, 1, 1}};
-    CircleFields disc;
-    disc.x = 100, disc.y = 150, disc.strokeOn = 0;
-    disc.fill[0] = 1, disc.fill[1] = 0, disc.fill[2] = 0;
-    PolyFields bar;
-    bar.closed = 1, bar.fillOn = 1, bar.strokeOn = 0;
-    bar.points = {{0, 250, 50}, {1, 350, 50}, {2, 350, 250}, {3, 250, 250}};
+    const CircleFields disc{100, 150, {0.5f, 0, 0, 0.5f}, 0, 6.2831855f, 0, 2, 0, {1, 1, 1, 1}, 1, {1, 0, 0, 1}};
+    const PolyFields bar{1, 0, 3, 0, {1, 1, 1, 1}, 1, {0, 1, 0, 1}, 0, 0,
+                         {{0, 250, 50}, {1, 350, 50}, {2, 350, 250}, {3, 250, 250}}};
     ViewBuilder b = blackPage();
     b.actions({act(KR_ACTION_ROTATE, "angle", 8)}).line(needle).actions({act(KR_ACTION_ARC_END, "end")}).circle(disc);
     b.actions({act(KR_ACTION_FILL_UP, "level")}).cpoly(bar);

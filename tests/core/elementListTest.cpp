@@ -91,11 +91,9 @@ TEST(ElementLists, DeleteUnlinksFromAnyPositionWithTheWholeTree)
         appendAction(&owner->actions, action);
     }
     elementDelete(group, &list.head);
-    EXPECT_EQ(a->next, c);
-    EXPECT_EQ(c->prev, a);
+    EXPECT_TRUE(a->next == c && c->prev == a);
     elementDelete(a, &list.head);
-    EXPECT_EQ(list.head, c);
-    EXPECT_EQ(c->prev, nullptr);
+    EXPECT_TRUE(list.head == c && c->prev == nullptr);
     EXPECT_EQ(elementDelete(nullptr, &list.head), 0);
     ELEMENT_STRUCT* empty = nullptr;
     EXPECT_EQ(elementDeleteAll(&empty), 0);

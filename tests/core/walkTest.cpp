@@ -15,10 +15,7 @@ namespace {
 
 const Rgb kRed{255, 0, 0}, kGreen{0, 255, 0}, kBlack{0, 0, 0}, kWhite{255, 255, 255};
 
-RectFields redSquare(float x0, float y0, float size)
-{
-    return RectFields{x0, y0, x0 + size, y0 + size};
-}
+RectFields redSquare(float x0, float y0, float size) { return RectFields{x0, y0, x0 + size, y0 + size}; }
 
 class Walk : public ViewTest {
 protected:
@@ -77,8 +74,7 @@ TEST_F(Walk, FlaggedGroupLooksReachChildrenAtAnyDepth)
         VIEW_STRUCT* v = load(b);
         c.apply(v->elements->attr);
         Frame f = walk(v, 1);
-        EXPECT_TRUE(PixelIs(f, 70, 70, c.expected)) << c.look;
-        EXPECT_TRUE(PixelIs(f, 220, 220, c.expected)) << c.look;
+        EXPECT_TRUE(PixelIs(f, 70, 70, c.expected) && PixelIs(f, 220, 220, c.expected)) << c.look;
     }
 }
 
@@ -90,11 +86,8 @@ TEST_F(Walk, BlinkNeedsARateAndAnEvaluation)
         load(blackPage().rect(redSquare(20, 20, 40)).rect(redSquare(120, 20, 40)).rect(redSquare(220, 20, 40)));
     const uint8_t rates[] = {0, 9, 7}, evaluated[] = {1, 1, 0};
     int i = 0;
-    for (ELEMENT_STRUCT* e = v->elements; e; e = e->next, ++i) {
-        e->attr.blink = 1;
-        e->attr.blinkRate = rates[i];
-        e->attr.blinkSet = evaluated[i];
-    }
+    for (ELEMENT_STRUCT* e = v->elements; e; e = e->next, ++i)
+        e->attr.blink = 1, e->attr.blinkRate = rates[i], e->attr.blinkSet = evaluated[i];
     for (int frame = 0; frame < 8; ++frame) {
         Frame f = walk(v, 1);
         for (int x : {40, 140, 240})

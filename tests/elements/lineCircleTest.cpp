@@ -158,7 +158,8 @@ TEST_F(LineCircle, StrokesFollowTheRim)
 {
     CircleFields half = disc(200, 150, 0.8f, 0, 0, 0.8f, 0, kPi), ring = disc(40, 40, 0.05f, 0, 0, 0.05f);
     half.strokeOn = ring.strokeOn = 1, half.strokeWidth = 3, ring.strokeWidth = 1, ring.fillOn = 0;
-    paint(half.stroke, kGreen), paint(ring.stroke, kGreen);
+    for (float* stroke : {half.stroke, ring.stroke})
+        paint(stroke, kGreen);
     Frame f = draw(load(blackPage().arc(half).circle(ring)));
     const int cx = int(pixelX(200)), cy = int(pixelY(150));
     // The lower half only, and no chord across the centre.
@@ -178,7 +179,8 @@ TEST_F(LineCircle, SelectedShapesShowARedDashedOutlineWhileStopped)
 {
     CircleFields c = disc(100, 150, 0.5f, 0, 0, 0.5f);
     RectFields low{200, 220, 210, 230}, high{340, 270, 350, 280};
-    paint(c.fill, kGreen), paint(low.fill, kGreen), paint(high.fill, kGreen);
+    for (float* fill : {c.fill, low.fill, high.fill})
+        paint(fill, kGreen);
     // The polygon's frame runs along its lower edge at y = 10 from x = 10 to 60; the group's
     // box is 200..350 x 220..280.
     ViewBuilder b = blackPage().circle(c).line(segment(200, 150, 350, 150, 5)).cpoly(PolyFields());
