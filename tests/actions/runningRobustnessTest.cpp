@@ -159,8 +159,9 @@ using RunningHostileValues = ViewTest;
 
 // Every action type survives values no sensor should send, and the panel comes back once they
 // are gone. A format shows a number of the variable's code, or itself, as typed, where printf
-// can't take it with one number (which formats those are, the formatter's own tests say). A text variable is shown as the host wrote it, up to the 255
-// characters it holds, even when it looks like a format.
+// can't take it with one number (which formats those are, the formatter's own tests say). A
+// text variable is shown as the host wrote it, up to the 255 characters it holds, even when it
+// looks like a format.
 TEST_F(RunningHostileValues, FormatsShowNumbersOrThemselves)
 {
     VIEW_STRUCT* view = load(hostilePanel());

@@ -175,8 +175,9 @@ TEST(Platform, LoadsLibrariesAndSymbolsAndPrintsWhyTheLoaderRefused)
 
     CaptureStdout();
     // dlopen would give the program itself for a null path.
-    EXPECT_EQ(std::vector<void*>({apiDllGetSymbol(lib, "krdNoSuchEntryInfo"), apiDllOpen("/nonexistent/libKrdMissing.so"),
-                                  apiDllGetSymbol(lib, nullptr), apiDllOpen(nullptr)}),
+    EXPECT_EQ(std::vector<void*>({apiDllGetSymbol(lib, "krdNoSuchEntryInfo"),
+                                  apiDllOpen("/nonexistent/libKrdMissing.so"), apiDllGetSymbol(lib, nullptr),
+                                  apiDllOpen(nullptr)}),
               std::vector<void*>(4, nullptr));
     EXPECT_TRUE(RE::FullMatch(GetCapturedStdout(), "apiDllGetSymbol: [^\n]*krdNoSuchEntryInfo[^\n]*\n"
                                                     "apiDllOpen: [^\n]*/nonexistent/libKrdMissing.so[^\n]*\n"

@@ -41,8 +41,9 @@ TEST_F(ImageDraw, PixelsFillTheirQuadrantsTintedAndFaded)
 {
     const Rgb redTint[4] = {kRed, kBlack, kBlack, kRed}, seeThrough[4] = {kRed, kGreen, kBlue, kBlack};
     const Rgb halfFaded[4] = {{128, 0, 0}, {0, 128, 0}, {0, 0, 128}, {128, 128, 128}};
-    const struct { float tint[4]; uint8_t whiteAlpha; const Rgb* expected; } cases[] = {{{1, 1, 1, 1}, 255, kAsStored}, {{1, 0, 0, 1}, 255, redTint}, {{1, 1, 1, 0.5f}, 255, halfFaded},
-                 {{1, 1, 1, 1}, 0, seeThrough}};
+    const struct { float tint[4]; uint8_t whiteAlpha; const Rgb* expected; } cases[] = {
+        {{1, 1, 1, 1}, 255, kAsStored}, {{1, 0, 0, 1}, 255, redTint}, {{1, 1, 1, 0.5f}, 255, halfFaded},
+        {{1, 1, 1, 1}, 0, seeThrough}};
     for (const auto& c : cases) {
         ImageFields f = quartered(100, c.whiteAlpha);
         std::copy(c.tint, c.tint + 4, f.tint);

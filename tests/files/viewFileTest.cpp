@@ -80,7 +80,7 @@ TEST(ViewFromMemory, Revision304ReadsAs303AndLeavesNoTemporaryFile)
     EXPECT_EQ(krViewLoadData(nullptr, 0), nullptr);
 }
 
-// Page and tree as stored; a group's box is the union of its children's, about its centre.
+// Page and tree as stored. (The boxes and centres of groups are the geometry tests' concern.)
 TEST(ViewFileContent, PageAndTreeAsStored)
 {
     LoadedView loaded(samplePanel());
@@ -96,11 +96,7 @@ TEST(ViewFileContent, PageAndTreeAsStored)
     EXPECT_EQ(topLevel, (std::vector<std::string>{"first", "outer", "nobody", "last"}));
     const ELEMENT_STRUCT* outer = v->elements->next;
     EXPECT_EQ(std::make_pair(outer->next->type, outer->next->data), std::make_pair(9u, (void*)nullptr));
-    EXPECT_EQ(std::vector<float>(outer->bounds, outer->bounds + 4), (std::vector<float>{100, 100, 230, 180}));
-    EXPECT_EQ(std::make_pair(outer->x, outer->y), std::make_pair(165.0f, 140.0f));
-    const ELEMENT_STRUCT* inner = outer->child->next;
-    EXPECT_EQ(std::make_pair(inner->x, inner->y), std::make_pair(210.0f - 165, 160.0f - 140));
-    EXPECT_EQ(inner->child->parent, inner);
+    EXPECT_EQ(outer->child->next->child->parent, outer->child->next);
 }
 
 TEST(ViewFileContent, EndsAndMarkers)

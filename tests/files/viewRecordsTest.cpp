@@ -296,8 +296,7 @@ TEST(ActionRecordsInFiles, EveryTypeGivesBackEveryStoredField)
     expectAction(numberedAction(KR_ACTION_INPUT), group->child->next->actions);
     // The next element follows in step, with no action of its own.
     ASSERT_NE(group->next, nullptr);
-    EXPECT_STREQ(group->next->name, "still");
-    EXPECT_EQ(group->next->actions, nullptr);
+    EXPECT_TRUE(std::string(group->next->name) == "still" && !group->next->actions);
 }
 
 VariableFields variable(const std::string& name, int capacity, std::vector<ParaFields> params)
@@ -309,18 +308,13 @@ VariableFields variable(const std::string& name, int capacity, std::vector<ParaF
 // keep the stream in step.
 TEST(DataSectionsInFiles, SourcesKeepTheirStoredCountsAndTexts)
 {
-    SourceFields few;
-    few.id = 3;
-    few.dataParams = {{7, "4711"}, {1, "big"}, {0, ""}};
-    few.varParamCount = 2;
-    few.variables = {variable("level", 64, {{2, "offset 8"}, {5, std::string(63, 'x')}}),
-                     variable("flow", 63, {{3, std::string(62, 'y')}}),
-                     variable("long", 300, {{1, std::string(299, 'z')}})};
-    SourceFields many;
-    many.id = 1234;
+    const SourceFields few{3, {{7, "4711"}, {1, "big"}, {0, ""}}, 2,
+                           {variable("level", 64, {{2, "offset 8"}, {5, std::string(63, 'x')}}),
+                            variable("flow", 63, {{3, std::string(62, 'y')}}),
+                            variable("long", 300, {{1, std::string(299, 'z')}})}};
+    SourceFields many{1234, {}, 0, {variable("bare", 64, {})}};
     for (int i = 0; i < 12; ++i)
         many.dataParams.push_back({i, "p" + std::to_string(i)});
-    many.variables = {variable("bare", 64, {})};
     ViewBuilder b = blackPage();
     b.dataSection({few, many}).rect(RectFields(), "between");
     // A parameter with no stored text leaves its slot empty and the stream in step.

@@ -22,6 +22,7 @@ struct Ink {
     int lit = 0, x0 = 1 << 30, y0 = 1 << 30, x1 = 0, y1 = 0;
     int width() const { return lit ? x1 - x0 : 0; }
     int height() const { return lit ? y1 - y0 : 0; }
+    bool operator==(const Ink& o) const { return lit == o.lit && x0 == o.x0 && y0 == o.y0 && x1 == o.x1 && y1 == o.y1; }
 };
 
 inline std::ostream& operator<<(std::ostream& out, const Rgb& c)
