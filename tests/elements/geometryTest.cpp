@@ -17,9 +17,7 @@ namespace {
 
 const float kPi = 3.14159265f, kCos30 = 50 * 0.8660254f;
 
-struct Box {
-    float xmin, ymin, xmax, ymax;
-};
+struct Box { float xmin, ymin, xmax, ymax; };
 
 ::testing::AssertionResult HasBounds(const ELEMENT_STRUCT* e, Box b)
 {

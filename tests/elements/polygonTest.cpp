@@ -35,10 +35,7 @@ ViewBuilder polygon(int kind, const PolyFields& s) { return kind == KR_CPOLY ? p
 
 POLY_STRUCT* polyOf(const ELEMENT_STRUCT* e) { return static_cast<POLY_STRUCT*>(e->data); }
 
-struct Probe {
-    int x, y;
-    Rgb colour;
-};
+struct Probe { int x, y; Rgb colour; };
 
 using PolygonDraw = ViewTest;
 
@@ -46,8 +43,8 @@ using PolygonDraw = ViewTest;
 // closing edge of the outline (the box's left side) shows only where the stored flag closes it.
 TEST_F(PolygonDraw, FillAndPickLeaveTheNotchAndOutlineClosesOnlyWhenClosed)
 {
-    const struct { float x, y; bool inside; } ell[] = {{250, 75, true},  {125, 200, true},  {225, 175, false},
-               {50, 75, false},  {125, 270, false}, {350, 75, false}};
+    const struct { float x, y; bool inside; } ell[] = {
+        {250, 75, true}, {125, 200, true}, {225, 175, false}, {50, 75, false}, {125, 270, false}, {350, 75, false}};
     for (int kind : {KR_CPOLY, KR_POLYLINE}) {
         SCOPED_TRACE(kind);
         VIEW_STRUCT* v = load(polygon(kind, shape(kEll)));
