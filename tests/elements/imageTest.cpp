@@ -41,13 +41,10 @@ TEST_F(ImageDraw, PixelsFillTheirQuadrantsTintedAndFaded)
 {
     const Rgb redTint[4] = {kRed, kBlack, kBlack, kRed}, seeThrough[4] = {kRed, kGreen, kBlue, kBlack};
     const Rgb halfFaded[4] = {{128, 0, 0}, {0, 128, 0}, {0, 0, 128}, {128, 128, 128}};
-    struct Case {
-        float tint[4];
-        uint8_t whiteAlpha;
-        const Rgb* expected;
-    } cases[] = {{{1, 1, 1, 1}, 255, kAsStored}, {{1, 0, 0, 1}, 255, redTint}, {{1, 1, 1, 0.5f}, 255, halfFaded},
-                 {{1, 1, 1, 1}, 0, seeThrough}};
-    for (const Case& c : cases) {
+    const struct { float tint[4]; uint8_t whiteAlpha; const Rgb* expected; } cases[] = {
+        {{1, 1, 1, 1}, 255, kAsStored}, {{1, 0, 0, 1}, 255, redTint}, {{1, 1, 1, 0.5f}, 255, halfFaded},
+        {{1, 1, 1, 1}, 0, seeThrough}};
+    for (const auto& c : cases) {
         ImageFields f = quartered(100, c.whiteAlpha);
         std::copy(c.tint, c.tint + 4, f.tint);
         const Frame frame = draw(load(blackPage().image(f)));
@@ -65,7 +62,6 @@ TEST_F(ImageDraw, PixelsFillTheirQuadrantsTintedAndFaded)
 // wider than the driver's limit never shows and says why at each try; the rest draws.
 TEST_F(ImageDraw, PicturesOutliveTheirContextUnlessTooLarge)
 {
-    const auto takeLog = [] { char log[16384]; return getLogMsg(log, sizeof log), std::string(log); };
     GLint limit = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
     ImageFields wide = quartered(0);

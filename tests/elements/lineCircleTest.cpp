@@ -25,9 +25,7 @@ void paint(float target[4], Rgb c)
 
 LineFields segment(float x1, float y1, float x2, float y2, float width = 1, int style = 0)
 {
-    LineFields s{x1, y1, x2, y2, width, style};
-    paint(s.stroke, kTeal);
-    return s;
+    return {x1, y1, x2, y2, width, style, {0.2f, 0.8f, 0.6f, 1}}; // teal
 }
 
 // A red ellipse section without outline about (x, y); the file scales a radius of 100.
@@ -40,10 +38,7 @@ CircleFields disc(float x, float y, float m00, float m01, float m10, float m11, 
 }
 
 // Some pixel of the 3 x 3 block about (x, y) has the colour.
-bool litNear(const Frame& f, int x, int y, Rgb c)
-{
-    return f.count(x - 1, y - 1, x + 2, y + 2, c, 40) > 0;
-}
+bool litNear(const Frame& f, int x, int y, Rgb c) { return f.count(x - 1, y - 1, x + 2, y + 2, c, 40) > 0; }
 
 using LineCircle = ViewTest;
 
@@ -56,8 +51,7 @@ ViewBuilder placed(Placement placement, const LineFields& line)
 {
     ActionFields moveX;
     moveX.type = KR_ACTION_MOVE_X, moveX.var = "v";
-    RectFields unpainted;
-    unpainted.fillOn = 0;
+    const RectFields unpainted{0, 0, 10, 10, 0, 1, 0, {1, 1, 1, 1}, 0};
     switch (placement) {
     case kThreeGroupsDeep:
         return blackPage().beginGroup(2).rect(unpainted).beginGroup(1).beginGroup(1).line(line).endGroup().endGroup()
@@ -75,12 +69,7 @@ ViewBuilder placed(Placement placement, const LineFields& line)
 TEST_F(LineCircle, LineLightsItsSegmentAndNothingElse)
 {
     const LineFields stored = segment(50, 80, 150, 80, 3);
-    struct Case {
-        const char* label;
-        LineFields line;
-        Placement placement;
-        float x, y, zoom;
-    } cases[] = {
+    const struct { const char* label; LineFields line; Placement placement; float x, y, zoom; } cases[] = {
         {"flat and wide", segment(60, 150, 340, 150, 3), kAlone, 0, 0, 1},
         {"upright", segment(200, 40, 200, 260, 5), kAlone, 0, 0, 1},
         {"rising", segment(100, 50, 250, 200, 1), kAlone, 0, 0, 1},
@@ -90,7 +79,7 @@ TEST_F(LineCircle, LineLightsItsSegmentAndNothingElse)
         {"zoomed in a group with actions", stored, kInAGroupWithActions, 20, 10, 2},
         {"zoomed with actions of its own", stored, kWithActionsOfItsOwn, 20, 10, 2},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
         Frame f = draw(load(placed(c.placement, c.line)), c.x, c.y, c.zoom);
         const LineFields& l = c.line;
@@ -134,18 +123,15 @@ TEST_F(LineCircle, DashedLineLeavesGaps)
 // Fills, and picks, reach the rim of the ellipse the matrix makes, whatever its size and turn.
 TEST_F(LineCircle, FillCoversTheEllipseOfItsMatrix)
 {
-    struct Case {
-        const char* label;
-        float m[4];
-        float halfX, halfY; // extent along the axes, in units
-    } cases[] = {
+    // The extent along the axes, in units.
+    const struct { const char* label; float m[4]; float halfX, halfY; } cases[] = {
         {"circle", {0.5f, 0, 0, 0.5f}, 50, 50},
         {"wide", {1, 0, 0, 0.4f}, 100, 40},
         {"turned upright", {0, -0.3f, 0.8f, 0}, 30, 80},
         {"tiny", {0.06f, 0, 0, 0.06f}, 6, 6},
     };
     const float cx = 200, cy = 150;
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
         VIEW_STRUCT* v = load(blackPage().circle(disc(cx, cy, c.m[0], c.m[1], c.m[2], c.m[3])));
         ELEMENT_STRUCT* e = v->elements;
@@ -172,8 +158,8 @@ TEST_F(LineCircle, StrokesFollowTheRim)
 {
     CircleFields half = disc(200, 150, 0.8f, 0, 0, 0.8f, 0, kPi), ring = disc(40, 40, 0.05f, 0, 0, 0.05f);
     half.strokeOn = ring.strokeOn = 1, half.strokeWidth = 3, ring.strokeWidth = 1, ring.fillOn = 0;
-    paint(half.stroke, kGreen);
-    paint(ring.stroke, kGreen);
+    for (float* stroke : {half.stroke, ring.stroke})
+        paint(stroke, kGreen);
     Frame f = draw(load(blackPage().arc(half).circle(ring)));
     const int cx = int(pixelX(200)), cy = int(pixelY(150));
     // The lower half only, and no chord across the centre.
@@ -192,10 +178,9 @@ TEST_F(LineCircle, StrokesFollowTheRim)
 TEST_F(LineCircle, SelectedShapesShowARedDashedOutlineWhileStopped)
 {
     CircleFields c = disc(100, 150, 0.5f, 0, 0, 0.5f);
-    paint(c.fill, kGreen);
     RectFields low{200, 220, 210, 230}, high{340, 270, 350, 280};
-    paint(low.fill, kGreen);
-    paint(high.fill, kGreen);
+    for (float* fill : {c.fill, low.fill, high.fill})
+        paint(fill, kGreen);
     // The polygon's frame runs along its lower edge at y = 10 from x = 10 to 60; the group's
     // box is 200..350 x 220..280.
     ViewBuilder b = blackPage().circle(c).line(segment(200, 150, 350, 150, 5)).cpoly(PolyFields());

@@ -17,10 +17,7 @@ namespace {
 
 const Rgb kPage{51, 102, 153}, kGreen{0, 255, 0}, kRed{255, 0, 0};
 
-ViewBuilder page()
-{
-    return ViewBuilder().page(0, 0, 400, 300, 0.2f, 0.4f, 0.6f);
-}
+ViewBuilder page() { return ViewBuilder().page(0, 0, 400, 300, 0.2f, 0.4f, 0.6f); }
 
 // An L: a foot along the bottom, a leg up the left side, the notch at the upper right.
 const std::vector<PointFields> kEll = {{0, 100, 50}, {1, 300, 50}, {2, 300, 100}, {3, 150, 100}, {4, 150, 250},
@@ -34,20 +31,11 @@ PolyFields shape(const std::vector<PointFields>& points, int fillOn = 1, int str
     return PolyFields{closed, strokeOn, 5, 0, {1, 0, 0, 1}, fillOn, {0, 1, 0, 1}, 0, 0, points};
 }
 
-ViewBuilder polygon(int kind, const PolyFields& s)
-{
-    return kind == KR_CPOLY ? page().cpoly(s) : page().polyline(s);
-}
+ViewBuilder polygon(int kind, const PolyFields& s) { return kind == KR_CPOLY ? page().cpoly(s) : page().polyline(s); }
 
-POLY_STRUCT* polyOf(const ELEMENT_STRUCT* e)
-{
-    return static_cast<POLY_STRUCT*>(e->data);
-}
+POLY_STRUCT* polyOf(const ELEMENT_STRUCT* e) { return static_cast<POLY_STRUCT*>(e->data); }
 
-struct Probe {
-    int x, y;
-    Rgb colour;
-};
+struct Probe { int x, y; Rgb colour; };
 
 using PolygonDraw = ViewTest;
 
@@ -55,11 +43,8 @@ using PolygonDraw = ViewTest;
 // closing edge of the outline (the box's left side) shows only where the stored flag closes it.
 TEST_F(PolygonDraw, FillAndPickLeaveTheNotchAndOutlineClosesOnlyWhenClosed)
 {
-    const struct {
-        float x, y;
-        bool inside;
-    } ell[] = {{250, 75, true},  {125, 200, true},  {225, 175, false},
-               {50, 75, false},  {125, 270, false}, {350, 75, false}};
+    const struct { float x, y; bool inside; } ell[] = {
+        {250, 75, true}, {125, 200, true}, {225, 175, false}, {50, 75, false}, {125, 270, false}, {350, 75, false}};
     for (int kind : {KR_CPOLY, KR_POLYLINE}) {
         SCOPED_TRACE(kind);
         VIEW_STRUCT* v = load(polygon(kind, shape(kEll)));
@@ -83,16 +68,13 @@ TEST_F(PolygonDraw, FillAndPickLeaveTheNotchAndOutlineClosesOnlyWhenClosed)
 // Shapes the tessellator can't fill whole must still load, draw their outline and pick.
 TEST_F(PolygonDraw, DegenerateShapesLoadAndDraw)
 {
-    struct Case {
-        const char* label;
-        std::vector<PointFields> points;
-        bool shows; // the outline, and the bow tie's right wing picks at (280, 150)
-    } cases[] = {
+    // `shows`: the outline, and the bow tie's right wing picks at (280, 150).
+    const struct { const char* label; std::vector<PointFields> points; bool shows; } cases[] = {
         {"self-crossing", {{0, 100, 100}, {1, 300, 200}, {2, 300, 100}, {3, 100, 200}}, true},
         {"one point", {{0, 200, 150}}, false},
         {"no point", {}, false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
         VIEW_STRUCT* v = load(page().cpoly(shape(c.points, 1, 1)));
         Frame f = draw(v);
@@ -109,13 +91,14 @@ TEST_F(PolygonDraw, DegenerateShapesLoadAndDraw)
 // all or nothing, and a concave shape is cut on its side.
 TEST_F(PolygonDraw, FillLevelPaintsTheSideItGrowsFrom)
 {
-    struct Case {
+    // `green`: pixels of the fill.
+    const struct {
         const char* label;
         const std::vector<PointFields>& points;
         int (*cut)(ELEMENT_STRUCT*);
         float level;
         Probe in, out;
-        int green; // pixels
+        int green;
     } cases[] = {
         {"up", kBox, polyCreateFillCoordUp, 0.25f, {200, 110, kGreen}, {200, 140, kPage}, 4980},
         {"down", kBox, polyCreateFillCoordDown, 0.75f, {200, 140, kGreen}, {200, 115, kPage}, 14930},
@@ -127,7 +110,7 @@ TEST_F(PolygonDraw, FillLevelPaintsTheSideItGrowsFrom)
         {"concave", kEll, polyCreateFillCoordUp, 0.5f, {125, 125, kGreen}, {125, 200, kPage}, 12450},
     };
     VIEW_STRUCT* v = nullptr;
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
         v = load(page().cpoly(shape(c.points)));
         polyOf(v->elements)->fillLevel = c.level;
@@ -148,15 +131,14 @@ TEST_F(PolygonDraw, DisplayListMadeAtFirstDrawAndGivenBackOnFree)
 {
     releaseGlContext();
     setLogLevel(2);
-    char log[16384];
-    getLogMsg(log, sizeof log);
+    takeLog();
     VIEW_STRUCT* v = load(page().cpoly(shape(kBox)));
-    getLogMsg(log, sizeof log);
+    const std::string log = takeLog();
     setLogLevel(1);
     std::string why;
     ASSERT_TRUE(ensureGlContext(&why)) << why;
     ASSERT_NE(v, nullptr);
-    EXPECT_NE(std::string(log).find("Warning polyMakeList: no valid openGL context !\n"), std::string::npos) << log;
+    EXPECT_NE(log.find("Warning polyMakeList: no valid openGL context !\n"), std::string::npos) << log;
     EXPECT_TRUE(PixelIs(draw(v), 200, 150, kGreen));
     GLuint list = polyOf(v->elements)->displayList;
     ASSERT_TRUE(glIsList(list));

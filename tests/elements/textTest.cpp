@@ -27,9 +27,7 @@ std::pair<int, int> metric(const char* s, const char* family = "Arial", int styl
 
 TextFields textAt(const char* s, float x, float y, int align = KR_POS_CENTRE, const char* family = "Arial")
 {
-    TextFields t;
-    t.text = s, t.x = x, t.y = y, t.align = align, t.fontFamily = family;
-    return t;
+    return {4, x, y, {0, 1, 1, 1}, align, {1, 0, 0, 1}, family, 1, 0, 30, 30, 0, s};
 }
 
 class Text : public ViewTest {

@@ -2,9 +2,8 @@
 // ways, a view with every structure the reader knows loads and frees without harm (the fuzzing
 // tests sweep the samples we ship, running); hostile counts keep what was read before them and
 // claim no memory out of proportion to the file's size.
-#include "Korel2D.h"
 #include "LoadedView.h"
-#include "ViewBuilder.h"
+#include "ViewFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -24,13 +23,6 @@ namespace {
 
 constexpr size_t kHeaderSize = 38; // magic text and revision
 
-ViewBuilder page()
-{
-    ViewBuilder b;
-    b.page(0, 0, 400, 300, 0, 0, 0);
-    return b;
-}
-
 // An action of `type` with `entries` thresholds in threshold block `block`. Threshold values
 // are zero, so that no small integers stand outside the counts and sizes.
 ActionFields banded(int type, int block, int entries = 3)
@@ -44,10 +36,7 @@ ActionFields banded(int type, int block, int entries = 3)
 
 SourceFields source(int id, int variables, int capacity)
 {
-    SourceFields s;
-    s.id = id;
-    s.dataParams = {{0, "host"}, {0, "port"}};
-    s.varParamCount = 2;
+    SourceFields s{id, {{0, "host"}, {0, "port"}}, 2, {}};
     for (int i = 0; i < variables; ++i)
         s.variables.push_back({0, "v" + std::to_string(i), "", {{0, "offset"}, {0, "scale"}}, capacity});
     return s;
@@ -57,7 +46,7 @@ SourceFields source(int id, int variables, int capacity)
 // (about a millisecond): they come last so that most cuts don't pay for them.
 std::vector<uint8_t> everyKindPanel(bool withFonts = true)
 {
-    ViewBuilder b = page();
+    ViewBuilder b = blackPage();
     b.actions({banded(KR_ACTION_MOVE_X, KR_THRESHOLDS_COLOR), banded(KR_ACTION_FILL_COLOR, KR_THRESHOLDS_COLOR)})
         .rect(RectFields(), "lamp");
     b.beginGroup(10, "gauges");
@@ -148,18 +137,13 @@ TEST(DamagedFiles, StrokeWidthsOfNoNumberStartAndStop)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
     for (float width : {nan, -nan, inf, -inf, 1e30f, -1e30f}) {
-        SCOPED_TRACE(width);
-        CircleFields circle;
-        PolyFields poly;
-        circle.strokeWidth = poly.strokeWidth = width;
-        ViewBuilder b = page();
-        b.rect({0, 0, 10, 10, 1, width}).circle(circle).arc(circle).line({0, 0, 100, 0, width}).polyline(poly);
-        poly.closed = poly.fillOn = 1;
-        LoadedView loaded(b.cpoly(poly).dataSection());
-        ASSERT_NE(loaded.view, nullptr);
-        EXPECT_EQ(countElements(loaded.first()), 6);
-        EXPECT_EQ(krViewStart(loaded.view), 0);
-        EXPECT_EQ(krViewStop(loaded.view), 0);
+        const CircleFields circle{100, 100, {0.5f, 0, 0, 0.5f}, 0, 6.2831855f, 1, width};
+        const PolyFields poly{1, 1, width, 0, {1, 1, 1, 1}, 1};
+        LoadedView loaded(blackPage().rect({0, 0, 10, 10, 1, width}).circle(circle).arc(circle)
+                              .line({0, 0, 100, 0, width}).polyline(poly).cpoly(poly).dataSection());
+        ASSERT_EQ(countElements(loaded.first()), 6) << width;
+        EXPECT_EQ(krViewStart(loaded.view), 0) << width;
+        EXPECT_EQ(krViewStop(loaded.view), 0) << width;
     }
 }
 
@@ -168,17 +152,16 @@ TEST(DamagedFiles, StrokeWidthsOfNoNumberStartAndStop)
 TEST(DamagedFiles, HugeCountsInASmallFileKeepWhatWasRead)
 {
     const int32_t huge = 2000000000;
-    ImageFields picture, wider;
-    picture.width = picture.height = 60000;
+    const ImageFields picture{0, 0, 64, 64, {1, 1, 1, 1}, 60000, 60000, 0, std::vector<uint8_t>(64, 0x80)};
+    ImageFields wider = picture;
     wider.width = wider.height = 0x7FFFFFFF; // sides whose product fits no integer
-    picture.pixels = wider.pixels = std::vector<uint8_t>(64, 0x80);
     PolyFields points;
     points.storedCount = huge;
-    std::vector<uint8_t> text = page().text(TextFields()).bytes();
+    std::vector<uint8_t> text = blackPage().text(TextFields()).bytes();
     text[text.size() - 4 - 5 - 4] = 0x7F; // the length, before "Text", its zero and the action count
-    std::vector<uint8_t> blink = page().actions({banded(KR_ACTION_MOVE_X, KR_THRESHOLDS_BLINK)}).rect({}).bytes();
+    std::vector<uint8_t> blink = blackPage().actions({banded(KR_ACTION_MOVE_X, KR_THRESHOLDS_BLINK)}).rect({}).bytes();
     blink[blink.size() - 4 - 3 * 24] = 0x7F; // the count of the last block, before its three entries
-    ViewBuilder deep = page(), actions = page();
+    ViewBuilder deep = blackPage(), actions = blackPage();
     for (int i = 0; i < 100000; ++i)
         deep.beginGroup(1);
     actions.rect({}).integer(1).counted("lots").counted("lots-ID");
@@ -189,23 +172,23 @@ TEST(DamagedFiles, HugeCountsInASmallFileKeepWhatWasRead)
         std::vector<uint8_t> bytes;
         std::array<int, 4> held; // elements, actions, sources, variables
     } cases[] = {
-        {"group's children", page().beginGroup(huge).rect({}).bytes(), {2, 0, 0, 0}},
+        {"group's children", blackPage().beginGroup(huge).rect({}).bytes(), {2, 0, 0, 0}},
         {"nesting far deeper than any drawn view: 200 groups and the one that stops it", deep.bytes(),
          {201, 0, 0, 0}},
-        {"name length", page().integer(1).integer(0x7FFFFFFF).fixed("x", 100).bytes(), {1, 0, 0, 0}},
-        {"picture size", page().image(picture).rect({}).bytes(), {1, 0, 0, 0}},
-        {"picture size past any integer", page().image(wider).rect({}).bytes(), {1, 0, 0, 0}},
-        {"points, three stored", page().cpoly(points).bytes(), {1, 0, 0, 0}},
+        {"name length", blackPage().integer(1).integer(0x7FFFFFFF).fixed("x", 100).bytes(), {1, 0, 0, 0}},
+        {"picture size", blackPage().image(picture).rect({}).bytes(), {1, 0, 0, 0}},
+        {"picture size past any integer", blackPage().image(wider).rect({}).bytes(), {1, 0, 0, 0}},
+        {"points, three stored", blackPage().cpoly(points).bytes(), {1, 0, 0, 0}},
         {"text length", text, {1, 0, 0, 0}},
         {"actions", actions.integer(huge).bytes(), {2, 0, 0, 0}},
         {"thresholds", blink, {1, 1, 0, 0}},
-        {"sources", page().dataSection({source(5, 0, 64)}).integer(20).integer(huge).integer(6).integer(0)
+        {"sources", blackPage().dataSection({source(5, 0, 64)}).integer(20).integer(huge).integer(6).integer(0)
                         .integer(0).integer(0).bytes(), {0, 0, 2, 0}},
-        {"parameters and variables", page().integer(20).integer(3).integer(7).integer(0).integer(huge).integer(0)
+        {"parameters and variables", blackPage().integer(20).integer(3).integer(7).integer(0).integer(huge).integer(0)
                                          .integer(8).integer(0).integer(0).integer(huge).integer(0)
                                          .fixed("only", 64).fixed("", 64).integer(9).integer(huge).bytes(),
          {0, 0, 2, 1}},
-        {"parameter text", page().integer(20).integer(1).integer(1).integer(0).integer(1).integer(1).integer(0)
+        {"parameter text", blackPage().integer(20).integer(1).integer(1).integer(0).integer(1).integer(1).integer(0)
                                .fixed("v", 64).fixed("", 64).integer(3).integer(huge).fixed("short", 16).bytes(),
          {0, 0, 1, 1}},
     };
@@ -221,7 +204,7 @@ TEST(DamagedFiles, HugeCountsInASmallFileKeepWhatWasRead)
 // many wide variables. Names of 3 and ids of 7 characters keep fields on the 4-byte grid.
 std::vector<uint8_t> largePanel()
 {
-    ViewBuilder b = page();
+    ViewBuilder b = blackPage();
     const ImageFields picture = {0, 0, 64, 64, {1, 1, 1, 1}, 352, 352, 0, std::vector<uint8_t>(352 * 352 * 4, 0x80)};
     std::vector<ActionFields> many;
     for (int block = 0; block < KR_THRESHOLD_BLOCKS; ++block)

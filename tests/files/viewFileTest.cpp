@@ -1,9 +1,8 @@
 // Reading binary view files: header checks, revisions, the element tree, loads from memory, and
 // the handles' refusals. Cut, garbled and hostile files are the damaged-files tests' concern.
-#include "GlContext.h"
 #include "KorelEdit.h"
 #include "LoadedView.h"
-#include "ViewBuilder.h"
+#include "ViewFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -19,17 +18,7 @@ using namespace korelgen;
 
 namespace {
 
-std::string takeLog()
-{
-    char text[16384];
-    getLogMsg(text, sizeof text);
-    return text;
-}
-
-RectFields square(float x, float y, float size)
-{
-    return {x, y, x + size, y + size};
-}
+RectFields square(float x, float y, float size) { return {x, y, x + size, y + size}; }
 
 // A panel with every structure the reader knows: top-level rectangles, nested groups, a clip.
 ViewBuilder samplePanel()
@@ -53,7 +42,7 @@ TEST(ViewFileHeader, MagicAndRevisionDecideWhatIsRead)
     } cases[] = {
         {"VIEW FILF 3.3", 303, -1, 0, "wrong file format\n"},
         {"VIEW FILE 9.9 and anything else", 303, 1, 300, ""},
-        {"VIEW FILE 3.3\n", 117, 0, 0, "loadFile: rev 117 not supported\n"},
+        {"VIEW FILE 3.4\n", 304, 1, 300, ""},
         {"VIEW FILE 3.3\n", 205, 0, 0, "loadFile: rev 205 not supported\n"},
         {"VIEW FILE 3.3\n", 305, 0, 0, "loadFile: rev 305 not supported\n"},
     };
@@ -63,40 +52,32 @@ TEST(ViewFileHeader, MagicAndRevisionDecideWhatIsRead)
         ViewBuilder b(c.revision / 100, c.revision % 100, c.magic);
         LoadedView loaded(b.page(1, 2, 300, 200, 1, 0, 0).rect(square(0, 0, 10)));
         EXPECT_EQ(takeLog(), c.log);
-        EXPECT_EQ(loaded.view != nullptr, c.elements >= 0);
-        if (loaded.view) {
-            EXPECT_EQ(std::make_pair(countElements(loaded.first()), krViewWidth(loaded.view)),
-                      std::make_pair(c.elements, c.width));
-        }
+        EXPECT_EQ(loaded.view ? std::make_pair(countElements(loaded.first()), krViewWidth(loaded.view))
+                              : std::make_pair(-1, 0), std::make_pair(c.elements, c.width));
     }
     EXPECT_EQ(krViewLoad("/nonexistent/view.k2d"), nullptr);
     EXPECT_EQ(takeLog(), "cannot open file /nonexistent/view.k2d\n");
     EXPECT_EQ(krViewLoad(nullptr), nullptr);
 }
 
-// At level three the reader reports its progress; a view read from memory passes through a
-// temporary file that is gone once the load returns.
-TEST(ViewFromMemory, Revision304ReadsAs303AndLeavesNoTemporaryFile)
+// A view read from memory passes through a temporary file, named in the progress reports of
+// level three, that is gone once the load returns.
+TEST(ViewFromMemory, LeavesNoTemporaryFile)
 {
     setLogLevel(3);
     takeLog();
-    ViewBuilder b(3, 4);
-    LoadedView loaded(b.page(0, 0, 100, 100, 1, 1, 1).rect(square(0, 0, 10)).dataSection());
+    LoadedView loaded(ViewBuilder().page(0, 0, 100, 100, 1, 1, 1).rect(square(0, 0, 10)).dataSection());
     setLogLevel(1);
     EXPECT_EQ(countElements(loaded.first()), 1);
     const std::string log = takeLog(), reading = "reading view file from ";
-    EXPECT_EQ(log.rfind("-------------------------------------\n", 0), 0u) << log;
-    EXPECT_NE(log.find("Version = 3.4\n"), std::string::npos) << log;
     const size_t at = log.find(reading + "/tmp/"), from = at + reading.size();
     ASSERT_NE(at, std::string::npos) << log;
     const std::string path = log.substr(from, log.find('\n', from) - from);
     EXPECT_FALSE(std::ifstream(path).good()) << "left behind: " << path;
-    const uint8_t junk[] = {1, 2, 3};
-    EXPECT_EQ(krViewLoadData(junk, sizeof junk), nullptr);
     EXPECT_EQ(krViewLoadData(nullptr, 0), nullptr);
 }
 
-// Page and tree as stored; a group's box is the union of its children's, about its centre.
+// Page and tree as stored. (The boxes and centres of groups are the geometry tests' concern.)
 TEST(ViewFileContent, PageAndTreeAsStored)
 {
     LoadedView loaded(samplePanel());
@@ -112,20 +93,12 @@ TEST(ViewFileContent, PageAndTreeAsStored)
     EXPECT_EQ(topLevel, (std::vector<std::string>{"first", "outer", "nobody", "last"}));
     const ELEMENT_STRUCT* outer = v->elements->next;
     EXPECT_EQ(std::make_pair(outer->next->type, outer->next->data), std::make_pair(9u, (void*)nullptr));
-    EXPECT_EQ(std::vector<float>(outer->bounds, outer->bounds + 4), (std::vector<float>{100, 100, 230, 180}));
-    EXPECT_EQ(std::make_pair(outer->x, outer->y), std::make_pair(165.0f, 140.0f));
-    const ELEMENT_STRUCT* inner = outer->child->next;
-    EXPECT_EQ(std::make_pair(inner->x, inner->y), std::make_pair(210.0f - 165, 160.0f - 140));
-    EXPECT_EQ(inner->child->parent, inner);
+    EXPECT_EQ(outer->child->next->child->parent, outer->child->next);
 }
 
 TEST(ViewFileContent, EndsAndMarkers)
 {
-    const struct {
-        const char* label;
-        std::function<void(ViewBuilder&)> write;
-        int elements;
-    } cases[] = {
+    const struct { const char* label; std::function<void(ViewBuilder&)> write; int elements; } cases[] = {
         {"ends after the page", [](ViewBuilder&) {}, 0},
         {"no marker 20 at all", [](ViewBuilder& b) { b.rect(square(0, 0, 1)).rect(square(0, 0, 2)); }, 2},
         {"a kind of -1 ends it", [](ViewBuilder& b) { b.rect(square(0, 0, 1)).integer(-1).rect(square(0, 0, 2)); }, 1},
@@ -171,14 +144,11 @@ TEST(ViewHandles, RefusedWithTheirReason)
                               {krViewDrawWindow(nullptr), -1}};
     for (size_t i = 0; i < std::size(results); ++i)
         EXPECT_EQ(results[i][0], results[i][1]) << "call " << i;
-    krSetBackgroundMode(&fake, 0);
-    EXPECT_EQ(fake.backgroundMode, 0u);
     releaseGlContext();
     LoadedView loaded(samplePanel());
-    EXPECT_EQ(krViewDraw(window, loaded.view, 0, 0, 1), -3);
-    EXPECT_EQ(krViewDrawPlane_Direct(loaded.view), -3);
-    EXPECT_EQ(krViewDrawWindow(loaded.view), -3);
-    EXPECT_EQ(krViewDrawPlane(loaded.view, 0), -3);
+    EXPECT_EQ(std::vector<int>({krViewDraw(window, loaded.view, 0, 0, 1), krViewDrawPlane_Direct(loaded.view),
+                                krViewDrawWindow(loaded.view), krViewDrawPlane(loaded.view, 0)}),
+              std::vector<int>(4, -3));
     krWindowFree(window);
 }
 

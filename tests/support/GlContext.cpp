@@ -46,16 +46,12 @@ bool ensureGlContext(std::string* why)
     return current;
 }
 
-void releaseGlContext()
-{
-    theContext().gl.release();
-}
+void releaseGlContext() { theContext().gl.release(); }
 
 Frame Frame::grab(int width, int height)
 {
     Frame frame;
-    frame.width_ = width;
-    frame.height_ = height;
+    frame.width_ = width, frame.height_ = height;
     frame.rgba_.resize(size_t(width) * height * 4);
     glFinish();
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
@@ -100,10 +96,9 @@ Ink Frame::ink(int x0, int y0, int x1, int y1) const
 
 ::testing::AssertionResult PixelIs(const Frame& frame, int x, int y, Rgb expected, int tolerance)
 {
-    Rgb actual = frame.at(x, y);
-    if (colourNear(actual, expected, tolerance))
+    if (colourNear(frame.at(x, y), expected, tolerance))
         return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "pixel (" << x << ", " << y << ") is " << actual << ", expected "
+    return ::testing::AssertionFailure() << "pixel (" << x << ", " << y << ") is " << frame.at(x, y) << ", expected "
                                          << expected;
 }
 
@@ -130,9 +125,6 @@ TempFile::TempFile(const std::vector<uint8_t>& bytes, const char* suffix)
     out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
 }
 
-TempFile::~TempFile()
-{
-    std::remove(path_.c_str());
-}
+TempFile::~TempFile() { std::remove(path_.c_str()); }
 
 } // namespace k2dtest

@@ -13,9 +13,7 @@ namespace k2dtest {
 constexpr int kSurfaceWidth = 400;
 constexpr int kSurfaceHeight = 300;
 
-struct Rgb {
-    int r, g, b;
-};
+struct Rgb { int r, g, b; };
 
 // The pixels brighter than a black page and their bounding box [x0, x1) x [y0, y1).
 struct Ink {

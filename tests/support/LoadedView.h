@@ -5,7 +5,6 @@
 #include "ViewBuilder.h"
 
 #include <cstdint>
-#include <random>
 #include <vector>
 
 namespace k2dtest {
@@ -44,17 +43,6 @@ inline int countActions(const ELEMENT_STRUCT* list)
     for (const ELEMENT_STRUCT* e = list; e; e = e->next)
         n += countList(e->actions) + countActions(e->child);
     return n;
-}
-
-// A copy of a view file with one to eight bytes behind the header overwritten at random.
-inline std::vector<uint8_t> withGarbledBytes(const std::vector<uint8_t>& whole, std::mt19937& random)
-{
-    const size_t header = 38;
-    std::vector<uint8_t> copy = whole;
-    int flips = 1 + int(random() % 8);
-    for (int i = 0; i < flips && copy.size() > header; ++i)
-        copy[header + random() % (copy.size() - header)] = uint8_t(random());
-    return copy;
 }
 
 } // namespace k2dtest

@@ -14,10 +14,7 @@ namespace k2dtest {
 
 // The built sample plug-in lies directly in KOREL2D_PLUGIN_DIR; each variant alone in
 // variants/<dir>/, so that copying one brings no other along.
-inline std::string examplePlugin()
-{
-    return KOREL2D_PLUGIN_DIR "/libKrdExample.so";
-}
+inline std::string examplePlugin() { return KOREL2D_PLUGIN_DIR "/libKrdExample.so"; }
 
 inline std::string variant(const std::string& dir, const std::string& file)
 {

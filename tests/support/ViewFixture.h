@@ -27,4 +27,12 @@ protected:
 // A view of one page of 400 x 300 units at the origin with a black page.
 ViewBuilder blackPage();
 
+// Empties the log and gives back what it held.
+inline std::string takeLog()
+{
+    char text[16384];
+    getLogMsg(text, sizeof text);
+    return text;
+}
+
 } // namespace k2dtest
