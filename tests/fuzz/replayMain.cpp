@@ -1,6 +1,7 @@
 // Runs a harness over files instead of under the fuzzer, so that compilers without libFuzzer
 // replay the regression corpus too, or sweeps the damaged copies of every sample view of a
-// directory. Usage: korel2d-fuzz-replay FILE_OR_DIRECTORY... | --sweep DIRECTORY
+// directory. Usage: korel2d-fuzz-replay FILE_OR_DIRECTORY... | --sweep DIRECTORY | --long-sweep DIRECTORY
+// (--long-sweep runs every cut for 100 frames, not one in 97: minutes a sample).
 #include "fuzzView.h"
 #include "sampleSweep.h"
 
@@ -63,7 +64,10 @@ void leaveScratch(const std::string& scratch)
 // Unlike the fuzzer, which checks for leaks after each input, the sweep checks once at exit: so
 // llvmpipe, whose shaders compiled once draw faster than softpipe interprets. A frame of a few
 // pixels still takes every drawing call, and a larger one costs a third more time.
-int sweep(const char* dir)
+// The test run's sweep runs one cut in this many for 100 frames, the long sweep every cut.
+constexpr size_t kSomeCutsLong = 97, kEveryCutLong = 1;
+
+int sweep(const char* dir, size_t longCutStride)
 {
     constexpr int kSweepSide = 8;
     const fs::path samples = fs::absolute(dir);
@@ -74,7 +78,7 @@ int sweep(const char* dir)
     k2dfuzz::prepareProcess();
     if (!k2dfuzz::prepareDrawing(kSweepSide))
         return 1;
-    const int status = k2dfuzz::sweepSamples(samples);
+    const int status = k2dfuzz::sweepSamples(samples, longCutStride);
     leaveScratch(scratch);
     return status;
 }
@@ -84,7 +88,9 @@ int sweep(const char* dir)
 int main(int argc, char** argv)
 {
     if (argc == 3 && std::strcmp(argv[1], "--sweep") == 0)
-        return sweep(argv[2]);
+        return sweep(argv[2], kSomeCutsLong);
+    if (argc == 3 && std::strcmp(argv[1], "--long-sweep") == 0)
+        return sweep(argv[2], kEveryCutLong);
     std::vector<std::pair<std::string, std::vector<uint8_t>>> inputs;
     for (const fs::path& file : inputFiles(argc, argv)) {
         std::ifstream in(file, std::ios::binary);

@@ -59,12 +59,11 @@ constexpr size_t kLabelXminAt = 296;
 constexpr size_t kLabelXmaxAt = 300;
 constexpr size_t kGraphBodySize = 328;
 
-// Garbled graphs, and every kLongCutStride-th cut, run this many frames, each after a data
-// cycle: enough for traces to fill and for a slow frame to show (every cut so long would take
-// minutes a sample). A case may take this much processor time, sanitizers included: a grid or
-// labels drawn for each of a dense spacing's steps take seconds.
+// Garbled graphs, and one cut in every `longCutStride`, run this many frames, each after a data
+// cycle: enough for traces to fill and for a slow frame to show. A case may take this much
+// processor time, sanitizers included: a grid or labels drawn for each of a dense spacing's
+// steps take seconds.
 constexpr int kLongFrames = 100;
-constexpr size_t kLongCutStride = 97;
 constexpr double kCaseSeconds = 0.6;
 
 // With K2DFUZZ_SWEEP_CASES set, each case is named before it runs: the last name printed is
@@ -303,7 +302,7 @@ void garbleGraphs(const std::string& name, const Bytes& sample, const std::set<s
 }
 
 // Returns false when the sample itself doesn't load.
-bool sweepSample(const std::string& name, const Bytes& sample, Tally& tally)
+bool sweepSample(const std::string& name, const Bytes& sample, size_t longCutStride, Tally& tally)
 {
     describe("sweep: %s whole\n", name.c_str());
     if (!runView(sample.data(), sample.size(), kFramesRunning)) {
@@ -313,7 +312,7 @@ bool sweepSample(const std::string& name, const Bytes& sample, Tally& tally)
     for (size_t cut = 0; cut < sample.size(); ++cut) {
         describe("sweep: %s cut to %zu bytes\n", name.c_str(), cut);
         timedRun(name + " cut to " + std::to_string(cut) + " bytes", sample, cut,
-                 cut % kLongCutStride ? kFramesRunning : kLongFrames, tally);
+                 cut % longCutStride ? kFramesRunning : kLongFrames, tally);
     }
 
     std::set<size_t> texts, graphs;
@@ -334,7 +333,7 @@ bool sweepSample(const std::string& name, const Bytes& sample, Tally& tally)
 
 } // namespace
 
-int sweepSamples(const fs::path& dir)
+int sweepSamples(const fs::path& dir, size_t longCutStride)
 {
     std::vector<fs::path> samples;
     for (const fs::directory_entry& entry : fs::directory_iterator(dir))
@@ -350,7 +349,7 @@ int sweepSamples(const fs::path& dir)
     for (const fs::path& path : samples) {
         std::ifstream in(path, std::ios::binary);
         const Bytes sample{std::istreambuf_iterator<char>(in), {}};
-        if (!sweepSample(path.filename().string(), sample, tally))
+        if (!sweepSample(path.filename().string(), sample, longCutStride, tally))
             return 1;
     }
     if (tally.textRecords == 0 || tally.graphRecords == 0) {

@@ -6,11 +6,12 @@
 
 namespace k2dfuzz {
 
-// Runs each *.k2d of `dir` cut at every length, with each text record garbled in its sizes,
-// alignment, style, family and length, and each graph record in its rate, sample count, ranges
-// and spacings, run for 100 frames (random changes are the fuzzers' part). Needs prepareProcess
-// and prepareDrawing. Returns the exit status: 1 when there is no sample, a sample doesn't
-// load whole, no sample holds a text or a graph record to garble, or a graph case runs too long.
-int sweepSamples(const std::filesystem::path& dir);
+// Runs each *.k2d of `dir` cut at every length, one cut in every `longCutStride` for 100 frames,
+// with each text record garbled in its sizes, alignment, style, family and length, and each
+// graph record in its rate, sample count, ranges and spacings, run for 100 frames (random
+// changes are the fuzzers' part). Needs prepareProcess and prepareDrawing. Returns the exit
+// status: 1 when there is no sample, a sample doesn't load whole, no sample holds a text or a
+// graph record to garble, or a timed case runs too long.
+int sweepSamples(const std::filesystem::path& dir, size_t longCutStride);
 
 } // namespace k2dfuzz
