@@ -138,8 +138,8 @@ TEST(Expression, TokenNames)
     EXPECT_STREQ(getFunction(2008), "Unknown");
 }
 
-// The rules of the language read literally: scan, compile with two stacks, then walk the
-// output recursively from the top, a missing operand reading 0.0.
+// The rules of the language read literally, with its numbers for the codes: scan, compile with
+// two stacks, then walk the output recursively from the top, a missing operand reading 0.0.
 namespace literal {
 
 struct T {
@@ -148,6 +148,7 @@ struct T {
     uint32_t function;
     std::string name;
 };
+using Read = std::function<double(const std::string&)>;
 
 std::vector<T> compile(const std::string& s)
 {
@@ -155,18 +156,21 @@ std::vector<T> compile(const std::string& s)
         {"||", 1002}, {"&&", 1003}, {"==", 1008}, {"!=", 1007}, {">=", 1009}, {"<=", 1011}, {"&", 1006},
         {"|", 1004}, {">", 1010}, {"<", 1012}, {"!", 1019}, {"~", 1020}, {"%", 1015}, {"(", 102}, {")", 103},
         {"*", 1017}, {"+", 1014}, {"/", 1016}, {"^", 1005}, {"?", 1000}, {",", 106}, {":", 1001}, {"-", 1013}};
-    static const std::vector<std::pair<std::string, double>> constants = {
-        {"PI", 3.141592653}, {"E", 2.7182818284}, {"R2D", 57.29577951}, {"D2R", 1 / 57.29577951}};
-    static const std::vector<std::pair<std::string, uint32_t>> functions = {
-        {"min", 2020}, {"max", 2021}, {"int", 2022}, {"sinh", 2014}, {"cosh", 2015}, {"tanh", 2016},
-        {"sin", 2000}, {"cos", 2001}, {"tan", 2002}, {"abs", 2004}, {"asin", 2005}, {"acos", 2006},
-        {"atan2", 2017}, {"atan", 2007}, {"log", 2003}, {"sqrt", 2009}, {"exp", 2010}, {"ceil", 2011},
-        {"floor", 2012}, {"pow", 2018}, {"fabs", 2019}};
+    static const std::vector<std::pair<std::string, T>> words = {
+        {"PI", {100, 3.141592653, 0, ""}}, {"E", {100, 2.7182818284, 0, ""}}, {"R2D", {100, 57.29577951, 0, ""}},
+        {"D2R", {100, 1 / 57.29577951, 0, ""}}, {"min", {1021, 0, 2020, ""}}, {"max", {1021, 0, 2021, ""}},
+        {"int", {1021, 0, 2022, ""}}, {"sinh", {1021, 0, 2014, ""}}, {"cosh", {1021, 0, 2015, ""}},
+        {"tanh", {1021, 0, 2016, ""}}, {"sin", {1021, 0, 2000, ""}}, {"cos", {1021, 0, 2001, ""}},
+        {"tan", {1021, 0, 2002, ""}}, {"abs", {1021, 0, 2004, ""}}, {"asin", {1021, 0, 2005, ""}},
+        {"acos", {1021, 0, 2006, ""}}, {"atan2", {1021, 0, 2017, ""}}, {"atan", {1021, 0, 2007, ""}},
+        {"log", {1021, 0, 2003, ""}}, {"sqrt", {1021, 0, 2009, ""}}, {"exp", {1021, 0, 2010, ""}},
+        {"ceil", {1021, 0, 2011, ""}}, {"floor", {1021, 0, 2012, ""}}, {"pow", {1021, 0, 2018, ""}},
+        {"fabs", {1021, 0, 2019, ""}}};
     const std::vector<uint32_t> unaryAfter = {104, 102, 106, 1000, 1001, 1007, 1008, 1009, 1010, 1011, 1012,
                                               1013, 1014, 1016, 1017};
     auto wordChar = [](char c) { return isalnum(static_cast<unsigned char>(c)) || c == '_'; };
-    auto word = [&](size_t p, const std::string& w) { return s.compare(p, w.size(), w) == 0 && !wordChar(s.c_str()[p + w.size()]); };
     std::vector<T> out, ops;
+    auto move = [&] { out.push_back(ops.back()); ops.pop_back(); };
     uint32_t previous = 104;
     for (size_t p = 0;;) {
         while (p < s.size() && (s[p] == ' ' || s[p] == '\t' || s[p] == '\n'))
@@ -175,45 +179,35 @@ std::vector<T> compile(const std::string& s)
             break;
         T t{104, 0, 0, ""};
         auto symbol = std::find_if(symbols.begin(), symbols.end(), [&](auto& y) { return s.compare(p, y.first.size(), y.first) == 0; });
-        auto constant = std::find_if(constants.begin(), constants.end(), [&](auto& y) { return word(p, y.first); });
-        auto function = std::find_if(functions.begin(), functions.end(), [&](auto& y) { return word(p, y.first); });
+        auto word = std::find_if(words.begin(), words.end(), [&](auto& y) {
+            return s.compare(p, y.first.size(), y.first) == 0 && !wordChar(s.c_str()[p + y.first.size()]); });
+        size_t e = p + 1;
         if (isdigit(static_cast<unsigned char>(s[p]))) {
             char* end;
             t = {100, strtod(s.c_str() + p, &end), 0, ""};
-            p = size_t(end - s.c_str());
+            e = size_t(end - s.c_str());
         } else if (symbol != symbols.end()) {
             t.code = symbol->second == 1013 && std::count(unaryAfter.begin(), unaryAfter.end(), previous) ? 1018 : symbol->second;
-            p += symbol->first.size();
-        } else if (constant != constants.end()) {
-            t = {100, constant->second, 0, ""};
-            p += constant->first.size();
-        } else if (function != functions.end()) {
-            t = {1021, 0, function->second, ""};
-            p += function->first.size();
+            e = p + symbol->first.size();
+        } else if (word != words.end()) {
+            t = word->second;
+            e = p + word->first.size();
         } else if (isalpha(static_cast<unsigned char>(s[p])) || s[p] == '_') {
-            size_t e = p;
-            while (e < s.size() && wordChar(s[e]))
-                ++e;
+            for (e = p; e < s.size() && wordChar(s[e]); ++e) {}
             t = {101, 0, 0, s.substr(p, std::min<size_t>(e - p, 255))};
-            p = e;
-        } else {
-            ++p;
         }
+        p = e;
         previous = t.code;
-        auto move = [&] { out.push_back(ops.back()); ops.pop_back(); };
         if (t.code == 100 || t.code == 101) {
             out.push_back(t);
         } else if (t.code == 102) {
             ops.push_back(t);
         } else if (t.code == 103) {
-            while (!ops.empty()) {
-                T top = ops.back();
+            for (; !ops.empty() && ops.back().code != 102; ops.pop_back())
+                if (ops.back().code >= 1000)
+                    out.push_back(ops.back());
+            if (!ops.empty())
                 ops.pop_back();
-                if (top.code == 102)
-                    break;
-                if (top.code >= 1000)
-                    out.push_back(top);
-            }
         } else if (t.code == 106) {
             while (!ops.empty() && ops.back().code >= 1000)
                 move();
@@ -235,13 +229,11 @@ std::vector<T> compile(const std::string& s)
     return out;
 }
 
-int32_t int32(double d)
+double pop(const std::vector<T>& out, size_t& i, const Read& read)
 {
-    return d != d ? 0 : d <= INT32_MIN ? INT32_MIN : d >= INT32_MAX ? INT32_MAX : int32_t(d);
-}
-
-double pop(const std::vector<T>& out, size_t& i, const std::function<double(const std::string&)>& read)
-{
+    static const std::pair<uint32_t, double (*)(double)> plain[] = {
+        {2000, sin}, {2001, cos}, {2002, tan}, {2003, log}, {2005, asin}, {2006, acos}, {2007, atan}, {2009, sqrt},
+        {2010, exp}, {2011, ceil}, {2012, floor}, {2014, sinh}, {2015, cosh}, {2016, tanh}, {2019, fabs}};
     if (i == 0)
         return 0.0;
     const T& t = out[--i];
@@ -252,49 +244,20 @@ double pop(const std::vector<T>& out, size_t& i, const std::function<double(cons
         return 0.0;
     const bool two = (c >= 1002 && c <= 1017) || c == 1000 || (c == 1021 && (f == 2017 || f == 2018 || f == 2020 || f == 2021));
     const double z = c == 1000 ? pop(out, i, read) : 0, b = two ? pop(out, i, read) : 0, a = pop(out, i, read);
+    auto int32 = [](double d) { return d != d ? 0 : d <= INT32_MIN ? INT32_MIN : d >= INT32_MAX ? INT32_MAX : int32_t(d); };
     const int32_t x = int32(a), y = int32(b);
+    for (const auto& g : plain)
+        if (c == 1021 && f == g.first)
+            return g.second(a);
     switch (c == 1021 ? f : c) {
-    case 1000: return a != 0 ? b : z;
-    case 1002: return a != 0 || b != 0;
-    case 1003: return a != 0 && b != 0;
-    case 1004: return x | y;
-    case 1005: return x ^ y;
-    case 1006: return x & y;
-    case 1007: return a != b;
-    case 1008: return a == b;
-    case 1009: return a >= b;
-    case 1010: return a > b;
-    case 1011: return a <= b;
-    case 1012: return a < b;
-    case 1013: return a - b;
-    case 1014: return a + b;
-    case 1015: return y == 0 || (x == INT32_MIN && y == -1) ? 0 : x % y;
-    case 1016: return a / b;
-    case 1017: return a * b;
-    case 1018: return -a;
-    case 1019: return a == 0;
-    case 1020: return ~x;
-    case 2000: return sin(a);
-    case 2001: return cos(a);
-    case 2002: return tan(a);
-    case 2003: return log(a);
-    case 2004: return std::llabs(x);
-    case 2005: return asin(a);
-    case 2006: return acos(a);
-    case 2007: return atan(a);
-    case 2009: return sqrt(a);
-    case 2010: return exp(a);
-    case 2011: return ceil(a);
-    case 2012: return floor(a);
-    case 2014: return sinh(a);
-    case 2015: return cosh(a);
-    case 2016: return tanh(a);
-    case 2017: return atan2(a, b);
-    case 2018: return pow(a, b);
-    case 2019: return fabs(a);
-    case 2020: return std::min(a, b);
-    case 2021: return std::max(a, b);
-    case 2022: return x;
+    case 1000: return a != 0 ? b : z; case 1002: return a != 0 || b != 0; case 1003: return a != 0 && b != 0;
+    case 1004: return x | y; case 1005: return x ^ y; case 1006: return x & y; case 1007: return a != b;
+    case 1008: return a == b; case 1009: return a >= b; case 1010: return a > b; case 1011: return a <= b;
+    case 1012: return a < b; case 1013: return a - b; case 1014: return a + b;
+    case 1015: return y == 0 || (x == INT32_MIN && y == -1) ? 0 : x % y; case 1016: return a / b;
+    case 1017: return a * b; case 1018: return -a; case 1019: return a == 0; case 1020: return ~x;
+    case 2004: return std::llabs(x); case 2017: return atan2(a, b); case 2018: return pow(a, b);
+    case 2020: return std::min(a, b); case 2021: return std::max(a, b); case 2022: return x;
     }
     return 0.0;
 }
@@ -322,7 +285,7 @@ TEST(Expression, RandomTextsMatchTheLiteralRules)
         };
         const auto out = literal::compile(text);
         size_t top = out.size();
-        const double expected = literal::pop(out, top, withCallback ? read : std::function<double(const std::string&)>());
+        const double expected = literal::pop(out, top, withCallback ? read : literal::Read());
         const double got = compiled.value();
         ASSERT_TRUE(got == expected || (std::isnan(got) && std::isnan(expected))) << '"' << text << "\": " << got << " vs " << expected;
         std::sort(compiled.asked.begin(), compiled.asked.end());
