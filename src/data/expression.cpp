@@ -188,13 +188,12 @@ int planEvaluation(Parser* parser)
             break;
         }
     }
-    int height = 0;
-    parser->depth = 0;
+    int height = 0, depth = 1;
     for (int i = parser->reached; i < output->count; ++i) {
         height = std::max(height - operandCount(output->items[i]), 0) + 1;
-        parser->depth = std::max(parser->depth, height);
+        depth = std::max(depth, height);
     }
-    parser->values = static_cast<double*>(malloc(sizeof(double) * std::max(parser->depth, 1)));
+    parser->values = static_cast<double*>(malloc(sizeof(double) * depth));
     return parser->values ? 0 : -1;
 }
 
@@ -279,7 +278,7 @@ uint32_t scanner(Parser* parser)
     token.function = 0;
     token.name[0] = 0;
     token.cache = nullptr;
-    const char* text = parser->text;
+    const char* text = parser->text ? parser->text : "";
     while (text[parser->position] == ' ' || text[parser->position] == '\t' || text[parser->position] == '\n')
         ++parser->position;
     const char* at = text + parser->position;
@@ -333,7 +332,7 @@ int parse(Parser* parser)
     parser->token.code = TOKEN_NONE;
     parser->readVariable = nullptr;
     parser->values = nullptr;
-    parser->reached = parser->depth = 0;
+    parser->reached = 0;
     parser->operators = stackCreate();
     parser->output = stackCreate();
     int result = parser->operators && parser->output ? compile(parser) : -1;

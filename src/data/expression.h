@@ -100,7 +100,6 @@ struct Parser {
     // The evaluation plan, made by parse: tokens below `reached` lie outside the expression
     // that the top of the output forms, and `values` holds the operands while evaluating.
     int reached;
-    int depth;
     double* values;
 };
 
