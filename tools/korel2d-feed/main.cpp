@@ -197,6 +197,8 @@ int main(int argc, char** argv)
     stop.sa_handler = requestStop;
     sigaction(SIGINT, &stop, nullptr);
     sigaction(SIGTERM, &stop, nullptr);
+    // Nor may a reader of the report that has gone away end it before then.
+    std::signal(SIGPIPE, SIG_IGN);
 
     std::printf("korel2d-feed: SINE, RAMP, COUNTER %s-endian at %g Hz", o.big ? "big" : "little", o.rate);
     if (segment)
