@@ -19,9 +19,13 @@ constexpr size_t kKshmEntrySize = 64;
 constexpr size_t kKshmNameBytes = 52; // the name with its terminator
 constexpr size_t kKshmValueOffset = 56; // of the value within its entry, 8 bytes of room
 
+// KSHM type codes of an entry.
+constexpr uint32_t kKshmInt32 = 0;
+constexpr uint32_t kKshmFloat = 2;
+
 struct KshmEntry {
     std::string name; // cut to kKshmNameBytes - 1 characters
-    uint32_t code;    // the KSHM type code: 2 float, 0 signed 32-bit, ...
+    uint32_t code;    // the KSHM type code: kKshmFloat, kKshmInt32, ...
 };
 
 class KshmSegment {

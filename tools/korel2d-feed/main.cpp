@@ -9,11 +9,13 @@
 #include <cerrno>
 #include <cmath>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -168,9 +170,19 @@ int main(int argc, char** argv)
         return kDone;
     }
 
+    // Set before the segment exists, so that no signal ends the process with the segment left
+    // behind: the handler only raises the flag, the loop ends and the segment is removed on the
+    // way out. A reader of the report that went away mustn't end it either.
+    struct sigaction stop = {};
+    stop.sa_handler = requestStop;
+    sigaction(SIGINT, &stop, nullptr);
+    sigaction(SIGTERM, &stop, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+
     using korelgen::KshmEntry;
     using korelgen::KshmSegment;
-    const std::vector<KshmEntry> directory = {{"SINE", 2}, {"RAMP", 2}, {"COUNTER", 0}};
+    const std::vector<KshmEntry> directory = {
+        {"SINE", korelgen::kKshmFloat}, {"RAMP", korelgen::kKshmFloat}, {"COUNTER", korelgen::kKshmInt32}};
     std::unique_ptr<KshmSegment> segment;
     if (o.shm) {
         segment = std::make_unique<KshmSegment>(o.key, (directory.size() + 1) * korelgen::kKshmEntrySize);
@@ -191,14 +203,6 @@ int main(int argc, char** argv)
             return kFailed;
         }
     }
-
-    // The handler only raises the flag: the loop ends and the segment is removed on the way out.
-    struct sigaction stop = {};
-    stop.sa_handler = requestStop;
-    sigaction(SIGINT, &stop, nullptr);
-    sigaction(SIGTERM, &stop, nullptr);
-    // Nor may a reader of the report that has gone away end it before then.
-    std::signal(SIGPIPE, SIG_IGN);
 
     std::printf("korel2d-feed: SINE, RAMP, COUNTER %s-endian at %g Hz", o.big ? "big" : "little", o.rate);
     if (segment)
