@@ -9,6 +9,7 @@
 // With --seeds it also writes small views of each element kind, each action type and every
 // variable type: the seed corpus of the fuzzing harnesses.
 #include "Korel2D.h"
+#include "KshmSegment.h"
 #include "ViewBuilder.h"
 #include "panelPalette.h"
 
@@ -1035,6 +1036,23 @@ std::vector<uint8_t> everyTypeSeed()
     return b.dataSection({internal}).bytes();
 }
 
+// For the harness of segments and datagrams, whose first byte picks the case (1: a segment, 2:
+// its directory read): a segment of the feeder's layout, its first bytes holding the offsets
+// that its variables take, one per type, and its directory the feeder's names.
+std::vector<uint8_t> segmentSeed()
+{
+    constexpr uint8_t kSegmentWithDirectory = 1 | 2;
+    std::vector<uint8_t> image(4 * kKshmEntrySize);
+    const std::vector<KshmEntry> directory = {{"SINE", kKshmFloat}, {"RAMP", kKshmFloat}, {"COUNTER", kKshmInt32}};
+    writeKshmDirectory(image.data(), image.size(), directory);
+    for (int type = 0; type <= KR_VAR_TEXT; ++type) {
+        const uint32_t offset = uint32_t(KshmSegment::valueOffset(type % 3)) + uint32_t(type / 3);
+        std::memcpy(&image[size_t(type) * sizeof offset], &offset, sizeof offset);
+    }
+    image.insert(image.begin(), kSegmentWithDirectory);
+    return image;
+}
+
 std::vector<NamedView> seedViews()
 {
     constexpr int kActionTypes = KR_ACTION_BLINK + 1;
@@ -1042,6 +1060,7 @@ std::vector<NamedView> seedViews()
     for (int type = 0; type < kActionTypes; ++type)
         seeds.emplace_back("action-" + std::to_string(type), actionSeed(type));
     seeds.emplace_back("source-every-type", everyTypeSeed());
+    seeds.emplace_back("segment-directory", segmentSeed());
     return seeds;
 }
 

@@ -21,6 +21,7 @@
 
 namespace {
 
+// The sample generator writes a seed with the first two set.
 enum Flags : uint8_t { kSegment = 1, kAutoLoad = 2, kLittleEndian = 4, kHugeSize = 8 };
 constexpr int kPort = 47391;
 constexpr size_t kLargestDatagram = 65507;

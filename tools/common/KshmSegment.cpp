@@ -43,12 +43,17 @@ void KshmSegment::release()
 
 bool KshmSegment::writeDirectory(const std::vector<KshmEntry>& entries)
 {
-    if (!bytes_ || (entries.size() + 1) * kKshmEntrySize > size_)
+    return bytes_ && writeKshmDirectory(bytes_, size_, entries);
+}
+
+bool writeKshmDirectory(uint8_t* image, size_t size, const std::vector<KshmEntry>& entries)
+{
+    if ((entries.size() + 1) * kKshmEntrySize > size)
         return false;
     const int32_t count = int32_t(entries.size());
-    std::memcpy(bytes_ + kKshmCountOffset, &count, sizeof count);
+    std::memcpy(image + kKshmCountOffset, &count, sizeof count);
     for (size_t i = 0; i < entries.size(); ++i) {
-        uint8_t* entry = bytes_ + (i + 1) * kKshmEntrySize;
+        uint8_t* entry = image + (i + 1) * kKshmEntrySize;
         std::memset(entry, 0, kKshmValueOffset);
         std::memcpy(entry, entries[i].name.data(), std::min(entries[i].name.size(), kKshmNameBytes - 1));
         std::memcpy(entry + kKshmNameBytes, &entries[i].code, sizeof entries[i].code);

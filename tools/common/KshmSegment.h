@@ -63,6 +63,10 @@ private:
     size_t size_ = 0;
 };
 
+// The directory's count and entries in the first bytes of any image of a segment, such as a
+// fuzzing seed; false if they don't fit in `size`.
+bool writeKshmDirectory(uint8_t* image, size_t size, const std::vector<KshmEntry>& entries);
+
 // Stores the `width` bytes of a host value at `to`, most significant first when `bigEndian`:
 // a value as a segment or a datagram carries it.
 void storeOrdered(uint8_t* to, const void* value, size_t width, bool bigEndian);
