@@ -4,7 +4,8 @@
 // of constants, internal variables and the example plug-in's variables, and live.k2d, a panel
 // that moves on the Auto source's test signals, and readouts.k2d, texts, a marker on a track and
 // a tinted picture on the same signals, and stripchart.k2d, a time graph and an xy graph, sliders
-// and a scrolling tape on them. Usage: korel2d-samples [--seeds] OUTPUT_DIR
+// and a scrolling tape on them, and feed.k2d, a panel on what korel2d-feed writes into shared
+// memory and sends in datagrams. Usage: korel2d-samples [--seeds] OUTPUT_DIR
 // With --seeds it also writes small views of each element kind, each action type and every
 // variable type: the seed corpus of the fuzzing harnesses.
 #include "Korel2D.h"
@@ -845,6 +846,114 @@ std::vector<uint8_t> stripChart()
     return b.bytes();
 }
 
+// ---------------------------------------------------------------- fed by another process
+
+// The sources that take values from another process, and the Calculator, by type number, and
+// the items of their list parameters that the feed panel picks.
+constexpr int kShmSource = 3, kUdpSource = 4, kCalculatorSource = 6;
+constexpr int kBigEndian = 0, kAutoLoadOn = 1;
+// What korel2d-feed writes by default: its segment's key and the port of its datagrams.
+const char* const kFeedKey = "0x4b324446";
+const char* const kFeedPort = "47020";
+
+// A value read at `offset` of a segment or a datagram.
+VariableFields atOffset(int type, const char* name, int offset)
+{
+    return {type, name, "", {{0, std::to_string(offset)}}};
+}
+
+// A readout of a count with its name above it.
+void counter(ViewBuilder& b, const char* name, float x, int id, const char* var)
+{
+    b.text(caption(x, 80, name, 12, kFrame), "counter name", "counter-name-ID");
+    readout(b, "counter", x, 52, 8, 18, shown(id, var, "%d"));
+}
+
+// The panel of korel2d-feed: the sine of its segment on a needle, the ramp of its datagrams as
+// a bar, the count of writes from each, and a lamp that a Calculator lights while the sine is
+// above 0.8. The segment's directory names its variables, and the source rebuilds its list from
+// it at each start, before the actions bind by name; the three are stored with their offsets
+// all the same, so that the file makes sense without the segment.
+std::vector<uint8_t> feed()
+{
+    ViewBuilder b;
+    panelFrame(b, 640, 400, "KOREL2D-FEED: SHARED MEMORY AND UDP");
+
+    section(b, "SHARED MEMORY", 20, 20, 250, 340, 101);
+    b.text(caption(135, 306, std::string("KEY ") + kFeedKey + "  BIG ENDIAN", 11, kFrame), "segment key",
+           "segment-key-ID");
+    CircleFields dial;
+    dial.x = 135, dial.y = 180;
+    dial.matrix[0] = dial.matrix[3] = 0.9f;
+    setColour(dial.fill, kDark);
+    setColour(dial.stroke, kBezel);
+    dial.strokeWidth = 3;
+    b.circle(dial, "dial", "dial-ID");
+    dialScale(b, "dial scale", 135, 180, 85, 64, 180, 0, 5, 4, -1, 1, "%.1f");
+    b.text(caption(135, 145, "SINE", 14, kFrame), "dial name", "dial-name-ID");
+    LineFields needle;
+    needle.x1 = 135, needle.y1 = 180, needle.x2 = 185, needle.y2 = 180;
+    needle.strokeWidth = 4;
+    setColour(needle.stroke, kYellow);
+    // SINE -1..1 turns the needle from pointing left, over the top, to pointing right.
+    ActionFields turn = action(1, KR_ACTION_ROTATE, "SINE", -1, 1, -180, 0);
+    turn.cg = KR_POS_LEFT;
+    b.actions({turn}).line(needle, "needle", "needle-ID");
+    CircleFields hub = dial;
+    hub.matrix[0] = hub.matrix[3] = 0.07f;
+    setColour(hub.fill, kBezel);
+    hub.strokeOn = 0;
+    b.circle(hub, "hub", "hub-ID");
+    counter(b, "COUNTER", 135, 2, "COUNTER");
+
+    section(b, "UDP DATAGRAMS", 260, 20, 450, 340, 101);
+    b.text(caption(355, 306, std::string("PORT ") + kFeedPort + "  BIG ENDIAN", 11, kFrame), "datagram port",
+           "datagram-port-ID");
+    PolyFields bar;
+    bar.closed = 1, bar.fillOn = 1;
+    setColour(bar.fill, kCyan);
+    setColour(bar.stroke, kFrame);
+    bar.strokeWidth = 2;
+    bar.points = {{0, 340, 100}, {1, 390, 100}, {2, 390, 270}, {3, 340, 270}};
+    b.actions({action(3, KR_ACTION_FILL_UP, "UDP_RAMP", 0, 1, 0, 1)}).cpoly(bar, "bar", "bar-ID");
+    barScale(b, "bar scale", 334, 100, 270, 5, 1, 0, 1, "%.2f");
+    b.text(caption(365, 284, "UDP_RAMP", 14, kFrame), "bar name", "bar-name-ID");
+    counter(b, "UDP_COUNTER", 355, 4, "UDP_COUNTER");
+
+    section(b, "CALCULATOR", 460, 20, 620, 340, 78);
+    b.text(caption(540, 306, "HIGH = SINE > 0.8", 11, kFrame), "expression", "expression-ID");
+    CircleFields lamp;
+    lamp.x = 540, lamp.y = 190;
+    lamp.matrix[0] = lamp.matrix[3] = 0.35f;
+    setColour(lamp.fill, kLampOff);
+    setColour(lamp.stroke, kBezel);
+    lamp.strokeWidth = 3;
+    ActionFields light = action(5, KR_ACTION_FILL_COLOR, "HIGH", 0, 1, 0, 1);
+    light.blocks[KR_THRESHOLDS_COLOR] = thresholds(0, 1, {threshold(0, 0.5f, 0, kLampOff), threshold(0.5f, 1, 0, kRed)});
+    b.actions({light}).circle(lamp, "lamp", "lamp-ID");
+    b.text(caption(540, 140, "HIGH", 14, kFrame), "lamp name", "lamp-name-ID");
+
+    SourceFields segment;
+    segment.id = kShmSource;
+    segment.dataParams = {{0, kFeedKey}, {kBigEndian, ""}, {kAutoLoadOn, ""}, {0, ""}};
+    segment.varParamCount = 1;
+    segment.variables = {atOffset(KR_VAR_FLOAT, "SINE", 120), atOffset(KR_VAR_FLOAT, "RAMP", 184),
+                         atOffset(KR_VAR_INT32, "COUNTER", 248)};
+    SourceFields datagrams;
+    datagrams.id = kUdpSource;
+    datagrams.dataParams = {{0, kFeedPort}, {0, "64"}, {kBigEndian, ""}};
+    datagrams.varParamCount = 1;
+    datagrams.variables = {atOffset(KR_VAR_FLOAT, "UDP_SINE", 0), atOffset(KR_VAR_FLOAT, "UDP_RAMP", 4),
+                           atOffset(KR_VAR_INT32, "UDP_COUNTER", 8)};
+    // After the segment's source, so that HIGH follows the sine in the same data cycle.
+    SourceFields calculator;
+    calculator.id = kCalculatorSource;
+    calculator.varParamCount = 2;
+    calculator.variables = {{KR_VAR_INT32, "HIGH", "", {{0, "SINE > 0.8"}, {0, ""}}}};
+    b.dataSection({segment, datagrams, calculator});
+    return b.bytes();
+}
+
 // ---------------------------------------------------------------- seed corpus
 
 using NamedView = std::pair<std::string, std::vector<uint8_t>>;
@@ -962,7 +1071,7 @@ int main(int argc, char** argv)
     }
     std::vector<NamedView> views = {
         {"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()},
-        {"readouts.k2d", readouts()}, {"stripchart.k2d", stripChart()}};
+        {"readouts.k2d", readouts()}, {"stripchart.k2d", stripChart()}, {"feed.k2d", feed()}};
     if (withSeeds) {
         std::vector<NamedView> seeds = seedViews();
         views.insert(views.end(), seeds.begin(), seeds.end());

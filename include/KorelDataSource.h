@@ -57,6 +57,20 @@ enum {
     KR_VAR_TEXT = 10   /* at most 255 characters and a terminator */
 };
 
+/** The first argument after the record of option(): whose parameter it describes. */
+enum { KRD_SCOPE_DATA = 0, KRD_SCOPE_VARIABLE = 1 };
+/** The field an editing host shows for a parameter (OPTION_STRUCT.kind). */
+enum { KRD_FIELD_TEXT = 0, KRD_FIELD_LIST = 1, KRD_FIELD_BUTTON = 2, KRD_FIELD_FORMULA = 3 };
+/** Type numbers of the built-in sources; a plug-in takes one of 7 or above. */
+enum {
+    KRD_TYPE_AUTO = 1,
+    KRD_TYPE_CONSTANT = 2,
+    KRD_TYPE_SHARED_MEMORY = 3,
+    KRD_TYPE_UDP = 4,
+    KRD_TYPE_INTERNAL = 5,
+    KRD_TYPE_CALCULATOR = 6
+};
+
 /* ================================================================ 2. records */
 
 #ifndef KOREL_SOURCE_RECORDS_NAMED

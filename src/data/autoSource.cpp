@@ -85,15 +85,15 @@ float numberIn(const PARA_STRUCT& slot)
 
 int krdAutoVarInfo(DD_DATA_TYPE_STRUCT* source)
 {
-    source->init(source, "Auto Data", 1, 0);
-    source->option(source, 1, 1, 0, "TYPE", kWaves[0].name, kWaves[1].name, kWaves[2].name, kWaves[3].name,
+    source->init(source, "Auto Data", KRD_TYPE_AUTO, 0);
+    source->option(source, KRD_SCOPE_VARIABLE, KRD_FIELD_LIST, 0, "TYPE", kWaves[0].name, kWaves[1].name, kWaves[2].name, kWaves[3].name,
                    kWaves[4].name, kWaves[5].name, kWaves[6].name, kWaves[7].name, kWaves[8].name, kWaves[9].name,
                    kWaves[10].name, kWaves[11].name, static_cast<const char*>(nullptr));
     // Three digits each, so the last one has only one behind the point.
-    source->option(source, 1, 1, 0, "FREQUENCY", "0.01 Hz", "0.02 Hz", "0.05 Hz", "0.10 Hz", "0.20 Hz", "0.50 Hz",
+    source->option(source, KRD_SCOPE_VARIABLE, KRD_FIELD_LIST, 0, "FREQUENCY", "0.01 Hz", "0.02 Hz", "0.05 Hz", "0.10 Hz", "0.20 Hz", "0.50 Hz",
                    "1.00 Hz", "2.00 Hz", "5.00 Hz", "10.0 Hz", static_cast<const char*>(nullptr));
-    source->option(source, 1, 0, 0, "MIN");
-    source->option(source, 1, 0, 0, "MAX");
+    source->option(source, KRD_SCOPE_VARIABLE, KRD_FIELD_TEXT, 0, "MIN");
+    source->option(source, KRD_SCOPE_VARIABLE, KRD_FIELD_TEXT, 0, "MAX");
     return 0;
 }
 

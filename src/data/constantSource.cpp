@@ -10,8 +10,8 @@ constexpr TextRules kValueText{10, false, LongWidth::Whole};
 
 int krdConstVarInfo(DD_DATA_TYPE_STRUCT* source)
 {
-    source->init(source, "Constant Data", 2, 0);
-    source->option(source, 1, 0, 0, "VALUE");
+    source->init(source, "Constant Data", KRD_TYPE_CONSTANT, 0);
+    source->option(source, KRD_SCOPE_VARIABLE, KRD_FIELD_TEXT, 0, "VALUE");
     return 0;
 }
 
@@ -19,8 +19,7 @@ int krdConstVarGet(VARIABLE_STRUCT* variable, DD_DATA_TYPE_STRUCT*)
 {
     if (!variable->value)
         return 0;
-    const char* text = variable->para && variable->nrPara > 0 && variable->para[0].sval ? variable->para[0].sval : "";
-    parseValue(variable->value, variable->type, text, kValueText);
+    parseValue(variable->value, variable->type, variableParaText(variable, 0), kValueText);
     return 0;
 }
 

@@ -7,7 +7,7 @@ namespace {
 
 int krdIntVarInfo(DD_DATA_TYPE_STRUCT* source)
 {
-    source->init(source, "Internal Data", 5, 0);
+    source->init(source, "Internal Data", KRD_TYPE_INTERNAL, 0);
     return 0;
 }
 

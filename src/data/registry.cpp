@@ -19,7 +19,9 @@ constexpr int kPathSize = 256;
 constexpr int kSymbolSize = 256 + 32;
 
 // In type-number order; the first holder of a number stays, so plug-ins can't take these.
-void (*const kBuiltinSources[])(DD_DATA_TYPE_STRUCT*) = {autoSourceEntries, constantSourceEntries, internalSourceEntries};
+void (*const kBuiltinSources[])(DD_DATA_TYPE_STRUCT*) = {autoSourceEntries,   constantSourceEntries,
+                                                             sharedMemorySourceEntries, udpSourceEntries,
+                                                             internalSourceEntries, calculatorSourceEntries};
 
 void setServices(DD_DATA_TYPE_STRUCT* source, bool plugin)
 {
@@ -339,12 +341,14 @@ int openDataSources(DD_DATA_TYPE_STRUCT* list)
 
 int callStartView(DD_DATA_TYPE_STRUCT* list)
 {
-    for (DD_DATA_TYPE_STRUCT* source = list; source; source = source->next) {
+    for (DD_DATA_TYPE_STRUCT* source = list; source; source = source->next)
         if (source->startView)
             source->startView(source);
+    // Only once every source has settled its variables: a StartView may replace them, and a
+    // source that keeps records of others' variables must never see the deleted ones.
+    for (DD_DATA_TYPE_STRUCT* source = list; source; source = source->next)
         if (source->startViewAll)
             source->startViewAll(list, source);
-    }
     return 0;
 }
 

@@ -57,8 +57,8 @@ int krdOption(DD_DATA_TYPE_STRUCT* source, int scope, int kind, unsigned flags, 
 {
     if (!source)
         return -1;
-    OPTION_STRUCT** options = scope == 0 ? &source->dataOptions : &source->varOptions;
-    int32_t* count = scope == 0 ? &source->nrData : &source->nrVar;
+    OPTION_STRUCT** options = scope == KRD_SCOPE_DATA ? &source->dataOptions : &source->varOptions;
+    int32_t* count = scope == KRD_SCOPE_DATA ? &source->nrData : &source->nrVar;
     OPTION_STRUCT* option = appendOption(options, *count);
     if (!option) {
         logMsg(1, "data->option 1: out of memory\n");
@@ -70,7 +70,7 @@ int krdOption(DD_DATA_TYPE_STRUCT* source, int scope, int kind, unsigned flags, 
 
     va_list args;
     va_start(args, title);
-    if (kind == 2) {
+    if (kind == KRD_FIELD_BUTTON) {
         const char* caption = va_arg(args, const char*);
         option->items = static_cast<char*>(calloc(1, kItemSize));
         if (!option->items) {
@@ -80,7 +80,7 @@ int krdOption(DD_DATA_TYPE_STRUCT* source, int scope, int kind, unsigned flags, 
         }
         copyText(option->items, kItemSize, caption);
         option->count = 1;
-    } else if (kind == 1) {
+    } else if (kind == KRD_FIELD_LIST) {
         va_list counting;
         va_copy(counting, args);
         int items = 0;
@@ -119,9 +119,9 @@ int krdAddVariable(DD_DATA_TYPE_STRUCT* source, const char* name, int type, ...)
     for (int i = 0; i < slots && source->varOptions; ++i) {
         PARA_STRUCT& slot = variable->para[i];
         int kind = source->varOptions[i].kind;
-        if (kind == 0)
+        if (kind == KRD_FIELD_TEXT)
             copyText(slot.sval, slot.size, va_arg(args, const char*));
-        else if (kind == 1)
+        else if (kind == KRD_FIELD_LIST)
             slot.ival = va_arg(args, int);
     }
     va_end(args);

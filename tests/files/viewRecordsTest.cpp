@@ -308,7 +308,7 @@ VariableFields variable(const std::string& name, int capacity, std::vector<ParaF
 // keep the stream in step.
 TEST(DataSectionsInFiles, SourcesKeepTheirStoredCountsAndTexts)
 {
-    const SourceFields few{3, {{7, "4711"}, {1, "big"}, {0, ""}}, 2,
+    const SourceFields few{77, {{7, "4711"}, {1, "big"}, {0, ""}}, 2,
                            {variable("level", 64, {{2, "offset 8"}, {5, std::string(63, 'x')}}),
                             variable("flow", 63, {{3, std::string(62, 'y')}}),
                             variable("long", 300, {{1, std::string(299, 'z')}})}};
@@ -325,9 +325,9 @@ TEST(DataSectionsInFiles, SourcesKeepTheirStoredCountsAndTexts)
     EXPECT_STREQ(loaded.view->elements->next->name, "last");
     const DD_DATA_TYPE_STRUCT* s = loaded.view->dataTypes;
     ASSERT_EQ(countList(s), 3);
-    // No source of type 3 is installed here: the view keeps what it stored.
-    EXPECT_EQ(std::make_tuple(s->id, s->nrData, s->nrVar, s->found), std::make_tuple(3, 3, 2, 0));
-    EXPECT_STREQ(s->name, "unknown Data Source 3");
+    // No source of type 77 is installed here: the view keeps what it stored.
+    EXPECT_EQ(std::make_tuple(s->id, s->nrData, s->nrVar, s->found), std::make_tuple(77, 3, 2, 0));
+    EXPECT_STREQ(s->name, "unknown Data Source 77");
     const DD_DATA_TYPE_STRUCT *wide = s->next, *raw = wide->next;
     EXPECT_EQ(std::make_tuple(wide->id, wide->nrData, wide->nrVar, raw->id), std::make_tuple(1234, 12, 0, 9));
     ASSERT_EQ(std::make_tuple(countList(s->variables), countList(wide->variables), countList(raw->variables)),
