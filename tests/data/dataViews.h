@@ -5,6 +5,10 @@
 #include "Korel2D.h"
 #include "ViewFixture.h"
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
@@ -41,6 +45,20 @@ template <class Done> bool waitFor(Done done)
     while (!done() && std::chrono::steady_clock::now() < end)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return done();
+}
+
+// A UDP port on the loopback that nothing holds now, for a test's own source.
+inline int freeUdpPort()
+{
+    const int probe = socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    const bool found = bind(probe, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+                       getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length) == 0;
+    close(probe);
+    return found ? ntohs(address.sin_port) : -1;
 }
 
 } // namespace k2dtest
