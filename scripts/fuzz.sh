@@ -4,7 +4,7 @@
 # generator writes and the regression corpus tests/fuzz/regression/ (textimage makes its views
 # from any bytes and expression reads them as the text of an expression: to these two they are
 # merely bytes).
-# Usage: sh scripts/fuzz.sh [SECONDS [HARNESS...]]  (default: 60 seconds, harnesses load draw textimage expression)
+# Usage: sh scripts/fuzz.sh [SECONDS [HARNESS...]]  (default: 60 seconds, harnesses load draw textimage expression live)
 # Inputs that find new code stay in build-fuzz/corpus/HARNESS/ for the next run; a crash is
 # written to build-fuzz/crashes/ and makes the script fail: once fixed, copy it into the
 # regression corpus.
@@ -13,7 +13,7 @@ cd "$(dirname "$0")/.."
 root=$(pwd)
 seconds=${1:-60}
 [ $# -gt 0 ] && shift
-harnesses=${*:-load draw textimage expression}
+harnesses=${*:-load draw textimage expression live}
 build="$root/build-fuzz"
 
 targets=korel2d-samples

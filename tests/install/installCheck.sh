@@ -70,4 +70,5 @@ cmake --build "$PREFIX/demoBuild" -j"$(nproc)" --target $TARGETS >/dev/null
 cmake --install "$PREFIX/demoBuild" --prefix "$PREFIX/demoInstall" >/dev/null
 test -f "$PREFIX/demoInstall/bin/libKrdExample.so"
 env -u LD_LIBRARY_PATH "$PREFIX/demoInstall/bin/korel2d-view" --help >/dev/null
-echo "install check: the demo build installs whole and its korel2d-view runs"
+"$PREFIX/demoInstall/bin/korel2d-feed" --help >/dev/null
+echo "install check: the demo build installs whole and its korel2d-view and korel2d-feed run"
