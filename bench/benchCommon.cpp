@@ -72,10 +72,10 @@ void SummaryReporter::ReportRuns(const std::vector<Run>& runs)
     ConsoleReporter::ReportRuns(runs);
 }
 
-void SummaryReporter::printRatio(const std::string& drawn, const std::string& reference) const
+void SummaryReporter::printRatio(const std::string& drawn, const std::string& reference, const char* what) const
 {
     if (seconds.count(drawn) && seconds.count(reference))
-        std::printf("draw/reference ratio: %.2f\n", seconds.at(drawn) / seconds.at(reference));
+        std::printf("%s ratio: %.2f\n", what, seconds.at(drawn) / seconds.at(reference));
 }
 
 benchmark::internal::Benchmark* timedAsFrames(benchmark::internal::Benchmark* benchmark)

@@ -75,8 +75,8 @@ double medianPairedRatio(int pairs, const std::function<void()>& library, const 
 class SummaryReporter : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run>& runs) override;
-    // Prints "draw/reference ratio: R" when both benchmarks ran.
-    void printRatio(const std::string& drawn, const std::string& reference) const;
+    // Prints "<what> ratio: R", drawn over reference, when both benchmarks ran.
+    void printRatio(const std::string& drawn, const std::string& reference, const char* what = "draw/reference") const;
     std::map<std::string, double> seconds;
 };
 

@@ -140,12 +140,10 @@ double function(uint32_t code, double a, double b)
     return 0.0;
 }
 
-// One token applied to its operands, given left to right.
-double apply(Parser* parser, Token* token, const double* x)
+// An operator, a function or an unknown character applied to its operands, given left to right.
+double apply(const Token* token, const double* x)
 {
     switch (token->code) {
-    case TOKEN_NUMBER: return token->value;
-    case TOKEN_VARIABLE: return parser->readVariable ? parser->readVariable(parser->user, token, token->name) : 1.0;
     case TOKEN_IF: return operator_if(x[0], x[1], x[2]);
     case TOKEN_LOG_OR: return x[0] != 0 || x[1] != 0;
     case TOKEN_LOG_AND: return x[0] != 0 && x[1] != 0;
@@ -368,10 +366,29 @@ double evaluate(Parser* parser)
     int height = 0;
     for (int i = parser->reached; i < output->count; ++i) {
         Token* token = &output->items[i];
-        double operands[3] = {0.0, 0.0, 0.0};
-        for (int k = operandCount(*token) - 1; k >= 0 && height > 0; --k)
-            operands[k] = values[--height];
-        values[height++] = apply(parser, token, operands);
+        // Operands make about half of the tokens and take nothing from the stack.
+        if (token->code == TOKEN_NUMBER) {
+            values[height++] = token->value;
+            continue;
+        }
+        if (token->code == TOKEN_VARIABLE) {
+            values[height++] = parser->readVariable ? parser->readVariable(parser->user, token, token->name) : 1.0;
+            continue;
+        }
+        // An operator takes the top values where they lie, left to right. Copying them out
+        // into a zeroed array first took a fifth of a typical evaluation.
+        const int count = operandCount(*token);
+        if (height >= count) {
+            height -= count;
+            values[height] = apply(token, values + height);
+        } else {
+            // Operands missing at the bottom read 0.0.
+            double operands[3] = {0.0, 0.0, 0.0};
+            for (int k = count - 1; height > 0; --k)
+                operands[k] = values[--height];
+            values[height] = apply(token, operands);
+        }
+        ++height;
     }
     return values[height - 1];
 }
