@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace {
 
@@ -111,39 +112,54 @@ double remainder32(double a, double b)
     return x % y;
 }
 
-double function(uint32_t code, double a, double b)
-{
-    switch (code) {
-    case FUNCTION_SIN: return std::sin(a);
-    case FUNCTION_COS: return std::cos(a);
-    case FUNCTION_TAN: return std::tan(a);
-    case FUNCTION_LOG: return std::log(a);
+using Unary = double (*)(double);
+using Binary = double (*)(double, double);
+
+struct MathFunction {
+    uint32_t code;
+    Unary unary;   // of a function of one argument
+    Binary binary; // of one of two
+};
+
+const MathFunction kMathFunctions[] = {
+    {FUNCTION_SIN, [](double a) { return std::sin(a); }, nullptr},
+    {FUNCTION_COS, [](double a) { return std::cos(a); }, nullptr},
+    {FUNCTION_TAN, [](double a) { return std::tan(a); }, nullptr},
+    {FUNCTION_LOG, [](double a) { return std::log(a); }, nullptr},
     // In 64 bits, so that the lowest 32-bit integer has an absolute value too.
-    case FUNCTION_ABS: return double(std::llabs(truncToInt(a)));
-    case FUNCTION_ASIN: return std::asin(a);
-    case FUNCTION_ACOS: return std::acos(a);
-    case FUNCTION_ATAN: return std::atan(a);
-    case FUNCTION_SQRT: return std::sqrt(a);
-    case FUNCTION_EXP: return std::exp(a);
-    case FUNCTION_CEIL: return std::ceil(a);
-    case FUNCTION_FLOOR: return std::floor(a);
-    case FUNCTION_SINH: return std::sinh(a);
-    case FUNCTION_COSH: return std::cosh(a);
-    case FUNCTION_TANH: return std::tanh(a);
-    case FUNCTION_ATAN2: return std::atan2(a, b);
-    case FUNCTION_POW: return std::pow(a, b);
-    case FUNCTION_FABS: return std::fabs(a);
-    case FUNCTION_MIN: return std::min(a, b);
-    case FUNCTION_MAX: return std::max(a, b);
-    case FUNCTION_FINT: return truncToInt(a);
-    }
-    return 0.0;
+    {FUNCTION_ABS, [](double a) { return double(std::llabs(truncToInt(a))); }, nullptr},
+    {FUNCTION_ASIN, [](double a) { return std::asin(a); }, nullptr},
+    {FUNCTION_ACOS, [](double a) { return std::acos(a); }, nullptr},
+    {FUNCTION_ATAN, [](double a) { return std::atan(a); }, nullptr},
+    {FUNCTION_SQRT, [](double a) { return std::sqrt(a); }, nullptr},
+    {FUNCTION_EXP, [](double a) { return std::exp(a); }, nullptr},
+    {FUNCTION_CEIL, [](double a) { return std::ceil(a); }, nullptr},
+    {FUNCTION_FLOOR, [](double a) { return std::floor(a); }, nullptr},
+    {FUNCTION_SINH, [](double a) { return std::sinh(a); }, nullptr},
+    {FUNCTION_COSH, [](double a) { return std::cosh(a); }, nullptr},
+    {FUNCTION_TANH, [](double a) { return std::tanh(a); }, nullptr},
+    {FUNCTION_ATAN2, nullptr, [](double a, double b) { return std::atan2(a, b); }},
+    {FUNCTION_POW, nullptr, [](double a, double b) { return std::pow(a, b); }},
+    {FUNCTION_FABS, [](double a) { return std::fabs(a); }, nullptr},
+    {FUNCTION_MIN, nullptr, [](double a, double b) { return std::min(a, b); }},
+    {FUNCTION_MAX, nullptr, [](double a, double b) { return std::max(a, b); }},
+    {FUNCTION_FINT, [](double a) { return double(truncToInt(a)); }, nullptr},
+};
+
+// A function code the scanner never makes reads 0.0, as an unknown token does.
+const MathFunction& mathFunction(uint32_t code)
+{
+    static const MathFunction unknown = {0, [](double) { return 0.0; }, nullptr};
+    for (const MathFunction& f : kMathFunctions)
+        if (f.code == code)
+            return f;
+    return unknown;
 }
 
-// An operator, a function or an unknown character applied to its operands, given left to right.
-double apply(const Token* token, const double* x)
+// An operator applied to its operands, given left to right.
+double apply(uint32_t code, const double* x)
 {
-    switch (token->code) {
+    switch (code) {
     case TOKEN_IF: return operator_if(x[0], x[1], x[2]);
     case TOKEN_LOG_OR: return x[0] != 0 || x[1] != 0;
     case TOKEN_LOG_AND: return x[0] != 0 && x[1] != 0;
@@ -164,35 +180,161 @@ double apply(const Token* token, const double* x)
     case TOKEN_NEGATE: return -x[0];
     case TOKEN_LOG_NOT: return x[0] == 0;
     case TOKEN_BIT_NOT: return ~truncToInt(x[0]);
-    case TOKEN_FUNCTION: return function(token->function, x[0], x[1]);
     }
     return 0.0;
 }
 
+double apply2(uint32_t code, double left, double right)
+{
+    const double x[2] = {left, right};
+    return apply(code, x);
+}
+
+} // namespace
+
+// One step of the evaluation plan: a token of the output, or a missing operand.
+struct Step {
+    uint8_t op;       // StepOp
+    uint8_t operands; // of a step applied through `apply`
+    uint32_t code;    // the token's
+    double value;     // of a number
+    Token* token;     // of a variable, for the callback
+    Unary unary;
+    Binary binary;
+};
+
+namespace {
+
+// The steps that evaluation dispatches on, dense so that one table of jumps serves them. Each
+// binary step comes in three: its right operand on the stack, or the number or the variable
+// that stood right before it in the output, taken into the step.
+enum StepOp : uint8_t {
+    OP_NUMBER,
+    OP_VARIABLE,
+    OP_ZERO, // a missing operand: 0.0
+    OP_UNARY_FUNCTION,
+    OP_IF,
+    OP_OTHER, // the rest, through apply
+    OP_DONE,
+    OP_PLUS,
+    OP_MINUS = OP_PLUS + 3,
+    OP_MULT = OP_MINUS + 3,
+    OP_DIV = OP_MULT + 3,
+    OP_GREATER = OP_DIV + 3,
+    OP_LESS = OP_GREATER + 3,
+    OP_BINARY_FUNCTION = OP_LESS + 3,
+    OP_BINARY = OP_BINARY_FUNCTION + 3, // any other operator of two operands
+    OP_COUNT = OP_BINARY + 3,
+};
+
+// Added to a binary step's code.
+enum Right : uint8_t { RIGHT_ON_STACK, RIGHT_NUMBER, RIGHT_VARIABLE };
+
+Step stepOf(Token& token)
+{
+    Step step{OP_OTHER, uint8_t(operandCount(token)), token.code, token.value, &token, nullptr, nullptr};
+    switch (token.code) {
+    case TOKEN_NUMBER: step.op = OP_NUMBER; break;
+    case TOKEN_VARIABLE: step.op = OP_VARIABLE; break;
+    case TOKEN_PLUS: step.op = OP_PLUS; break;
+    case TOKEN_MINUS: step.op = OP_MINUS; break;
+    case TOKEN_MULT: step.op = OP_MULT; break;
+    case TOKEN_DIV: step.op = OP_DIV; break;
+    case TOKEN_GREATER: step.op = OP_GREATER; break;
+    case TOKEN_LESS: step.op = OP_LESS; break;
+    case TOKEN_IF: step.op = OP_IF; break;
+    case TOKEN_FUNCTION: {
+        const MathFunction& f = mathFunction(token.function);
+        step.op = f.binary ? OP_BINARY_FUNCTION : OP_UNARY_FUNCTION;
+        step.unary = f.unary, step.binary = f.binary;
+        break;
+    }
+    default:
+        if (step.operands == 2)
+            step.op = OP_BINARY;
+    }
+    return step;
+}
+
+bool isBinary(const Step& step)
+{
+    return step.op >= OP_PLUS;
+}
+
 // Reading the output from the top down, an operator takes its operands from below it, and
 // whatever lies below the first complete expression is never reached. Forward evaluation gives
-// the same values from the reached part alone: a missing operand, at the bottom, reads 0.0 in
-// both. The value stack is sized here, so evaluation allocates nothing.
+// the same values from the reached part alone. The height of the value stack at each token
+// doesn't depend on the values, so the plan knows which operands are missing: they stand at
+// the bottom, read 0.0, and become steps of their own where the bottom value began. The steps
+// are small and contiguous, and evaluation checks nothing and allocates nothing.
 int planEvaluation(Parser* parser)
 {
     TokenStack* output = parser->output;
     stackReset(output);
-    int missing = 1;
-    parser->reached = 0;
+    int missing = 1, reached = 0;
     while (Token* token = stackPopShadow(output)) {
         missing += operandCount(*token) - 1;
         if (missing == 0) {
-            parser->reached = output->shadow;
+            reached = output->shadow;
             break;
         }
     }
-    int height = 0, depth = 1;
-    for (int i = parser->reached; i < output->count; ++i) {
-        height = std::max(height - operandCount(output->items[i]), 0) + 1;
-        depth = std::max(depth, height);
+    // Where each value on the stack began, by token index, and how many zeros go before a token.
+    std::vector<int> starts;
+    std::vector<int> zerosBefore(size_t(output->count) + 1, 0);
+    int zeros = 0;
+    for (int i = reached; i < output->count; ++i) {
+        const int count = operandCount(output->items[i]);
+        const int height = int(starts.size());
+        if (count > height) {
+            const int at = height ? starts[0] : i;
+            zerosBefore[size_t(at)] += count - height;
+            zeros += count - height;
+            starts.insert(starts.begin(), size_t(count - height), at);
+        }
+        const int start = count ? starts[starts.size() - size_t(count)] : i;
+        starts.resize(starts.size() - size_t(count));
+        starts.push_back(start);
     }
-    parser->values = static_cast<double*>(malloc(sizeof(double) * depth));
+    const int stepCount = output->count - reached + zeros;
+    parser->steps = static_cast<Step*>(calloc(size_t(stepCount) + 1, sizeof(Step)));
+    if (!parser->steps)
+        return -1;
+    Step* step = parser->steps;
+    int height = 0, depth = 1;
+    for (int i = reached; i < output->count; ++i) {
+        for (int k = 0; k < zerosBefore[size_t(i)]; ++k)
+            *step++ = Step{OP_ZERO, 0, 0, 0.0, nullptr, nullptr, nullptr};
+        height += zerosBefore[size_t(i)];
+        depth = std::max(depth, height);
+        Token& token = output->items[i];
+        *step = stepOf(token);
+        // A number or variable right before a binary step is its right operand: one step less,
+        // and the variable is still asked for at its place in the order.
+        Step* before = step > parser->steps ? step - 1 : nullptr;
+        if (before && isBinary(*step) && (before->op == OP_NUMBER || before->op == OP_VARIABLE)) {
+            step->op += before->op == OP_NUMBER ? RIGHT_NUMBER : RIGHT_VARIABLE;
+            step->value = before->value, step->token = before->token;
+            *before = *step;
+        } else {
+            ++step;
+        }
+        depth = std::max(depth, height = height - operandCount(token) + 1);
+    }
+    step->op = OP_DONE;
+    parser->stepCount = int(step - parser->steps);
+    // One more: the first push stores the top that holds nothing yet.
+    parser->values = static_cast<double*>(malloc(sizeof(double) * size_t(depth + 1)));
     return parser->values ? 0 : -1;
+}
+
+void releasePlan(Parser* parser)
+{
+    free(parser->steps);
+    free(parser->values);
+    parser->steps = nullptr;
+    parser->stepCount = 0;
+    parser->values = nullptr;
 }
 
 constexpr int kRefused = -2;
@@ -330,7 +472,8 @@ int parse(Parser* parser)
     parser->token.code = TOKEN_NONE;
     parser->readVariable = nullptr;
     parser->values = nullptr;
-    parser->reached = 0;
+    parser->steps = nullptr;
+    parser->stepCount = 0;
     parser->operators = stackCreate();
     parser->output = stackCreate();
     int result = parser->operators && parser->output ? compile(parser) : -1;
@@ -345,8 +488,7 @@ int parse(Parser* parser)
         // Refused or out of memory: nothing is left to evaluate, so the expression reads 0.0.
         if (parser->output)
             parser->output->count = parser->output->shadow = 0;
-        free(parser->values);
-        parser->values = nullptr;
+        releasePlan(parser);
     }
     return result;
 }
@@ -359,44 +501,94 @@ void setVarFunc(Parser* parser, void* user, ReadVariableFunc function)
 
 double evaluate(Parser* parser)
 {
-    TokenStack* output = parser->output;
-    double* values = parser->values;
-    if (!output || !values || output->count == 0)
+    const Step* step = parser->steps;
+    if (!step || !parser->values || parser->stepCount == 0)
         return 0.0;
-    int height = 0;
-    for (int i = parser->reached; i < output->count; ++i) {
-        Token* token = &output->items[i];
-        // Operands make about half of the tokens and take nothing from the stack.
-        if (token->code == TOKEN_NUMBER) {
-            values[height++] = token->value;
-            continue;
-        }
-        if (token->code == TOKEN_VARIABLE) {
-            values[height++] = parser->readVariable ? parser->readVariable(parser->user, token, token->name) : 1.0;
-            continue;
-        }
-        // An operator takes the top values where they lie, left to right. Copying them out
-        // into a zeroed array first took a fifth of a typical evaluation.
-        const int count = operandCount(*token);
-        if (height >= count) {
-            height -= count;
-            values[height] = apply(token, values + height);
-        } else {
-            // Operands missing at the bottom read 0.0.
-            double operands[3] = {0.0, 0.0, 0.0};
-            for (int k = count - 1; height > 0; --k)
-                operands[k] = values[--height];
-            values[height] = apply(token, operands);
-        }
-        ++height;
-    }
-    return values[height - 1];
+    const ReadVariableFunc readVariable = parser->readVariable;
+    void* const user = parser->user;
+    auto read = [=](const Step* s) { return readVariable ? readVariable(user, s->token, s->token->name) : 1.0; };
+    // The top of the value stack stays in `top`, the values below it in memory: most steps
+    // then change only `top`.
+    double top = 0.0;
+    double* below = parser->values;
+    auto push = [&](double value) { *++below = top, top = value; };
+    auto pop = [&] {
+        const double value = top;
+        top = *below--;
+        return value;
+    };
+
+    // Direct threading (a GNU extension that GCC and Clang share): each step jumps to the next
+    // one's code through its own jump, which a processor predicts far better than the one jump
+    // of a switch. It makes an evaluation about a sixth faster.
+#define K2D_BINARY_LABELS(name) &&name, &&name##Number, &&name##Variable
+    static void* const kCode[OP_COUNT] = {
+        &&number, &&variable, &&zero, &&unaryFunction, &&ifElse, &&other, &&done,
+        K2D_BINARY_LABELS(plus), K2D_BINARY_LABELS(minus), K2D_BINARY_LABELS(mult), K2D_BINARY_LABELS(div),
+        K2D_BINARY_LABELS(greater), K2D_BINARY_LABELS(less), K2D_BINARY_LABELS(binaryFunction),
+        K2D_BINARY_LABELS(binary)};
+#define K2D_NEXT goto* kCode[(++step)->op]
+// The three forms of a binary step computing `result` from `top` and `right`.
+#define K2D_BINARY_STEP(name, result)                                                                                  \
+    name : {                                                                                                           \
+        const double right = pop();                                                                                    \
+        top = (result);                                                                                                \
+    }                                                                                                                  \
+    K2D_NEXT;                                                                                                          \
+    name##Number : {                                                                                                   \
+        const double right = step->value;                                                                              \
+        top = (result);                                                                                                \
+    }                                                                                                                  \
+    K2D_NEXT;                                                                                                          \
+    name##Variable : {                                                                                                 \
+        const double right = read(step);                                                                               \
+        top = (result);                                                                                                \
+    }                                                                                                                  \
+    K2D_NEXT;
+
+    goto* kCode[step->op];
+number:
+    push(step->value);
+    K2D_NEXT;
+variable:
+    push(read(step));
+    K2D_NEXT;
+zero:
+    push(0.0);
+    K2D_NEXT;
+unaryFunction:
+    top = step->unary(top);
+    K2D_NEXT;
+ifElse:
+    top = operator_if(below[-1], below[0], top), below -= 2;
+    K2D_NEXT;
+other: {
+    // A unary operator, or a token that stands for no value and pushes 0.0.
+    double x[1] = {top};
+    if (step->operands == 0)
+        push(apply(step->code, x));
+    else
+        top = apply(step->code, x);
+}
+    K2D_NEXT;
+    K2D_BINARY_STEP(plus, top + right)
+    K2D_BINARY_STEP(minus, top - right)
+    K2D_BINARY_STEP(mult, top * right)
+    K2D_BINARY_STEP(div, top / right)
+    K2D_BINARY_STEP(greater, top > right)
+    K2D_BINARY_STEP(less, top < right)
+    K2D_BINARY_STEP(binaryFunction, step->binary(top, right))
+    K2D_BINARY_STEP(binary, apply2(step->code, top, right))
+done:
+#undef K2D_BINARY_STEP
+#undef K2D_NEXT
+#undef K2D_BINARY_LABELS
+    return top;
 }
 
 void cleanup(Parser* parser)
 {
     stackDelete(parser->output);
     parser->output = nullptr;
-    free(parser->values);
-    parser->values = nullptr;
+    releasePlan(parser);
 }

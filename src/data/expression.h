@@ -97,9 +97,10 @@ struct Parser {
     ReadVariableFunc readVariable;
     TokenStack* operators;     // only while parsing
     TokenStack* output;        // the compiled expression, in postfix order
-    // The evaluation plan, made by parse: tokens below `reached` lie outside the expression
-    // that the top of the output forms, and `values` holds the operands while evaluating.
-    int reached;
+    // The evaluation plan, made by parse from the output: the steps in order, with the value
+    // stack they need.
+    struct Step* steps;
+    int stepCount;
     double* values;
 };
 
