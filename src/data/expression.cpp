@@ -1,6 +1,7 @@
 // The expression engine: scanner, a one-pass shunting-yard compiler, and an evaluation that
-// runs the postfix stack from the bottom with a value stack. No step recurses, so the nesting
-// of an expression is bounded only by its length, never by the thread's stack.
+// runs a plan made from the postfix stack, from the bottom, with a value stack. No step
+// recurses, so the nesting of an expression is bounded only by its length, never by the
+// thread's stack.
 #include "data/expression.h"
 
 #include "Korel2D.h"
@@ -156,38 +157,34 @@ const MathFunction& mathFunction(uint32_t code)
     return unknown;
 }
 
-// An operator applied to its operands, given left to right.
-double apply(uint32_t code, const double* x)
+// The operators of two operands that have no step of their own.
+double applyBinary(uint32_t code, double a, double b)
 {
     switch (code) {
-    case TOKEN_IF: return operator_if(x[0], x[1], x[2]);
-    case TOKEN_LOG_OR: return x[0] != 0 || x[1] != 0;
-    case TOKEN_LOG_AND: return x[0] != 0 && x[1] != 0;
-    case TOKEN_BIT_OR: return truncToInt(x[0]) | truncToInt(x[1]);
-    case TOKEN_BIT_EXCL: return truncToInt(x[0]) ^ truncToInt(x[1]);
-    case TOKEN_BIT_AND: return truncToInt(x[0]) & truncToInt(x[1]);
-    case TOKEN_NOT_EQUAL: return x[0] != x[1];
-    case TOKEN_EQUAL: return x[0] == x[1];
-    case TOKEN_GREATER_EQUAL: return x[0] >= x[1];
-    case TOKEN_GREATER: return x[0] > x[1];
-    case TOKEN_LESS_EQUAL: return x[0] <= x[1];
-    case TOKEN_LESS: return x[0] < x[1];
-    case TOKEN_MINUS: return x[0] - x[1];
-    case TOKEN_PLUS: return x[0] + x[1];
-    case TOKEN_MOD: return remainder32(x[0], x[1]);
-    case TOKEN_DIV: return x[0] / x[1];
-    case TOKEN_MULT: return x[0] * x[1];
-    case TOKEN_NEGATE: return -x[0];
-    case TOKEN_LOG_NOT: return x[0] == 0;
-    case TOKEN_BIT_NOT: return ~truncToInt(x[0]);
+    case TOKEN_LOG_OR: return a != 0 || b != 0;
+    case TOKEN_LOG_AND: return a != 0 && b != 0;
+    case TOKEN_BIT_OR: return truncToInt(a) | truncToInt(b);
+    case TOKEN_BIT_EXCL: return truncToInt(a) ^ truncToInt(b);
+    case TOKEN_BIT_AND: return truncToInt(a) & truncToInt(b);
+    case TOKEN_NOT_EQUAL: return a != b;
+    case TOKEN_EQUAL: return a == b;
+    case TOKEN_GREATER_EQUAL: return a >= b;
+    case TOKEN_LESS_EQUAL: return a <= b;
+    case TOKEN_MOD: return remainder32(a, b);
     }
     return 0.0;
 }
 
-double apply2(uint32_t code, double left, double right)
+// The unary operators; a token that stands for no value (a character the language lacks, a
+// comma or colon left over) gives 0.0.
+double applyUnary(uint32_t code, double a)
 {
-    const double x[2] = {left, right};
-    return apply(code, x);
+    switch (code) {
+    case TOKEN_NEGATE: return -a;
+    case TOKEN_LOG_NOT: return a == 0;
+    case TOKEN_BIT_NOT: return ~truncToInt(a);
+    }
+    return 0.0;
 }
 
 } // namespace
@@ -195,7 +192,7 @@ double apply2(uint32_t code, double left, double right)
 // One step of the evaluation plan: a token of the output, or a missing operand.
 struct Step {
     uint8_t op;       // StepOp
-    uint8_t operands; // of a step applied through `apply`
+    uint8_t operands; // of the token
     uint32_t code;    // the token's
     double value;     // of a number
     Token* token;     // of a variable, for the callback
@@ -214,7 +211,7 @@ enum StepOp : uint8_t {
     OP_ZERO, // a missing operand: 0.0
     OP_UNARY_FUNCTION,
     OP_IF,
-    OP_OTHER, // the rest, through apply
+    OP_OTHER, // a unary operator, or a token of no value
     OP_DONE,
     OP_PLUS,
     OP_MINUS = OP_PLUS + 3,
@@ -562,14 +559,11 @@ unaryFunction:
 ifElse:
     top = operator_if(below[-1], below[0], top), below -= 2;
     K2D_NEXT;
-other: {
-    // A unary operator, or a token that stands for no value and pushes 0.0.
-    double x[1] = {top};
+other:
     if (step->operands == 0)
-        push(apply(step->code, x));
+        push(applyUnary(step->code, 0.0));
     else
-        top = apply(step->code, x);
-}
+        top = applyUnary(step->code, top);
     K2D_NEXT;
     K2D_BINARY_STEP(plus, top + right)
     K2D_BINARY_STEP(minus, top - right)
@@ -578,7 +572,7 @@ other: {
     K2D_BINARY_STEP(greater, top > right)
     K2D_BINARY_STEP(less, top < right)
     K2D_BINARY_STEP(binaryFunction, step->binary(top, right))
-    K2D_BINARY_STEP(binary, apply2(step->code, top, right))
+    K2D_BINARY_STEP(binary, applyBinary(step->code, top, right))
 done:
 #undef K2D_BINARY_STEP
 #undef K2D_NEXT
