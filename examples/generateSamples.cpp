@@ -203,6 +203,41 @@ void barScale(ViewBuilder& b, const char* name, float x, float bottom, float top
     });
 }
 
+// A round dial face centred on (x, y), `size` times the unit circle, with a scale from -1 to 1
+// over its upper half; the caption goes on it before its needle.
+void sineDialFace(ViewBuilder& b, float x, float y, float size, float scaleRadius, float numbers)
+{
+    CircleFields dial;
+    dial.x = x, dial.y = y;
+    dial.matrix[0] = dial.matrix[3] = size;
+    setColour(dial.fill, kDark);
+    setColour(dial.stroke, kBezel);
+    dial.strokeWidth = 3;
+    b.circle(dial, "dial", "dial-ID");
+    dialScale(b, "dial scale", x, y, scaleRadius, numbers, 180, 0, 5, 4, -1, 1, "%.1f");
+}
+
+// The needle of that dial, `length` long, turned by `variable` from -1 (pointing left) over the
+// top to 1 (pointing right), on a hub of `hubSize`.
+void sineDialNeedle(ViewBuilder& b, float x, float y, float length, float hubSize, const char* variable)
+{
+    LineFields needle;
+    needle.x1 = x, needle.y1 = y, needle.x2 = x + length, needle.y2 = y;
+    needle.strokeWidth = 4;
+    setColour(needle.stroke, kYellow);
+    ActionFields turn = action(1, KR_ACTION_ROTATE, variable, -1, 1, -180, 0);
+    turn.cg = KR_POS_LEFT;
+    b.actions({turn}).line(needle, "needle", "needle-ID");
+    CircleFields hub;
+    hub.x = x, hub.y = y;
+    hub.matrix[0] = hub.matrix[3] = hubSize;
+    setColour(hub.fill, kBezel);
+    setColour(hub.stroke, kBezel);
+    hub.strokeWidth = 3;
+    hub.strokeOn = 0;
+    b.circle(hub, "hub", "hub-ID");
+}
+
 // Five lamps in bezels of 50 x 50 along the top of the instrument area, each named above it.
 void lampRow(ViewBuilder& b)
 {
@@ -511,28 +546,9 @@ std::vector<uint8_t> live()
     panelFrame(b, 640, 400, "AUTO SOURCE TEST SIGNALS");
 
     // A sine in volts on a dial whose upper half is the scale.
-    CircleFields dial;
-    dial.x = 150, dial.y = 190;
-    dial.matrix[0] = dial.matrix[3] = 1.1f;
-    setColour(dial.fill, kDark);
-    setColour(dial.stroke, kBezel);
-    dial.strokeWidth = 3;
-    b.circle(dial, "dial", "dial-ID");
-    dialScale(b, "dial scale", 150, 190, 104, 80, 180, 0, 5, 4, -1, 1, "%.1f");
+    sineDialFace(b, 150, 190, 1.1f, 104, 80);
     b.text(caption(150, 150, "SIN  V", 14, kFrame), "dial unit", "dial-unit-ID");
-    LineFields needle;
-    needle.x1 = 150, needle.y1 = 190, needle.x2 = 215, needle.y2 = 190;
-    needle.strokeWidth = 4;
-    setColour(needle.stroke, kYellow);
-    // SIN -1..1 turns the needle from pointing left, over the top, to pointing right.
-    ActionFields turn = action(1, KR_ACTION_ROTATE, "SIN", -1, 1, -180, 0);
-    turn.cg = KR_POS_LEFT;
-    b.actions({turn}).line(needle, "needle", "needle-ID");
-    CircleFields hub = dial;
-    hub.matrix[0] = hub.matrix[3] = 0.08f;
-    setColour(hub.fill, kBezel);
-    hub.strokeOn = 0;
-    b.circle(hub, "hub", "hub-ID");
+    sineDialNeedle(b, 150, 190, 65, 0.08f, "SIN");
     readout(b, "dial readout", 150, 50, 8, 18, shown(7, "SIN", "%6.3f V"));
 
     // A triangle wave as the level of a bar, in per cent.
@@ -883,28 +899,9 @@ std::vector<uint8_t> feed()
     section(b, "SHARED MEMORY", 20, 20, 250, 340, 101);
     b.text(caption(135, 306, std::string("KEY ") + kFeedKey + "  BIG ENDIAN", 11, kFrame), "segment key",
            "segment-key-ID");
-    CircleFields dial;
-    dial.x = 135, dial.y = 180;
-    dial.matrix[0] = dial.matrix[3] = 0.9f;
-    setColour(dial.fill, kDark);
-    setColour(dial.stroke, kBezel);
-    dial.strokeWidth = 3;
-    b.circle(dial, "dial", "dial-ID");
-    dialScale(b, "dial scale", 135, 180, 85, 64, 180, 0, 5, 4, -1, 1, "%.1f");
+    sineDialFace(b, 135, 180, 0.9f, 85, 64);
     b.text(caption(135, 145, "SINE", 14, kFrame), "dial name", "dial-name-ID");
-    LineFields needle;
-    needle.x1 = 135, needle.y1 = 180, needle.x2 = 185, needle.y2 = 180;
-    needle.strokeWidth = 4;
-    setColour(needle.stroke, kYellow);
-    // SINE -1..1 turns the needle from pointing left, over the top, to pointing right.
-    ActionFields turn = action(1, KR_ACTION_ROTATE, "SINE", -1, 1, -180, 0);
-    turn.cg = KR_POS_LEFT;
-    b.actions({turn}).line(needle, "needle", "needle-ID");
-    CircleFields hub = dial;
-    hub.matrix[0] = hub.matrix[3] = 0.07f;
-    setColour(hub.fill, kBezel);
-    hub.strokeOn = 0;
-    b.circle(hub, "hub", "hub-ID");
+    sineDialNeedle(b, 135, 180, 50, 0.07f, "SINE");
     counter(b, "COUNTER", 135, 2, "COUNTER");
 
     section(b, "UDP DATAGRAMS", 260, 20, 450, 340, 101);
