@@ -238,6 +238,19 @@ void sineDialNeedle(ViewBuilder& b, float x, float y, float length, float hubSiz
     b.circle(hub, "hub", "hub-ID");
 }
 
+// An upright cyan bar from x0 to x1 that `variable` fills from `bottom` up to `top` as it goes
+// from 0 to 1.
+void levelBar(ViewBuilder& b, float x0, float x1, float bottom, float top, int actionId, const char* variable)
+{
+    PolyFields bar;
+    bar.closed = 1, bar.fillOn = 1;
+    setColour(bar.fill, kCyan);
+    setColour(bar.stroke, kFrame);
+    bar.strokeWidth = 2;
+    bar.points = {{0, x0, bottom}, {1, x1, bottom}, {2, x1, top}, {3, x0, top}};
+    b.actions({action(actionId, KR_ACTION_FILL_UP, variable, 0, 1, 0, 1)}).cpoly(bar, "bar", "bar-ID");
+}
+
 // Five lamps in bezels of 50 x 50 along the top of the instrument area, each named above it.
 void lampRow(ViewBuilder& b)
 {
@@ -552,13 +565,7 @@ std::vector<uint8_t> live()
     readout(b, "dial readout", 150, 50, 8, 18, shown(7, "SIN", "%6.3f V"));
 
     // A triangle wave as the level of a bar, in per cent.
-    PolyFields bar;
-    bar.closed = 1, bar.fillOn = 1;
-    setColour(bar.fill, kCyan);
-    setColour(bar.stroke, kFrame);
-    bar.strokeWidth = 2;
-    bar.points = {{0, 320, 100}, {1, 370, 100}, {2, 370, 300}, {3, 320, 300}};
-    b.actions({action(2, KR_ACTION_FILL_UP, "TRIANGLE", 0, 1, 0, 1)}).cpoly(bar, "bar", "bar-ID");
+    levelBar(b, 320, 370, 100, 300, 2, "TRIANGLE");
     barScale(b, "bar scale", 314, 100, 300, 5, 1, 0, 100, "%.0f");
     b.text(caption(345, 320, "LEVEL  %", 14, kFrame), "bar unit", "bar-unit-ID");
     readout(b, "bar readout", 345, 50, 7, 18, shown(8, "TRIANGLE", "%5.1f %%", 0, 1, 0, 100));
@@ -907,13 +914,7 @@ std::vector<uint8_t> feed()
     section(b, "UDP DATAGRAMS", 260, 20, 450, 340, 101);
     b.text(caption(355, 306, std::string("PORT ") + kFeedPort + "  BIG ENDIAN", 11, kFrame), "datagram port",
            "datagram-port-ID");
-    PolyFields bar;
-    bar.closed = 1, bar.fillOn = 1;
-    setColour(bar.fill, kCyan);
-    setColour(bar.stroke, kFrame);
-    bar.strokeWidth = 2;
-    bar.points = {{0, 340, 100}, {1, 390, 100}, {2, 390, 270}, {3, 340, 270}};
-    b.actions({action(3, KR_ACTION_FILL_UP, "UDP_RAMP", 0, 1, 0, 1)}).cpoly(bar, "bar", "bar-ID");
+    levelBar(b, 340, 390, 100, 270, 3, "UDP_RAMP");
     barScale(b, "bar scale", 334, 100, 270, 5, 1, 0, 1, "%.2f");
     b.text(caption(365, 284, "UDP_RAMP", 14, kFrame), "bar name", "bar-name-ID");
     counter(b, "UDP_COUNTER", 355, 4, "UDP_COUNTER");
