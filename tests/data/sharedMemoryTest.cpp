@@ -89,7 +89,10 @@ TEST(SharedMemory, DirectoryGivesTheVariables)
     segment.writeDirectory({{"a", 2}, {"b", 99}, {"c", 0}, {std::string(60, 'd'), 16}});
     const int32_t value = 77;
     segment.put(KshmSegment::valueOffset(2), &value, sizeof value, true);
-    LoadedView loaded(viewWith({shmSource(keyText(segment), kBig, kOn, {at("stale", KR_VAR_TEXT, "0")})}));
+    ActionFields moveByC;
+    moveByC.type = KR_ACTION_MOVE_X, moveByC.var = "c";
+    LoadedView loaded(blackPage().actions({moveByC}).rect(RectFields()).dataSection(
+        {shmSource(keyText(segment), kBig, kOn, {at("stale", KR_VAR_TEXT, "0")})}));
     VIEW_STRUCT* view = loaded.view;
     ASSERT_NE(view, nullptr);
     const int attached = segment.attachCount();
@@ -103,6 +106,8 @@ TEST(SharedMemory, DirectoryGivesTheVariables)
     ASSERT_EQ(krViewStart(view), 0);
     fillDP(view->dataTypes);
     EXPECT_EQ(read(view, "c"), "77");
+    // The element's action found the rebuilt variable by its name.
+    EXPECT_EQ(view->elements->actions->variable, view->dataTypes->variables->next->next);
     krViewStop(view);
 
     // A count far beyond the segment, then none at all; the button rebuilds a stopped view.
