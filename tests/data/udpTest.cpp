@@ -112,6 +112,11 @@ TEST(UdpSource, SocketsOpenAndCloseCleanly)
     testing::internal::CaptureStderr();
     ASSERT_EQ(krViewStart(held.view), 0);
     EXPECT_NE(testing::internal::GetCapturedStderr().find("bind socket: "), std::string::npos);
+    UdpSender toHolder(port);
+    const uint8_t seven = 7;
+    toHolder.send(&seven, 1);
+    fillDP(held.view->dataTypes);
+    EXPECT_EQ(read(held.view, "v"), "0");
     krViewStop(held.view);
     close(holder);
 
