@@ -12,7 +12,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -33,13 +32,6 @@ VariableFields var(int type, const std::string& name, const std::string& default
 SourceFields source(int id, std::vector<VariableFields> variables)
 {
     return SourceFields{id, {}, id == 2 ? 1 : 0, std::move(variables)};
-}
-
-template <class T> int64_t bitsOf(T value)
-{
-    int64_t bits = 0;
-    memcpy(&bits, &value, sizeof value);
-    return bits;
 }
 
 // What a plug-in builds its record with: a name cut to its field, the descriptions of its
@@ -103,8 +95,8 @@ TEST_F(Variables, EachWriterConvertsToTheTypeAndLastsUntilTheNextWrite)
         {kSetStr, KR_VAR_INT64, "5000000000", "705032704", 0},
         {kSetStr, KR_VAR_UINT64, "-7", "-7", 0},
         {kSetStr, KR_VAR_TEXT, kLong, std::string(255, 'x'), 0},
-        {kSet, KR_VAR_FLOAT, "", "1.250000", bitsOf(1.25f)},
-        {kSet, KR_VAR_DOUBLE, "", "0.100000", bitsOf(0.1)},
+        {kSet, KR_VAR_FLOAT, "", "1.250000", 0x3FA00000},
+        {kSet, KR_VAR_DOUBLE, "", "0.100000", 0x3FB999999999999A}, // the bits of 1.25f and 0.1
         {kSet, KR_VAR_UINT8, "", "255", -1},
         {kSet, KR_VAR_INT16, "", "9029", 0x12345},
         {kSet, KR_VAR_UINT32, "", "-1294967296", 3000000000},
