@@ -45,7 +45,6 @@ struct Compiled {
 
 TEST(Expression, ValuesOfTheLanguage)
 {
-    const double quarterPi = std::atan(1.0);
     const struct {
         const char* text;
         double expected;
@@ -60,7 +59,7 @@ TEST(Expression, ValuesOfTheLanguage)
         {"x > 0 ? 1 : -1", 1}, {"x < 0 ? 1 : -1", -1}, {"0 ? 2 : 3 ? 4 : 5", 4}, {"nan ? 2 : 3", 2},
         {"1 && 0", 0}, {"nan && 1", 1}, {"nan || 0", 1}, {"!nan", 0}, {"2 <= 2", 1}, {"2 >= 3", 0},
         {"5 ^ 1", 4}, {"6 & 3", 2}, {"6 | 3", 7}, {"~0", -1}, {"7 % 3", 1}, {"(0 - 7) % 3", -1},
-        {"sin(PI / 2)", 1}, {"pow(2, 10)", 1024}, {"atan2(1, 1)", quarterPi}, {"abs(-2.7)", 2}, {"fabs(-2.7)", 2.7},
+        {"sin(PI / 2)", 1}, {"pow(2, 10)", 1024}, {"atan2(1, 1)", std::atan(1.0)}, {"abs(-2.7)", 2}, {"fabs(-2.7)", 2.7},
         {"min(3, 4)", 3}, {"max(3, 4)", 4}, {"int(-2.7)", -2}, {"floor(0 - 2.5)", -3}, {"sqrt 16 + 9", 13},
         {"log(E)", 1}, {"R2D * D2R", 1}, {"1E1", 10}, {"0x1F", 31}, {"E", 2.7182818284}, {"E1", 42}, {"E1", 1, false},
         {"sin", 0}, {"PI2", 42}, {"a", 1, false},
@@ -72,29 +71,6 @@ TEST(Expression, ValuesOfTheLanguage)
     for (const auto& c : cases) {
         Compiled compiled(c.text, c.withCallback);
         EXPECT_NEAR(compiled.value(), c.expected, 1e-9) << '"' << c.text << '"';
-    }
-}
-
-TEST(Expression, CallbackSeesEveryReachedVariableAndTheCutName)
-{
-    const std::string longName(300, 'v');
-    const struct {
-        std::string text;
-        std::vector<std::string> asked;
-    } cases[] = {
-        {"log10(100)", {}},           // below the expression: never evaluated
-        {"a + a * x", {"a", "a", "x"}},
-        {"0 ? a : x", {"a", "x"}},    // no short-circuit
-        {longName + " + 1", {longName.substr(0, kTokenNameSize - 1)}},
-    };
-    for (const auto& c : cases) {
-        Compiled compiled(c.text);
-        for (int round = 0; round < 2; ++round) {
-            compiled.asked.clear();
-            compiled.value();
-            std::sort(compiled.asked.begin(), compiled.asked.end());
-            EXPECT_EQ(compiled.asked, c.asked) << c.text;
-        }
     }
 }
 
@@ -126,18 +102,6 @@ TEST(Expression, DeepNestingEvaluatesOnAThreadOrIsRefused)
     EXPECT_EQ(std::count(log, log + strlen(log), '\n'), 1) << log;
 }
 
-TEST(Expression, TokenNames)
-{
-    Compiled compiled("2.5 * tank + pow(1, 2) ? # : 1");
-    testing::internal::CaptureStdout();
-    stackPrint(compiled.parser.output);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Token NUMBER 2.50\nToken VARIABLE tank\nToken MULT\nToken NUMBER 1.00\nToken NUMBER 2.00\n"
-              "Token FUNCTION POW\nToken PLUS\nToken IF\nToken NUMBER 1.00\nToken NONE\n");
-    EXPECT_STREQ(getFunction(FUNCTION_FINT), "FINT");
-    EXPECT_STREQ(getFunction(2008), "Unknown");
-}
-
 // The rules of the language read literally, with its numbers for the codes: scan, compile with
 // two stacks, then walk the output recursively from the top, a missing operand reading 0.0.
 namespace literal {
@@ -156,16 +120,16 @@ std::vector<T> compile(const std::string& s)
         {"||", 1002}, {"&&", 1003}, {"==", 1008}, {"!=", 1007}, {">=", 1009}, {"<=", 1011}, {"&", 1006},
         {"|", 1004}, {">", 1010}, {"<", 1012}, {"!", 1019}, {"~", 1020}, {"%", 1015}, {"(", 102}, {")", 103},
         {"*", 1017}, {"+", 1014}, {"/", 1016}, {"^", 1005}, {"?", 1000}, {",", 106}, {":", 1001}, {"-", 1013}};
-    static const std::vector<std::pair<std::string, T>> words = {
-        {"PI", {100, 3.141592653, 0, ""}}, {"E", {100, 2.7182818284, 0, ""}}, {"R2D", {100, 57.29577951, 0, ""}},
-        {"D2R", {100, 1 / 57.29577951, 0, ""}}, {"min", {1021, 0, 2020, ""}}, {"max", {1021, 0, 2021, ""}},
-        {"int", {1021, 0, 2022, ""}}, {"sinh", {1021, 0, 2014, ""}}, {"cosh", {1021, 0, 2015, ""}},
-        {"tanh", {1021, 0, 2016, ""}}, {"sin", {1021, 0, 2000, ""}}, {"cos", {1021, 0, 2001, ""}},
-        {"tan", {1021, 0, 2002, ""}}, {"abs", {1021, 0, 2004, ""}}, {"asin", {1021, 0, 2005, ""}},
-        {"acos", {1021, 0, 2006, ""}}, {"atan2", {1021, 0, 2017, ""}}, {"atan", {1021, 0, 2007, ""}},
-        {"log", {1021, 0, 2003, ""}}, {"sqrt", {1021, 0, 2009, ""}}, {"exp", {1021, 0, 2010, ""}},
-        {"ceil", {1021, 0, 2011, ""}}, {"floor", {1021, 0, 2012, ""}}, {"pow", {1021, 0, 2018, ""}},
-        {"fabs", {1021, 0, 2019, ""}}};
+    static const char* const functions[] = {"sin", "cos", "tan", "log", "abs", "asin", "acos", "atan", "", "sqrt", "exp",
+        "ceil", "floor", "", "sinh", "cosh", "tanh", "atan2", "pow", "fabs", "min", "max", "int"}; // from 2000 on
+    static const std::vector<std::pair<std::string, T>> words = [] {
+        std::vector<std::pair<std::string, T>> w = {{"PI", {100, 3.141592653, 0, ""}}, {"E", {100, 2.7182818284, 0, ""}},
+            {"R2D", {100, 57.29577951, 0, ""}}, {"D2R", {100, 1 / 57.29577951, 0, ""}}};
+        for (uint32_t f = 0; f < std::size(functions); ++f)
+            if (*functions[f])
+                w.push_back({functions[f], {1021, 0, 2000 + f, ""}});
+        return w;
+    }();
     const std::vector<uint32_t> unaryAfter = {104, 102, 106, 1000, 1001, 1007, 1008, 1009, 1010, 1011, 1012,
                                               1013, 1014, 1016, 1017};
     auto wordChar = [](char c) { return isalnum(static_cast<unsigned char>(c)) || c == '_'; };
@@ -198,29 +162,24 @@ std::vector<T> compile(const std::string& s)
         }
         p = e;
         previous = t.code;
-        if (t.code == 100 || t.code == 101) {
+        if (t.code == 100 || t.code == 101)
             out.push_back(t);
-        } else if (t.code == 102) {
+        else if (t.code == 102)
             ops.push_back(t);
-        } else if (t.code == 103) {
+        else if (t.code == 103) {
             for (; !ops.empty() && ops.back().code != 102; ops.pop_back())
                 if (ops.back().code >= 1000)
                     out.push_back(ops.back());
             if (!ops.empty())
                 ops.pop_back();
-        } else if (t.code == 106) {
-            while (!ops.empty() && ops.back().code >= 1000)
-                move();
-            ops.push_back(t);
-        } else if (t.code == 1000 || t.code == 1001) {
-            while (!ops.empty() && ops.back().code >= 1002)
-                move();
-            if (t.code == 1000)
-                ops.push_back(t);
         } else {
-            while (!ops.empty() && ops.back().code >= 1000 && ops.back().code >= t.code)
+            // A comma moves every operator out, ? and : all but a ?, the others those of their code
+            // or above; a : is not kept.
+            const uint32_t above = t.code == 106 ? 1000 : t.code == 1000 || t.code == 1001 ? 1002 : std::max(t.code, 1000u);
+            while (!ops.empty() && ops.back().code >= above)
                 move();
-            ops.push_back(t);
+            if (t.code != 1001)
+                ops.push_back(t);
         }
     }
     for (; !ops.empty(); ops.pop_back())
@@ -269,7 +228,8 @@ TEST(Expression, RandomTextsMatchTheLiteralRules)
     const std::vector<std::string> pieces = {
         "1", "2", "0", "2.5", "1E1", "0x1F", "1e400", "a", "b", "c", "E", "E1", "PI", "log10", "_v", "(", ")", ",", "?",
         ":", "-", "+", "*", "/", "%", "^", "|", "||", "&", "&&", "!", "!=", "==", "=", "<", "<=", ">", ">=", "~", ".",
-        "#", "\t", "sin", "pow", "atan2", "abs", "int", "min", "max", "fabs", "sqrt", "log", "floor"};
+        "#", "\t", "sin", "pow", "atan2", "abs", "int", "min", "max", "fabs", "sqrt", "log", "floor",
+        std::string(300, 'v')}; // a name cut to its first 255 characters
     const std::map<std::string, double> values = {{"a", 3}, {"b", -2.5}, {"c", NAN}, {"log10", 1e10}};
     std::mt19937 random(13);
     for (int n = 0; n < 100000; ++n) {

@@ -42,8 +42,7 @@ ViewBuilder countChart()
 // The trace in a frame read back: how many pixel columns it lights, the last of them, and whether
 // its top row ever goes down from one lit column to the next.
 struct TraceShape {
-    int lit = 0, last = -1;
-    bool falls = false;
+    int lit = 0, last = -1, falls = 0;
 };
 
 TraceShape shapeOf(const Frame& frame)
@@ -53,7 +52,7 @@ TraceShape shapeOf(const Frame& frame)
         for (int y = frame.height() - 1; y >= 0; --y) {
             const Rgb c = frame.at(x, y);
             if (c.g > 128 && c.r < 64 && c.b < 64) {
-                shape.falls = shape.falls || y < previous;
+                shape.falls |= y < previous;
                 previous = y, shape.last = x, ++shape.lit;
                 break;
             }

@@ -23,11 +23,7 @@ const std::string kNotFound = "Warning: data type 100 not found. deleted !\n";
 // The memory log is one per process: each case starts with it empty and sees warnings.
 class PluginDiscovery : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        setLogLevel(2);
-        getLogMsg(nullptr, 0);
-    }
+    void SetUp() override { setLogLevel(2), getLogMsg(nullptr, 0); }
     static std::string takeLog()
     {
         std::vector<char> text(20000);

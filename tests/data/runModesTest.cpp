@@ -35,8 +35,7 @@ ViewBuilder sourcesView(int blockMs = 0)
     trace.type = KR_ACTION_GRAPH, trace.var = "pi";
     korelgen::GraphFields graph;
     graph.rate = 1000, graph.samples = 8;
-    ViewBuilder b = blackPage();
-    return b.actions({trace}).graph(graph).dataSection({constants, example});
+    return blackPage().actions({trace}).graph(graph).dataSection({constants, example});
 }
 
 // Entries of a /proc directory; with a name, only the threads of this process called so.
@@ -65,17 +64,11 @@ TEST_F(SynchronousMode, EachDrawRunsOneDataCycle)
     PluginDirs home(PluginDirs::Home::PluginDir);
     VIEW_STRUCT* view = load(sourcesView());
     ASSERT_NE(view, nullptr);
-    EXPECT_EQ(krViewStop(view), -3);
-    EXPECT_EQ(krViewPutData(view, 0.5), -3);
-    EXPECT_EQ(krViewSetHaltMode(view, 1), -3);
-    EXPECT_EQ(krViewSetTime(view, 2.0f), 0);
     VIEW_STRUCT notAView = {};
-    EXPECT_EQ(krViewStart(&notAView), -2);
-
-    ASSERT_EQ(krViewStart(view), 0);
-    EXPECT_EQ(krViewStart(view), -3);
-    EXPECT_EQ(krViewStartAnim(view), -3);
-    EXPECT_EQ(krViewStopAnim(view), -3);
+    EXPECT_EQ(std::vector<int>({krViewStop(view), krViewPutData(view, 0.5), krViewSetHaltMode(view, 1),
+                                krViewSetTime(view, 2.0f), krViewStart(&notAView), krViewStart(view), krViewStart(view),
+                                krViewStartAnim(view), krViewStopAnim(view)}),
+              std::vector<int>({-3, -3, -3, 0, -2, 0, -3, -3, -3}));
     // Before the first draw no source has been asked.
     EXPECT_EQ(read(view, "pi"), "0.000000");
     draw(view);
@@ -154,10 +147,7 @@ TEST(AnimatedMode, StopDoesNotWaitForABlockedPlugin)
         ASSERT_EQ(krViewStartAnim(view), 0);
         // The thread holds the view's lock through a cycle: once it is busy, the first Run blocks.
         ASSERT_TRUE(waitFor([view] {
-            const bool free = pthread_mutex_trylock(&view->mutex) == 0;
-            if (free)
-                pthread_mutex_unlock(&view->mutex);
-            return !free;
+            return pthread_mutex_trylock(&view->mutex) != 0 || pthread_mutex_unlock(&view->mutex) != 0;
         })) << "the data thread never held the view's lock";
         const auto before = std::chrono::steady_clock::now();
         EXPECT_EQ(krViewStop(view), 0);
