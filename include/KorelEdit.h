@@ -457,6 +457,12 @@ KOREL2D_API int drawImage(IMAGE_STRUCT* record, ELEMENT_ATTR* attr, int selected
 KOREL2D_API int buttonSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of a button. */
 KOREL2D_API int buttonSetAttr(ELEMENT_STRUCT* element);
+/** Draws a button on its four local corners: a face and four bevels in shades of
+ *  attr->fillColor, lit from the upper left, the other way round while a running view holds it
+ *  pressed (attr->lineStyle non-zero); a mirrored button still bevels the right way. Writes the
+ *  pressed state it shows into record->state. selected non-zero adds the selection outline in a
+ *  stopped view. Needs a current GL context. @return 0. */
+KOREL2D_API int drawButton(BUTTON_STRUCT* record, ELEMENT_ATTR* attr, int selected);
 /** Geometry pass of a slider. */
 KOREL2D_API int sliderSetPickSticky(ELEMENT_STRUCT* element);
 /** Look of a slider. */

@@ -195,6 +195,9 @@ void drawElement(ELEMENT_STRUCT* e, int run, int halt, int clip, DRAW_SETTINGS* 
     case KR_SLIDER:
         drawSlider(static_cast<SLIDER_STRUCT*>(e->data), &e->attr, e->selected);
         break;
+    case KR_BUTTON:
+        drawButton(static_cast<BUTTON_STRUCT*>(e->data), &e->attr, e->selected);
+        break;
     case KR_GROUP:
         if (settings->scissorType == 1)
             walkGroupScissorBox(e, run, halt, clip, settings, depth);
