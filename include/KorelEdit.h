@@ -1,7 +1,7 @@
 /**
  * @file KorelEdit.h
  * libKorel2D for an editing tool: the records of each element kind, the lists a view is made of,
- * the families of functions of each kind, the data-source lists and the view-file readers.
+ * the families of functions of each kind, the data-source lists and the view-file reader and writer.
  *
  * Sections:
  *  1. Records of the element kinds
@@ -21,6 +21,8 @@
 #define KOREL_EDIT_H
 
 #include "Korel2D.h"
+
+#include <stdio.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -622,6 +624,28 @@ KOREL2D_API int loadConfigFile(const char* path, VIEW_STRUCT* view);
 /** Expands stored style numbers of the element (and below) into stipples and patterns, then
  *  re-derives its geometry. @return 0. */
 KOREL2D_API int definitionLoad(ELEMENT_STRUCT* element);
+
+/** Writes the view as a binary file of this library's revision (KGet_releasenr), replacing any
+ *  file at `path`: the page fields of `view`, the element tree and the data sources, as they
+ *  are edited (nothing of a run). Names above 63 and ids above 255 characters are cut in place.
+ *  @return the result of saveFile_303; 0 without writing for a revision it can't write. */
+KOREL2D_API int saveFile(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* dataTypes,
+                         const VIEW_STRUCT* view);
+/** Writes the view in the layout of revision 3.03/3.04, labelled with this library's revision.
+ *  @return 0; -1 when the file can't be opened (the system's reason on stderr after "file open")
+ *  or not all of it could be written. */
+KOREL2D_API int saveFile_303(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* dataTypes,
+                             const VIEW_STRUCT* view);
+/** Writes one element record, its kind in front, with its children and actions. @return 0. */
+KOREL2D_API int elementSave_303(ELEMENT_STRUCT* element, FILE* stream);
+/** Writes the data-source section: sources, their parameters and variables. @return 0. */
+KOREL2D_API int dataSave_303(const DD_DATA_TYPE_STRUCT* dataTypes, FILE* stream);
+/** Writes a 4-byte big-endian integer. @return 0, or -1 when it couldn't be written. */
+KOREL2D_API int KPutFInt(int32_t value, FILE* stream);
+/** Writes a 4-byte big-endian IEEE single. @return 0, or -1 when it couldn't be written. */
+KOREL2D_API int KPutFFloat(FILE* stream, float value);
+/** Writes the n bytes at buffer as they stand. @return 0, or -1 when they couldn't be written. */
+KOREL2D_API int KPutFString(const char* buffer, FILE* stream, int n);
 
 #ifdef __cplusplus
 }

@@ -1,4 +1,5 @@
 #include "files/KStream.h"
+#include "KorelEdit.h"
 
 #include <cstdio>
 #include <cstring>
@@ -49,6 +50,27 @@ void KGetFCounted(char* field, size_t fieldSize, KStream* s)
 {
     int32_t n = KGetFInt(s);
     KGetFString(field, fieldSize, s, n);
+}
+
+int KPutFInt(int32_t value, FILE* stream)
+{
+    const uint32_t v = uint32_t(value);
+    const uint8_t bytes[4] = {uint8_t(v >> 24), uint8_t(v >> 16), uint8_t(v >> 8), uint8_t(v)};
+    return stream && fwrite(bytes, 1, sizeof bytes, stream) == sizeof bytes ? 0 : -1;
+}
+
+int KPutFFloat(FILE* stream, float value)
+{
+    uint32_t bits;
+    memcpy(&bits, &value, sizeof bits);
+    return KPutFInt(int32_t(bits), stream);
+}
+
+int KPutFString(const char* buffer, FILE* stream, int n)
+{
+    if (n <= 0)
+        return 0;
+    return stream && buffer && fwrite(buffer, 1, size_t(n), stream) == size_t(n) ? 0 : -1;
 }
 
 bool readWholeFile(const char* path, std::vector<uint8_t>* bytes)

@@ -1,5 +1,6 @@
-// Reading the primitives of a binary view file from memory. A whole file is read into
-// memory first, so every count and length can be weighed against the bytes that are left.
+// The primitives of a binary view file. A whole file is read into memory first, so every count
+// and length can be weighed against the bytes that are left; the writer's KPut... functions
+// (declared in KorelEdit.h) write straight to a stream.
 #pragma once
 
 #include <cstddef>

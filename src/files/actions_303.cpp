@@ -1,7 +1,8 @@
-// Action lists of revisions 303 and 304, which close every element record.
+// Action lists of revisions 303 and 304, which close every element record: reader and writer.
 #include "KorelEdit.h"
 #include "core/linkedList.h"
 #include "files/Reader.h"
+#include "files/Writer.h"
 #include "files/viewFileReaders.h"
 
 namespace {
@@ -75,6 +76,62 @@ void readAction(Reader& in, ACTION_STRUCT* a)
     readThresholdBlock(in, &a->blinkMin, &a->blinkMax, &a->blinkThresholds);
 }
 
+void writeThresholdBlock(Writer& out, float min, float max, const TH_STRUCT* head)
+{
+    out.real(min);
+    out.real(max);
+    out.integer(listLength(head));
+    for (const TH_STRUCT* th = head; th; th = th->next) {
+        out.real(th->lower);
+        out.real(th->upper);
+        out.integer(th->value);
+        out.reals(th->color, 3);
+    }
+}
+
+// The fields that readAction reads, in the same order; run-time state stays out.
+void writeAction(Writer& out, const ACTION_STRUCT* a)
+{
+    out.integer(a->id);
+    out.integer(a->type);
+    out.fixed(a->var);
+    out.fixed(a->var2);
+    out.real(a->a0);
+    out.real(a->a1);
+    out.real(a->b0);
+    out.real(a->b1);
+    out.integer(a->limit);
+    out.real(a->var2A0);
+    out.real(a->var2A1);
+    out.real(a->var2B0);
+    out.real(a->var2B1);
+    out.real(a->offset);
+    out.real(a->slope);
+    out.real(a->offset2);
+    out.real(a->slope2);
+    out.integer(a->cg);
+    out.fixed(a->format);
+    out.integer(a->filter);
+    out.real(a->filterTime);
+    out.integer(a->mouseButton);
+    out.integer(a->mouseAction);
+    out.integer(a->mouseMode);
+    out.integer(a->mouseClamp);
+    out.real(a->mouseInc);
+    out.real(a->mouseMin);
+    out.real(a->mouseMax);
+    out.integer(a->mouseHiddenActive);
+    out.fixed(a->translatePoly);
+    out.integer(a->visibleMode);
+    out.integer(a->visibleValue);
+    out.zeros(8);
+    writeThresholdBlock(out, a->colorMin, a->colorMax, a->colorThresholds);
+    writeThresholdBlock(out, a->widthMin, a->widthMax, a->widthThresholds);
+    writeThresholdBlock(out, a->styleMin, a->styleMax, a->styleThresholds);
+    writeThresholdBlock(out, a->visibleMin, a->visibleMax, a->visibleThresholds);
+    writeThresholdBlock(out, a->blinkMin, a->blinkMax, a->blinkThresholds);
+}
+
 } // namespace
 
 int actionLoad_303(KStream* stream, ACTION_STRUCT** head)
@@ -91,5 +148,14 @@ int actionLoad_303(KStream* stream, ACTION_STRUCT** head)
         readAction(in, action);
         actions.add(action);
     }
+    return 0;
+}
+
+int actionSave_303(const ACTION_STRUCT* head, FILE* stream)
+{
+    Writer out{stream};
+    out.integer(listLength(head));
+    for (const ACTION_STRUCT* action = head; action; action = action->next)
+        writeAction(out, action);
     return 0;
 }

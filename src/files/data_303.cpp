@@ -1,7 +1,9 @@
-// Data-source sections of revisions 303 and 304: sources with their parameters and variables.
+// Data-source sections of revisions 303 and 304: sources with their parameters and variables,
+// read and written.
 #include "KorelEdit.h"
 #include "core/linkedList.h"
 #include "files/Reader.h"
+#include "files/Writer.h"
 #include "files/viewFileReaders.h"
 
 #include <cstdlib>
@@ -20,6 +22,8 @@ constexpr size_t kSourceHeadBytes = 4 * 4;
 constexpr size_t kVariableHeadBytes = 4 + 64 + 64;
 // A variable parameter with an empty text: its value and the text's size.
 constexpr size_t kVariableParameterBytes = 4 + 4;
+// Every variable parameter text is written with at least this many bytes.
+constexpr uint32_t kVariableTextBytes = 64;
 // Head room given to a text buffer that has to grow.
 constexpr uint32_t kTextSlack = 12;
 
@@ -53,6 +57,7 @@ bool readParameterText(Reader& in, PARA_STRUCT* slot)
         slot->sval = grown;
         slot->size = capacity;
     }
+    // The whole buffer is filled: a grown tail is zeroed rather than left to chance.
     KGetFString(slot->sval, slot->size, in.stream, n);
     return true;
 }
@@ -110,6 +115,44 @@ DD_DATA_TYPE_STRUCT* readSource(Reader& in)
     return source;
 }
 
+// A variable parameter's text is stored with its whole buffer, so that a text an editor
+// lengthened in place comes back as it was.
+void writeParameterText(Writer& out, const PARA_STRUCT* slot)
+{
+    const uint32_t n = slot->size > kVariableTextBytes ? slot->size : kVariableTextBytes;
+    out.integer(int32_t(n));
+    out.text(slot->sval, slot->size, n);
+}
+
+void writeVariable(Writer& out, const VARIABLE_STRUCT* variable, int32_t parameterCount)
+{
+    out.integer(variable->type);
+    out.fixed(variable->name);
+    out.fixed(variable->defaultValue);
+    // Slots the variable hasn't got are stored empty, so that the count of the source holds.
+    const PARA_STRUCT empty = {0, nullptr, 0};
+    for (int32_t i = 0; i < parameterCount; ++i) {
+        const PARA_STRUCT* slot = i < variable->nrPara ? &variable->para[i] : &empty;
+        out.integer(slot->ival);
+        writeParameterText(out, slot);
+    }
+}
+
+// The counts are the source's own, which loading has matched to the library that provides it.
+void writeSource(Writer& out, const DD_DATA_TYPE_STRUCT* source)
+{
+    out.integer(source->id);
+    out.integer(source->nrData);
+    out.integer(source->nrVar);
+    for (int32_t i = 0; i < source->nrData; ++i) {
+        out.integer(source->para[i].ival);
+        out.text(source->para[i].sval, source->para[i].size, kDataTextBytes);
+    }
+    out.integer(listLength(source->variables));
+    for (const VARIABLE_STRUCT* variable = source->variables; variable; variable = variable->next)
+        writeVariable(out, variable, source->nrVar);
+}
+
 } // namespace
 
 int dataLoad_303(KStream* stream, DD_DATA_TYPE_STRUCT** head, int /*revision: same layout in 303 and 304*/)
@@ -123,5 +166,14 @@ int dataLoad_303(KStream* stream, DD_DATA_TYPE_STRUCT** head, int /*revision: sa
             break;
         sources.add(source);
     }
+    return 0;
+}
+
+int dataSave_303(const DD_DATA_TYPE_STRUCT* dataTypes, FILE* stream)
+{
+    Writer out{stream};
+    out.integer(listLength(dataTypes));
+    for (const DD_DATA_TYPE_STRUCT* source = dataTypes; source; source = source->next)
+        writeSource(out, source);
     return 0;
 }
