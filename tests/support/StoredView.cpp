@@ -2,6 +2,7 @@
 
 #include "KorelEdit.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -84,13 +85,13 @@ template <class R> std::string countDifference(const char* what, const R* a, con
     return differ(na, nb).empty() ? "" : " " + std::string(what) + " count" + differ(na, nb);
 }
 
-// Walks two lists side by side; `item` gives the difference of two records at index i.
+// Walks two lists side by side; `item` gives the difference of two records.
 template <class R, class Item> std::string listDifference(const char* what, const R* a, const R* b, Item item)
 {
     if (std::string d = countDifference(what, a, b); !d.empty())
         return d;
     for (int i = 0; a; a = a->next, b = b->next, ++i)
-        if (std::string d = item(i, a, b); !d.empty())
+        if (std::string d = item(a, b); !d.empty())
             return " " + std::string(what) + " " + std::to_string(i) + d;
     return "";
 }
@@ -110,7 +111,7 @@ const std::vector<Field<P>> polylineFields = {
     field("strokeStyle", &P::strokeStyle), field("strokeColor", &P::strokeColor), field("fillOn", &P::fillOn),
     field("fillColor", &P::fillColor),     field("antialias", &P::antialias),
     {"points", [](const P& a, const P& b) {
-         return listDifference("point", a.coords, b.coords, [](int, const COORD_STRUCT* p, const COORD_STRUCT* q) {
+         return listDifference("point", a.coords, b.coords, [](const COORD_STRUCT* p, const COORD_STRUCT* q) {
              return firstDifference<COORD_STRUCT>(
                  {field("id", &COORD_STRUCT::id), field("x", &COORD_STRUCT::x), field("y", &COORD_STRUCT::y)}, *p, *q);
          });
@@ -225,7 +226,7 @@ Field<ACTION_STRUCT> block(const char* name)
     return {name, [](const ACTION_STRUCT& a, const ACTION_STRUCT& b) {
                 if (std::string d = differ(a.*Min, b.*Min) + differ(a.*Max, b.*Max); !d.empty())
                     return " range" + d;
-                return listDifference("threshold", a.*List, b.*List, [](int, const TH_STRUCT* p, const TH_STRUCT* q) {
+                return listDifference("threshold", a.*List, b.*List, [](const TH_STRUCT* p, const TH_STRUCT* q) {
                     return firstDifference(thresholdFields, *p, *q);
                 });
             }};
@@ -273,9 +274,8 @@ std::string elementsDifference(const ELEMENT_STRUCT* a, const ELEMENT_STRUCT* b,
 std::string elementDifference(const ELEMENT_STRUCT& a, const ELEMENT_STRUCT& b)
 {
     const std::string path = " '" + std::string(a.name, strnlen(a.name, sizeof a.name)) + "'";
-    std::string d = firstDifference<ELEMENT_STRUCT>(
-        {field("kind", &ELEMENT_STRUCT::type), field("name", &ELEMENT_STRUCT::name), field("id", &ELEMENT_STRUCT::id)}, a,
-        b);
+    using E = ELEMENT_STRUCT;
+    std::string d = firstDifference<E>({field("kind", &E::type), field("name", &E::name), field("id", &E::id)}, a, b);
     for (const auto& kind : bodies)
         if (d.empty() && kind.kind == a.type)
             d = kind.differ(a.data, b.data);
@@ -283,7 +283,7 @@ std::string elementDifference(const ELEMENT_STRUCT& a, const ELEMENT_STRUCT& b)
         d = elementsDifference(a.child, b.child, "child");
     if (d.empty())
         d = listDifference("action", a.actions, b.actions,
-                           [](int, const ACTION_STRUCT* p, const ACTION_STRUCT* q) {
+                           [](const ACTION_STRUCT* p, const ACTION_STRUCT* q) {
                                return firstDifference(actionFields, *p, *q);
                            });
     return d.empty() ? "" : path + d;
@@ -291,8 +291,9 @@ std::string elementDifference(const ELEMENT_STRUCT& a, const ELEMENT_STRUCT& b)
 
 std::string elementsDifference(const ELEMENT_STRUCT* a, const ELEMENT_STRUCT* b, const char* what)
 {
-    return listDifference(what, a, b,
-                          [](int, const ELEMENT_STRUCT* p, const ELEMENT_STRUCT* q) { return elementDifference(*p, *q); });
+    return listDifference(what, a, b, [](const ELEMENT_STRUCT* p, const ELEMENT_STRUCT* q) {
+        return elementDifference(*p, *q);
+    });
 }
 
 // A parameter slot: its value and its text, whatever the capacity of the text's buffer.
@@ -322,11 +323,13 @@ std::string sourceDifference(const DD_DATA_TYPE_STRUCT& a, const DD_DATA_TYPE_ST
         d = parametersDifference(a.para, b.para, a.nrData);
     if (d.empty())
         d = listDifference("variable", a.variables, b.variables,
-                           [&a](int, const VARIABLE_STRUCT* p, const VARIABLE_STRUCT* q) {
+                           [&a](const VARIABLE_STRUCT* p, const VARIABLE_STRUCT* q) {
                                std::string v = firstDifference<VARIABLE_STRUCT>(
                                    {field("type", &VARIABLE_STRUCT::type), field("name", &VARIABLE_STRUCT::name),
                                     field("defaultValue", &VARIABLE_STRUCT::defaultValue)}, *p, *q);
-                               return v.empty() ? parametersDifference(p->para, q->para, a.nrVar) : v;
+                               // Slots a variable lacks are stored empty and come back as such.
+                               const int32_t n = std::min({a.nrVar, p->nrPara, q->nrPara});
+                               return v.empty() ? parametersDifference(p->para, q->para, n) : v;
                            });
     return d;
 }
@@ -344,7 +347,7 @@ std::string firstStoredDifference(const VIEW_STRUCT* a, const VIEW_STRUCT* b)
         d = elementsDifference(a->elements, b->elements, "element");
     if (d.empty())
         d = listDifference("source", a->dataTypes, b->dataTypes,
-                           [](int, const DD_DATA_TYPE_STRUCT* p, const DD_DATA_TYPE_STRUCT* q) {
+                           [](const DD_DATA_TYPE_STRUCT* p, const DD_DATA_TYPE_STRUCT* q) {
                                return sourceDifference(*p, *q);
                            });
     return d.empty() ? "" : (d[0] == ' ' ? d.substr(1) : d);
