@@ -2,6 +2,7 @@
 #include "KorelEdit.h"
 #include "files/Writer.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -9,7 +10,7 @@ namespace {
 
 // Marks the end of the element run; no element kind has this code.
 constexpr int32_t kSectionMarker = 20;
-// Written where the graph keeps a reserved Integer, for readers that look for it.
+// Files of this format always hold this value in the graph's reserved Integer.
 constexpr int32_t kGraphReservedMark = 7;
 // The magic field and the texts of the element head, in bytes with their terminators.
 constexpr size_t kMagicBytes = 30;
@@ -301,6 +302,8 @@ int saveFile_303(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT
     const int revision = KGet_releasenr();
     FILE* stream = path ? fopen(path, "wb") : nullptr;
     if (!stream) {
+        if (!path)
+            errno = EINVAL;
         perror("file open");
         return -1;
     }
