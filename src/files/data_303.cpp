@@ -22,8 +22,6 @@ constexpr size_t kSourceHeadBytes = 4 * 4;
 constexpr size_t kVariableHeadBytes = 4 + 64 + 64;
 // A variable parameter with an empty text: its value and the text's size.
 constexpr size_t kVariableParameterBytes = 4 + 4;
-// Every variable parameter text is written with at least this many bytes.
-constexpr uint32_t kVariableTextBytes = 64;
 // Head room given to a text buffer that has to grow.
 constexpr uint32_t kTextSlack = 12;
 
@@ -115,13 +113,11 @@ DD_DATA_TYPE_STRUCT* readSource(Reader& in)
     return source;
 }
 
-// A variable parameter's text is stored with its whole buffer, so that a text an editor
-// lengthened in place comes back as it was.
+// A variable parameter's text is stored with its whole buffer, the size it has in memory.
 void writeParameterText(Writer& out, const PARA_STRUCT* slot)
 {
-    const uint32_t n = slot->size > kVariableTextBytes ? slot->size : kVariableTextBytes;
-    out.integer(int32_t(n));
-    out.text(slot->sval, slot->size, n);
+    out.integer(int32_t(slot->size));
+    out.text(slot->sval, slot->size, slot->size);
 }
 
 void writeVariable(Writer& out, const VARIABLE_STRUCT* variable, int32_t parameterCount)
