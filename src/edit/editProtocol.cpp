@@ -42,15 +42,6 @@ static float axisFactor(float pointer, float grab, float anchor)
     return std::fabs(span) > 0 ? (pointer - anchor) / span : 1.0f;
 }
 
-// Scales one coordinate about `anchor` unless the factor would collapse it; a factor from a
-// span of zero is 1 and always applies.
-static void scaleAbout(float* out, float old, float anchor, float factor, bool spanZero)
-{
-    if (std::fabs(factor) <= kMinFactor && !spanZero)
-        return;
-    *out = (old - anchor) * factor + anchor;
-}
-
 void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* outX, float* outY, float mx, float my, float oldX,
                        float oldY)
 {
@@ -104,13 +95,10 @@ void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* outX, float* ou
         const bool inX = code == KR_EDIT_WIDTH;
         const float size = inX ? std::fabs(g[4][0] - g[8][0]) : std::fabs(g[2][1] - g[6][1]);
         const float f = size > 0 ? (inX ? mx : my) / size : 1.0f;
-        if (inX) {
-            scaleAbout(outX, oldX, centre[0], f, !(size > 0));
-            *outY = oldY;
-        } else {
-            scaleAbout(outY, oldY, centre[1], f, !(size > 0));
-            *outX = oldX;
-        }
+        if (std::fabs(f) <= kMinFactor && size > 0)
+            return;
+        *outX = inX ? (oldX - centre[0]) * f + centre[0] : oldX;
+        *outY = inX ? oldY : (oldY - centre[1]) * f + centre[1];
         break;
     }
     case KR_EDIT_SCALE_X:
