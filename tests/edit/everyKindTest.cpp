@@ -81,6 +81,11 @@ const KindCase kCases[] = {
      [](ViewBuilder& b) { b.beginGroup(1).rect({140, 120, 260, 180}).endGroup(); }, true},
 };
 
+void PrintTo(const KindCase& c, std::ostream* out)
+{
+    *out << c.kind;
+}
+
 class EveryKind : public ViewTest, public ::testing::WithParamInterface<KindCase> {
 protected:
     VIEW_STRUCT* loadWith(const Add& add)

@@ -111,7 +111,9 @@ TEST(ResizeMove, PointRules)
 // element is freed with its saved copy (the leak checker watches).
 TEST_F(HandlesTest, PhasesWorkFromTheSavedStart)
 {
-    VIEW_STRUCT* view = load(blackPage().rect({0, 0, 20, 10}).polyline({}));
+    ViewBuilder b = blackPage();
+    b.rect({0, 0, 20, 10}).polyline({}).beginGroup(1).line({0, 50, 100, 50}).endGroup();
+    VIEW_STRUCT* view = load(b);
     ASSERT_NE(view, nullptr);
     ELEMENT_STRUCT* rect = view->elements;
     KR_EDIT_VALUE v = {};
@@ -133,6 +135,14 @@ TEST_F(HandlesTest, PhasesWorkFromTheSavedStart)
     poly->edit(poly, poly->stickies, KR_HANDLE_CENTRE, KR_EDIT_UPDATE, &v);
     EXPECT_NE(poly->editData, nullptr);
     EXPECT_EQ(poly->x, -20);
+
+    // A line has no side handles: sized through its group it follows the group's, sized alone
+    // it keeps its width, whatever the group's edit left behind.
+    ELEMENT_STRUCT* group = poly->next;
+    EXPECT_EQ(krObjSetWidth(group, 200), 0);
+    EXPECT_EQ(krObjWidth(group->child), 200);
+    EXPECT_EQ(krObjSetWidth(group->child, 50), 0);
+    EXPECT_EQ(krObjWidth(group->child), 200);
 }
 
 } // namespace
