@@ -36,8 +36,7 @@ TEST(GroupEdit, ChildrenGetTheGroupsArgumentsInOrderAndTheBoxFollows)
     LoadedView loaded(b.rect({60, 20, 70, 30}, "fixed").endGroup());
     ELEMENT_STRUCT* outer = loaded.first();
     ELEMENT_STRUCT* inner = outer->child->next;
-    // Every loaded group edits this way; "fixed" keeps its own edit, for which an end without a
-    // begin changes nothing.
+    // Every loaded group edits this way; for "fixed" an end without a begin changes nothing.
     ASSERT_TRUE(outer->edit == editGroup && inner->edit == editGroup && inner->next->edit == editRect);
     outer->child->edit = inner->child->edit = inner->child->next->edit = recordingEdit;
     EXPECT_EQ(outer->edit(outer, kHandles, 5, 2, &shift), 0);
