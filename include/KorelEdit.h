@@ -11,6 +11,7 @@
  *  5. Geometry helpers, picture store, graph labels
  *  6. Data-source and variable lists
  *  7. Binary view files
+ *  8. Handles, edits and objects
  *
  * Includes Korel2D.h. Units as there: view units, y upwards; colours 0..1; angles in radians.
  * A list operation takes the address of the list's head and keeps the prev/next links and the
@@ -420,9 +421,10 @@ KOREL2D_API int textSetNewText(ELEMENT_STRUCT* element, char* text);
  *  style the family has when it lacks the current one and its size nearest fontSize, and a bitmap
  *  family resets the matrix and sets textSize = fontSize; KR_EDIT_FONT_STYLE sets the style;
  *  KR_EDIT_TEXT is textSetNewText; KR_EDIT_ALIGN sets align alone. Font changes re-derive the box
- *  and raise the flag krTextUpdate reports. Other codes only re-seed the look (handle drags are
- *  not handled yet). stickies and phase are not read by these codes. @return 0, -1 for a null
- *  element or value or an element that is not a text. */
+ *  and raise the flag krTextUpdate reports. Codes 1 to 16 move, size and turn it as the other
+ *  kinds' edits do; at their end an outline font is made anew at the size it now shows. Other
+ *  codes only re-seed the look. @return 0, -1 for a null element or value or an element that is
+ *  not a text. */
 KOREL2D_API int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
 /** Brings a fixed text of an old file to the present record: font "Courier [fixed]", style and
  *  size from fontCode 0 to 39 (40 and more keep both), textSize = fontSize, the position moved
@@ -633,12 +635,10 @@ enum {
     KR_EDIT_ALL = 3     /* begin, update and end in one step */
 };
 
-/** Handle ids, and the edit codes they stand for: 1 to 8 the box clockwise from the upper left
- *  (k and k + 4 opposite), then what else an edit can do with a box. */
+/** Handle ids, and the edit codes they stand for: 1 to 8 the box clockwise from the upper left,
+ *  numbered as the KR_POS_ words (k and k + 4 opposite), then what else an edit can do with a box. */
 enum {
     KR_HANDLE_FRAME = 0,       /* frame or segment: never hit */
-    KR_HANDLE_UPPER_LEFT = 1,
-    KR_HANDLE_LOWER_RIGHT = 5,
     KR_HANDLE_CENTRE = 9,      /* as a code: move, x and y the new centre */
     KR_EDIT_WIDTH = 10,        /* x: the new width, about the centre */
     KR_EDIT_HEIGHT = 11,       /* y: the new height, about the centre */

@@ -45,19 +45,21 @@ static float axisFactor(float pointer, float grab, float anchor)
 void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* outX, float* outY, float mx, float my, float oldX,
                        float oldY)
 {
+    if (!element || !outX || !outY)
+        return;
     const float(*g)[2] = element->grabPoints;
     const float* centre = g[KR_HANDLE_CENTRE];
     float ax = centre[0], ay = centre[1];
-    if (code >= 1 && code <= 8 && !shiftPressed) {
+    if (code >= KR_POS_UPPER_LEFT && code <= KR_POS_LEFT && !shiftPressed) {
         const int opposite = (code + 3) % 8 + 1;
         ax = g[opposite][0];
         ay = g[opposite][1];
     }
     switch (code) {
-    case 1:
-    case 3:
-    case 5:
-    case 7: {
+    case KR_POS_UPPER_LEFT:
+    case KR_POS_UPPER_RIGHT:
+    case KR_POS_LOWER_RIGHT:
+    case KR_POS_LOWER_LEFT: {
         float fx = axisFactor(mx, g[code][0], ax), fy = axisFactor(my, g[code][1], ay);
         if (ctrlPressed)
             fx = fy = std::fabs(fx) > std::fabs(fy) ? fx : fy;
@@ -67,8 +69,8 @@ void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* outX, float* ou
             *outY = fy * (oldY - ay) + ay;
         break;
     }
-    case 2:
-    case 6: {
+    case KR_POS_TOP:
+    case KR_POS_BOTTOM: {
         const float f = axisFactor(my, g[code][1], ay);
         if (std::fabs(f) <= kMinFactor && g[code][1] != ay)
             return;
@@ -76,8 +78,8 @@ void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* outX, float* ou
         *outX = oldX;
         break;
     }
-    case 4:
-    case 8: {
+    case KR_POS_RIGHT:
+    case KR_POS_LEFT: {
         const float f = axisFactor(mx, g[code][0], ax);
         if (std::fabs(f) <= kMinFactor && g[code][0] != ax)
             return;
@@ -93,7 +95,8 @@ void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* outX, float* ou
     case KR_EDIT_HEIGHT: {
         // The new size over the box's size at the start, about the centre.
         const bool inX = code == KR_EDIT_WIDTH;
-        const float size = inX ? std::fabs(g[4][0] - g[8][0]) : std::fabs(g[2][1] - g[6][1]);
+        const float size = inX ? std::fabs(g[KR_POS_RIGHT][0] - g[KR_POS_LEFT][0])
+                               : std::fabs(g[KR_POS_TOP][1] - g[KR_POS_BOTTOM][1]);
         const float f = size > 0 ? (inX ? mx : my) / size : 1.0f;
         if (std::fabs(f) <= kMinFactor && size > 0)
             return;

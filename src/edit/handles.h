@@ -10,7 +10,7 @@
 constexpr float kHandleSize = 4.0f;
 constexpr float kPointHandleSize = 2.0f;
 
-// Handle ids of a box in the orders the kinds list them.
+// Handle ids of a box in the orders the kinds list them: 1 to 8 clockwise from the upper left.
 constexpr int kBoxThenCentre[] = {1, 2, 3, 4, 5, 6, 7, 8, KR_HANDLE_CENTRE};
 constexpr int kCentreThenBox[] = {KR_HANDLE_CENTRE, 1, 2, 3, 4, 5, 6, 7, 8};
 constexpr int kCentreOnly[] = {KR_HANDLE_CENTRE};
@@ -62,7 +62,7 @@ struct KindEdit {
 
 inline bool isBoxEditCode(int code)
 {
-    return code >= KR_HANDLE_UPPER_LEFT && code <= KR_EDIT_ROTATE;
+    return code >= KR_POS_UPPER_LEFT && code <= KR_EDIT_ROTATE;
 }
 
 // The edit protocol for one kind: codes of the box go through the phases, each phase ending

@@ -268,7 +268,9 @@ ELEMENT_STRUCT** krObjPick(WINDOW_STRUCT* window, VIEW_STRUCT* view, int x, int 
     if (checkWindowAndView(window, view))
         return nullptr;
     const float zoom = window->settings.zoom;
-    const float fx = float(x - view->posX) / zoom, fy = float(window->height - y - view->posY) / zoom;
+    // In 64 bits: pixels far off the window must not overflow on the way.
+    const float fx = float(int64_t(x) - view->posX) / zoom;
+    const float fy = float(int64_t(window->height) - y - view->posY) / zoom;
     nrPickElements = 0;
     pickWalk(view->elements, truncToInt(truncToInt(fx) + view->x), truncToInt(truncToInt(fy) + view->y), zoom);
     return pickResult(count);
