@@ -24,7 +24,8 @@ const KindInfo kinds[KR_SCISSOR + 1] = {
     /* 0 */ {"GRAPH", createDefault<GRAPH_STRUCT, createGraph>, graphFreeData, graphSetPickSticky, editGraph, nullptr},
     /* 1 */ {"RECTANGLE", createDefault<RECT_STRUCT, createRect>, nullptr, rectSetPickSticky, editRect, nullptr},
     /* 2 */ {"POLYGON", createDefault<POLY_STRUCT, createPoly>, polyFreeData, polySetPickSticky, editPoly, pickPoly},
-    /* 3 */ {"CIRCLE", createDefault<CIRCLE_STRUCT, createCircle>, nullptr, circleSetPickSticky, editCircle, pickCircle},
+    /* 3 */ {"CIRCLE", createDefault<CIRCLE_STRUCT, createCircle>, nullptr, circleSetPickSticky, editCircle,
+             pickCircle},
     /* 4 */ {"TEXT", createTextDefault, textFreeData, textSetPickSticky, editTextx, nullptr},
     /* 5 */ {"LINE", createDefault<LINE_STRUCT, createLine>, nullptr, lineSetPickSticky, editLine, nullptr},
     /* 6 */ {"ARC", createDefault<CIRCLE_STRUCT, createArc>, nullptr, circleSetPickSticky, editCircle, nullptr},
@@ -35,7 +36,8 @@ const KindInfo kinds[KR_SCISSOR + 1] = {
     /* 11 */ {"BUTTON", createDefault<BUTTON_STRUCT, createButton>, nullptr, buttonSetPickSticky, editButton, nullptr},
     /* 12 */ {"SLIDER", createDefault<SLIDER_STRUCT, createSlider>, nullptr, sliderSetPickSticky, editSlider, nullptr},
     /* 13 */ {"POLYGON", createDefault<POLY_STRUCT, createCPoly>, polyFreeData, polySetPickSticky, editPoly, pickPoly},
-    /* 14 */ {"SCISSOR", createDefault<SCISSOR_STRUCT, createScissor>, nullptr, scissorSetPickSticky, editScissor, nullptr},
+    /* 14 */ {"SCISSOR", createDefault<SCISSOR_STRUCT, createScissor>, nullptr, scissorSetPickSticky, editScissor,
+              nullptr},
 };
 
 } // namespace

@@ -2,8 +2,8 @@
 // window follows.
 #include "KorelEdit.h"
 #include "base/truncate.h"
-#include "elements/elementKinds.h"
 #include "edit/handles.h"
+#include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "glyph/GlyphKit.h"
 #include "graphics/graphics.h"

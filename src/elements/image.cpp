@@ -1,7 +1,7 @@
 // Image: a texture on four corners, tinted by the fill colour.
 #include "KorelEdit.h"
-#include "elements/elementKinds.h"
 #include "edit/handles.h"
+#include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 

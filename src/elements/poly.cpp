@@ -2,8 +2,8 @@
 #include "KorelEdit.h"
 #include "base/base.h"
 #include "core/linkedList.h"
-#include "elements/elementKinds.h"
 #include "edit/handles.h"
+#include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 
@@ -93,8 +93,10 @@ int polySetPickSticky(ELEMENT_STRUCT* element)
     polyMakeList(p, 0);
     StickyList handles(element);
     // Ids come from files: wrap rather than overflow.
-    for (const COORD_STRUCT* c = p->coords; c; c = c->next)
-        handles.add(int(uint32_t(KR_HANDLE_POINT) + uint32_t(c->id)), KR_STICKY_SQUARE, c->x, c->y, kPointHandleSize, kPointHandleSize);
+    for (const COORD_STRUCT* c = p->coords; c; c = c->next) {
+        const int id = int(uint32_t(KR_HANDLE_POINT) + uint32_t(c->id));
+        handles.add(id, KR_STICKY_SQUARE, c->x, c->y, kPointHandleSize, kPointHandleSize);
+    }
     handles.box(element->bounds, element->refX, element->refY, kBoxThenCentre);
     return polySetAttr(element);
 }

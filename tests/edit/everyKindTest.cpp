@@ -35,6 +35,8 @@ korelgen::CircleFields ellipse(float x, float y, float rx, float ry, float end =
     return c;
 }
 
+const float kHalf = 3.1415927f; // a half turn
+
 const KindCase kCases[] = {
     {"rectangle", [](ViewBuilder& b, const Box& r) { b.rect({r.x0, r.y0, r.x1, r.y1}); }},
     {"polygon", [](ViewBuilder& b, const Box& r) {
@@ -45,7 +47,7 @@ const KindCase kCases[] = {
      }},
     {"circle", [](ViewBuilder& b, const Box& r) { b.circle(ellipse(r.cx(), r.cy(), r.x1 - r.cx(), r.y1 - r.cy())); }},
     // A lower half arc: its box reaches up to its centre, which stays the element's centre.
-    {"arc", [](ViewBuilder& b, const Box& r) { b.arc(ellipse(r.cx(), r.cy(), r.x1 - r.cx(), r.y1 - r.y0, 3.1415927f)); }},
+    {"arc", [](ViewBuilder& b, const Box& r) { b.arc(ellipse(r.cx(), r.cy(), r.x1 - r.cx(), r.y1 - r.y0, kHalf)); }},
     {"line", [](ViewBuilder& b, const Box& r) { b.line({r.x0, r.cy(), r.x1, r.cy()}); }, false},
     {"image", [](ViewBuilder& b, const Box& r) {
          korelgen::ImageFields i;

@@ -26,8 +26,8 @@ TEST_F(HandlesTest, EachKindListsItsHandlesInItsOrder)
     korelgen::TextFields text;
     text.align = KR_POS_UPPER_RIGHT;
     ViewBuilder b = blackPage();
-    b.rect({10, 20, 50, 40}, "rect").line({}, "line").polyline(triangle, "poly").circle({}, "circle").text(text, "text");
-    b.beginGroup(1, "group").rect({}).endGroup();
+    b.rect({10, 20, 50, 40}, "rect").line({}, "line").polyline(triangle, "poly").circle({}, "circle");
+    b.text(text, "text").beginGroup(1, "group").rect({}).endGroup();
     VIEW_STRUCT* view = load(b);
     ASSERT_NE(view, nullptr);
     const std::vector<std::pair<const char*, std::vector<int>>> expected = {
