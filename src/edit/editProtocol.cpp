@@ -34,7 +34,7 @@ static float awayFromZero(float value)
     return std::fabs(value) < kMinFactor ? kMinFactor : value;
 }
 
-// A factor along one axis for a handle that started at `grab`, both relative to the anchor; a
+// The factor that takes a handle from `grab` to `pointer` about `anchor`, along one axis; a
 // handle on the anchor's line gives 1, so that a flat box keeps that axis.
 static float axisFactor(float pointer, float grab, float anchor)
 {
@@ -51,7 +51,7 @@ void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* outX, float* ou
     const float* centre = g[KR_HANDLE_CENTRE];
     float ax = centre[0], ay = centre[1];
     if (code >= KR_POS_UPPER_LEFT && code <= KR_POS_LEFT && !shiftPressed) {
-        const int opposite = (code + 3) % 8 + 1;
+        const int opposite = (code + 3) % 8 + 1; // k and k + 4 face each other
         ax = g[opposite][0];
         ay = g[opposite][1];
     }
