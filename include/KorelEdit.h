@@ -11,6 +11,7 @@
  *  5. Geometry helpers, picture store, graph labels
  *  6. Data-source and variable lists
  *  7. Binary view files
+ *  8. Handles, edits and objects
  *
  * Includes Korel2D.h. Units as there: view units, y upwards; colours 0..1; angles in radians.
  * A list operation takes the address of the list's head and keeps the prev/next links and the
@@ -422,9 +423,10 @@ KOREL2D_API int textSetNewText(ELEMENT_STRUCT* element, char* text);
  *  style the family has when it lacks the current one and its size nearest fontSize, and a bitmap
  *  family resets the matrix and sets textSize = fontSize; KR_EDIT_FONT_STYLE sets the style;
  *  KR_EDIT_TEXT is textSetNewText; KR_EDIT_ALIGN sets align alone. Font changes re-derive the box
- *  and raise the flag krTextUpdate reports. Other codes only re-seed the look (handle drags are
- *  not handled yet). stickies and phase are not read by these codes. @return 0, -1 for a null
- *  element or value or an element that is not a text. */
+ *  and raise the flag krTextUpdate reports. Codes 1 to 16 move, size and turn it as the other
+ *  kinds' edits do; at their end an outline font is made anew at the size it now shows. Other
+ *  codes only re-seed the look. @return 0, -1 for a null element or value or an element that is
+ *  not a text. */
 KOREL2D_API int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
 /** Brings a fixed text of an old file to the present record: font "Courier [fixed]", style and
  *  size from fontCode 0 to 39 (40 and more keep both), textSize = fontSize, the position moved
@@ -646,6 +648,195 @@ KOREL2D_API int KPutFInt(int32_t value, FILE* stream);
 KOREL2D_API int KPutFFloat(FILE* stream, float value);
 /** Writes the n bytes at buffer as they stand. @return 0, or -1 when they couldn't be written. */
 KOREL2D_API int KPutFString(const char* buffer, FILE* stream, int n);
+
+/* ================================================================ 8. handles, edits and objects */
+
+/** Phases of an element's edit for the handle codes 1 to 16. */
+enum {
+    KR_EDIT_BEGIN = 0,  /* saves the record and the handles' start positions */
+    KR_EDIT_UPDATE = 1, /* applies the pointer to the saved state */
+    KR_EDIT_END = 2,    /* drops the saved state */
+    KR_EDIT_ALL = 3     /* begin, update and end in one step */
+};
+
+/** Handle ids, and the edit codes they stand for: 1 to 8 the box clockwise from the upper left,
+ *  numbered as the KR_POS_ words (k and k + 4 opposite), then what else an edit can do with a box. */
+enum {
+    KR_HANDLE_FRAME = 0,       /* frame or segment: never hit */
+    KR_HANDLE_CENTRE = 9,      /* as a code: move, x and y the new centre */
+    KR_EDIT_WIDTH = 10,        /* x: the new width, about the centre */
+    KR_EDIT_HEIGHT = 11,       /* y: the new height, about the centre */
+    KR_EDIT_SCALE_X = 12,      /* x: factor about the centre */
+    KR_EDIT_SCALE_Y = 13,      /* y: factor about the centre */
+    KR_EDIT_MIRROR_X = 14,
+    KR_EDIT_MIRROR_Y = 15,
+    KR_EDIT_ROTATE = 16,       /* x: degrees about the centre */
+    KR_HANDLE_ARC_START = 50,
+    KR_HANDLE_ARC_END = 51,
+    KR_HANDLE_POINT = 100      /* + point id of a polygon; 100 and 101 the ends of a line */
+};
+
+/** Shapes of a handle (STICKY_STRUCT.kind). */
+enum {
+    KR_STICKY_FRAME = 0,   /* x, y lower left corner, w, h size of the box; never hit */
+    KR_STICKY_SQUARE = 1,
+    KR_STICKY_SEGMENT = 2, /* x, y, w, h hold the two ends; never hit */
+    KR_STICKY_CENTRE = 3,
+    KR_STICKY_ANCHOR = 4   /* the handle of a text's alignment */
+};
+
+/** One handle of an element (ELEMENT_STRUCT.stickies), made by the kind's geometry pass. */
+struct STICKY_STRUCT {
+    uint8_t hit; /* 1 after findSticky found it, 0 after it tested and missed it */
+    uint8_t kind;
+    uint8_t reserved;
+    int32_t id;
+    float x, y; /* view units */
+    float w, h; /* half size in pixels at zoom 1 */
+    STICKY_STRUCT* next;
+    STICKY_STRUCT* prev;
+};
+
+/** A zeroed handle in no list; logs "createSticky: out of memory" and gives null when out of memory. */
+KOREL2D_API STICKY_STRUCT* createSticky(void);
+/** Appends the handle at the tail. */
+KOREL2D_API int appendSticky(STICKY_STRUCT** head, STICKY_STRUCT* sticky);
+/** Unlinks and frees the handle; a null handle does nothing. */
+KOREL2D_API int delSticky(STICKY_STRUCT** head, STICKY_STRUCT* sticky);
+/** The first handle with this id, or null. */
+KOREL2D_API STICKY_STRUCT* getSticky(STICKY_STRUCT* head, int id);
+/** The id of the first square, centre or anchor handle whose box, its half size divided by zoom,
+ *  holds (x, y) strictly inside, or 0. Marks the handles tested up to it: hit 1 for it, 0 before. */
+KOREL2D_API int findSticky(STICKY_STRUCT* head, float x, float y, float zoom);
+/** Process-wide modifier flags of the editing tool: shift scales about the centre, ctrl keeps
+ *  the aspect. */
+KOREL2D_API void setShift(int flag);
+KOREL2D_API void setCtrl(int flag);
+/** 1 when (px, py) lies in the box of the corners (x1, y1), (x2, y2), edges included. */
+KOREL2D_API int pointInRect(float px, float py, float x1, float y1, float x2, float y2);
+/** Moves one point (oldX, oldY) by the handle code and the pointer (mx, my), from the element's
+ *  grab points; writes outX, outY, or leaves one unwritten where a factor would collapse it. */
+KOREL2D_API void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* outX, float* outY, float mx, float my,
+                                   float oldX, float oldY);
+
+/** The edits of the kinds; value points to a KR_EDIT_VALUE. Codes 1 to 16 run through the phases
+ *  (KR_EDIT_BEGIN ...), each ending with the geometry pass; any code re-seeds the look.
+ *  @return 0, -1 for a null element or value. */
+KOREL2D_API int editRect(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+KOREL2D_API int editPoly(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+KOREL2D_API int editCircle(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+KOREL2D_API int editLine(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+KOREL2D_API int editImage(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+KOREL2D_API int editButton(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+KOREL2D_API int editSlider(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+KOREL2D_API int editGraph(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+KOREL2D_API int editScissor(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+
+/** @typedef OBJ_ATTR
+ * The attributes of any kind of element, as krObjGetAttr hands them out and krObjSetAttr takes
+ * them in. Which fields a kind uses: stroked shapes (rectangle, polygons, circle, arc) the stroke
+ * and fill fields, a text the stroke fields and text, a line the stroke fields without On, an
+ * image fillColor, a button fillColor as its face colour, a slider fillColor as its face colour,
+ * a graph fillColor as its background and every field from tickx on. */
+typedef struct OBJ_ATTR {
+    uint32_t mask; /* krObjSetAttr: KR_OBJ_X ... which parts to set */
+    float x, y;
+    float width, height;
+    int32_t strokeStyle;
+    int32_t strokeWidth; /* truncated from the record's float */
+    int32_t antialias;
+    int32_t strokeOn;
+    int32_t fillOn;
+    float strokeColor[4];
+    float fillColor[4];
+    char text[256];
+    int32_t tickx, tickxAuto;
+    float tickxSpace;
+    int32_t tickxSub;
+    int32_t ticky, tickyr, tickyAuto;
+    float tickySpace;
+    int32_t tickySub;
+    int32_t labelx, labely, labelyr;
+    int32_t gridx, gridxAuto;
+    float gridxSpace;
+    int32_t gridy, gridyAuto;
+    float gridySpace;
+    float outlineColor[4];
+    float gridColor[4];
+    int32_t gridStyle;
+    float rate;
+    int32_t samples;
+    int32_t autoscale;
+    float minspready, ymin, ymax;
+    int32_t autoscalex;
+    float minspreadx, xmin, xmax;
+    int32_t labelFixx, labelFixy;
+    float labelXmin, labelXmax, labelYmin, labelYmax;
+} OBJ_ATTR;
+
+/** Bits of OBJ_ATTR.mask. */
+enum { KR_OBJ_X = 0x1, KR_OBJ_Y = 0x2, KR_OBJ_WIDTH = 0x4, KR_OBJ_HEIGHT = 0x8, KR_OBJ_KIND_FIELDS = 0x10 };
+
+/** The element of that name, children searched before their group; null if none. For a null view
+ *  the pointer value -1, for a wrong magic -2. */
+KOREL2D_API ELEMENT_STRUCT* krObjGet(VIEW_STRUCT* view, const char* name);
+/** Every element, each group before its children, as a new array for krObjFree; count set.
+ *  Null (count untouched) for a bad view or exhausted memory. */
+KOREL2D_API ELEMENT_STRUCT** krObjGetAll(VIEW_STRUCT* view, int* count);
+KOREL2D_API void krObjFree(ELEMENT_STRUCT** objects);
+/** The elements at window pixel (x, y), y from the top, by their resting boxes (lines by their
+ *  segment): children before their group, the topmost last, at most 499. The table is the
+ *  library's, valid until the next pick. Null when nothing is hit or a handle is bad. */
+KOREL2D_API ELEMENT_STRUCT** krObjPick(WINDOW_STRUCT* window, VIEW_STRUCT* view, int x, int y, int* count);
+/** As krObjPick at (x, y) in view units, zoom 1. */
+KOREL2D_API ELEMENT_STRUCT** krObjPickView(VIEW_STRUCT* view, int x, int y, int* count);
+/** Name, id, kind code, centre and size of an element (x, y of a group's child relative to the
+ *  group); null, -1 or -1.0 for a null element. */
+KOREL2D_API char* krObjName(ELEMENT_STRUCT* element);
+KOREL2D_API char* krObjId(ELEMENT_STRUCT* element);
+KOREL2D_API int krObjType(ELEMENT_STRUCT* element);
+KOREL2D_API float krObjX(ELEMENT_STRUCT* element);
+KOREL2D_API float krObjY(ELEMENT_STRUCT* element);
+KOREL2D_API float krObjWidth(ELEMENT_STRUCT* element);
+KOREL2D_API float krObjHeight(ELEMENT_STRUCT* element);
+/** Move the centre to x or y (view units, also in a group), or size the element about its centre,
+ *  through its edit. @return 0, -1 for a null element or one without an edit. */
+KOREL2D_API int krObjSetX(ELEMENT_STRUCT* element, float x);
+KOREL2D_API int krObjSetY(ELEMENT_STRUCT* element, float y);
+KOREL2D_API int krObjSetWidth(ELEMENT_STRUCT* element, float width);
+KOREL2D_API int krObjSetHeight(ELEMENT_STRUCT* element, float height);
+/** A graph's samples, or its rate from an integer. @return 0, -1 null element, -2 not a graph. */
+KOREL2D_API int krObjSetSamples(ELEMENT_STRUCT* element, int samples);
+KOREL2D_API int krObjSetUpdateRate(ELEMENT_STRUCT* element, int rate);
+/** Fills attr from the element; mask is left alone. @return 0, -1 for a null element or a kind
+ *  without attributes. */
+KOREL2D_API int krObjGetAttr(ELEMENT_STRUCT* element, OBJ_ATTR* attr);
+/** Sets what attr->mask names: x, y, width, height in this order through the edit, then the
+ *  kind's fields into its record and the look re-seeded from it. Derived state (stipples,
+ *  patterns, a text's box) is not rebuilt. @return 0, -1 for a null element, or a kind without
+ *  attributes when its fields are asked for. */
+KOREL2D_API int krObjSetAttr(ELEMENT_STRUCT* element, OBJ_ATTR* attr);
+
+/** The element's actions in list order, as a new array for krActionFree; count set (0 and null
+ *  for a null element). */
+KOREL2D_API ACTION_STRUCT** krActionGetAll(ELEMENT_STRUCT* element, int* count);
+KOREL2D_API void krActionFree(ACTION_STRUCT** actions);
+/** Variable names and type of an action; null or -1 for a null action. */
+KOREL2D_API char* krActionVar(ACTION_STRUCT* action);
+KOREL2D_API char* krActionVar2(ACTION_STRUCT* action);
+KOREL2D_API int krActionType(ACTION_STRUCT* action);
+/** flag 0 disables the action (a graph trace is then not drawn). @return 0 or -1. */
+KOREL2D_API int krActionEnable(ACTION_STRUCT* action, int flag);
+/** The scaling (a0, b0)-(a1, b1) of the first variable, offset and slope worked out anew; Scale2
+ *  the same for the second variable. @return 0 or -1. */
+KOREL2D_API int krActionSetScale(ACTION_STRUCT* action, float a0, float a1, float b0, float b1);
+KOREL2D_API int krActionSetScale2(ACTION_STRUCT* action, float a0, float a1, float b0, float b1);
+KOREL2D_API int krActionGetScale(ACTION_STRUCT* action, float* a0, float* a1, float* b0, float* b1);
+KOREL2D_API int krActionGetScale2(ACTION_STRUCT* action, float* a0, float* a1, float* b0, float* b1);
+/** The colour of the action's first colour threshold (a graph trace's colour). @return 0, -1 for
+ *  a null action or an empty colour list. */
+KOREL2D_API int krActionSetColor(ACTION_STRUCT* action, float r, float g, float b);
+KOREL2D_API int krActionGetColor(ACTION_STRUCT* action, float* r, float* g, float* b);
 
 #ifdef __cplusplus
 }

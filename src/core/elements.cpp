@@ -1,6 +1,7 @@
 // Element records and the operations on element lists.
 #include "KorelEdit.h"
 #include "core/linkedList.h"
+#include "edit/handles.h"
 #include "elements/elementKinds.h"
 
 #include <cstdio>
@@ -53,8 +54,10 @@ int elementDelete(ELEMENT_STRUCT* element, ELEMENT_STRUCT** head)
     const KindInfo* kind = kindInfo(element->type);
     if (kind && kind->freeData && element->data)
         kind->freeData(element->data);
+    // An edit begun and never ended still holds its saved copy.
+    releaseEditData(element);
+    deleteStickies(element);
     free(element->data);
-    free(element->editData);
     free(element);
     return 0;
 }

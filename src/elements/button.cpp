@@ -1,5 +1,6 @@
 // Button: a bevelled face that shows a pressed state.
 #include "KorelEdit.h"
+#include "edit/handles.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 
@@ -31,7 +32,14 @@ int buttonSetPickSticky(ELEMENT_STRUCT* element)
 {
     BUTTON_STRUCT* b = static_cast<BUTTON_STRUCT*>(element->data);
     cornerGeometry(element, b->cornerX, b->cornerY, b->localX, b->localY);
+    addBoundsStickies(element);
     return buttonSetAttr(element);
+}
+
+int editButton(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    static const KindEdit kind{sizeof(BUTTON_STRUCT), applyCorners<BUTTON_STRUCT>, buttonSetAttr};
+    return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
 // The outer corners as the bevels need them (lower left, upper left, upper right, lower right),

@@ -1,5 +1,6 @@
 // Circle (kind 3) and arc (kind 6): a unit shape under a 2x2 matrix, between two angles.
 #include "KorelEdit.h"
+#include "edit/handles.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 static CIRCLE_STRUCT circleDefaults(bool arc)
 {
@@ -119,7 +121,28 @@ int circleSetPickSticky(ELEMENT_STRUCT* element)
     std::copy(local, local + 4, c->localBounds);
     boxGeometry(element, c->x + local[0], c->y + local[1], c->x + local[2], c->y + local[3]);
     placeCentre(element, c->x, c->y);
+    StickyList handles(element);
+    for (const auto& [id, angle] : {std::pair{KR_HANDLE_ARC_START, c->start}, std::pair{KR_HANDLE_ARC_END, c->end}}) {
+        float x, y;
+        rimPoint(c, angle, &x, &y);
+        handles.add(id, KR_STICKY_SQUARE, c->x + x, c->y + y, kPointHandleSize, kPointHandleSize);
+    }
+    handles.box(element->bounds, c->x, c->y, kCentreCornersSides);
+    handles.frame();
     return circleSetAttr(element);
+}
+
+static void applyCircle(ELEMENT_STRUCT* element, const void* saved, int code, const KR_EDIT_VALUE* value)
+{
+    CIRCLE_STRUCT* c = static_cast<CIRCLE_STRUCT*>(element->data);
+    const CIRCLE_STRUCT* o = static_cast<const CIRCLE_STRUCT*>(saved);
+    applyMatrixShape(element, code, value, &c->x, &c->y, c->matrix, o->x, o->y, o->matrix, o->localBounds);
+}
+
+int editCircle(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    static const KindEdit kind{sizeof(CIRCLE_STRUCT), applyCircle, circleSetAttr};
+    return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
 // Drawn about the centre, which the walk's matrix has placed; the end is the run-time one,

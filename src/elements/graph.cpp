@@ -2,6 +2,7 @@
 // window follows.
 #include "KorelEdit.h"
 #include "base/truncate.h"
+#include "edit/handles.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "glyph/GlyphKit.h"
@@ -97,7 +98,37 @@ int graphSetPickSticky(ELEMENT_STRUCT* element)
     placeCentre(element, float(g->x + g->width * 0.5), float(g->y + g->height * 0.5));
     element->width = g->width;
     element->height = g->height;
+    addBoundsStickies(element);
     return graphSetAttr(element);
+}
+
+// Corners of the record's box: lower left, upper left, upper right, lower right.
+static void graphCorners(const GRAPH_STRUCT* g, float x[4], float y[4])
+{
+    x[0] = x[1] = g->x;
+    x[2] = x[3] = g->x + g->width;
+    y[0] = y[3] = g->y;
+    y[1] = y[2] = g->y + g->height;
+}
+
+static void applyGraph(ELEMENT_STRUCT* element, const void* saved, int code, const KR_EDIT_VALUE* value)
+{
+    GRAPH_STRUCT* g = static_cast<GRAPH_STRUCT*>(element->data);
+    float savedX[4], savedY[4], x[4], y[4];
+    graphCorners(static_cast<const GRAPH_STRUCT*>(saved), savedX, savedY);
+    graphCorners(g, x, y);
+    movePoints(element, code, value, x, y, savedX, savedY, 4);
+    // The record keeps the lower left corner and a positive size, whichever way the box turned.
+    g->x = *std::min_element(x, x + 4);
+    g->y = *std::min_element(y, y + 4);
+    g->width = std::fabs(x[0] - x[3]);
+    g->height = std::fabs(y[0] - y[1]);
+}
+
+int editGraph(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    static const KindEdit kind{sizeof(GRAPH_STRUCT), applyGraph, graphSetAttr};
+    return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
 // Truncation that stays defined for NaN and infinities from degenerate ranges.

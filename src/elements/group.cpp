@@ -1,6 +1,7 @@
 // Group: holds children whose x, y are kept relative to the group's centre, so that
 // moving the group moves them. It has no look of its own but the editing outline.
 #include "KorelEdit.h"
+#include "edit/handles.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 
@@ -33,7 +34,11 @@ int groupSetPickSticky(ELEMENT_STRUCT* element)
         element->pickShape = 1;
         std::copy(box, box + 4, element->pickLine);
     }
+    StickyList handles(element);
+    handles.box(element->bounds, element->refX, element->refY, kCentreThenBox);
+    handles.frame();
     for (ELEMENT_STRUCT* c = element->child; c; c = c->next) {
+        c->parent = element;
         if (c->setPickSticky)
             c->setPickSticky(c);
         c->x -= element->x;

@@ -1,5 +1,6 @@
 // Image: a texture on four corners, tinted by the fill colour.
 #include "KorelEdit.h"
+#include "edit/handles.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
@@ -44,7 +45,14 @@ int imageSetPickSticky(ELEMENT_STRUCT* element)
 {
     IMAGE_STRUCT* image = static_cast<IMAGE_STRUCT*>(element->data);
     cornerGeometry(element, image->cornerX, image->cornerY, image->localX, image->localY);
+    addBoundsStickies(element);
     return imageSetAttr(element);
+}
+
+int editImage(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    static const KindEdit kind{sizeof(IMAGE_STRUCT), applyCorners<IMAGE_STRUCT>, imageSetAttr};
+    return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
 // The texture environment modulates, so the fill colour tints the picture and its alpha fades it.

@@ -1,5 +1,6 @@
 // Line: two end points with a width, a style and a colour.
 #include "KorelEdit.h"
+#include "edit/handles.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 
@@ -48,7 +49,26 @@ int lineSetPickSticky(ELEMENT_STRUCT* element)
     element->pickLine[1] = l->y1;
     element->pickLine[2] = l->x2;
     element->pickLine[3] = l->y2;
+    StickyList handles(element);
+    handles.add(KR_HANDLE_POINT, KR_STICKY_SQUARE, l->x1, l->y1);
+    handles.add(KR_HANDLE_POINT + 1, KR_STICKY_SQUARE, l->x2, l->y2);
+    handles.add(KR_HANDLE_CENTRE, KR_STICKY_CENTRE, element->refX, element->refY);
+    handles.add(KR_HANDLE_FRAME, KR_STICKY_SEGMENT, l->x1, l->y1, l->x2, l->y2);
     return lineSetAttr(element);
+}
+
+static void applyLine(ELEMENT_STRUCT* element, const void* saved, int code, const KR_EDIT_VALUE* value)
+{
+    LINE_STRUCT* l = static_cast<LINE_STRUCT*>(element->data);
+    const LINE_STRUCT* o = static_cast<const LINE_STRUCT*>(saved);
+    movePoint(element, code, value, &l->x1, &l->y1, o->x1, o->y1);
+    movePoint(element, code, value, &l->x2, &l->y2, o->x2, o->y2);
+}
+
+int editLine(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    static const KindEdit kind{sizeof(LINE_STRUCT), applyLine, lineSetAttr};
+    return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
 // The walk places a line without actions by its vertex offset, which tkVertex2f adds, and

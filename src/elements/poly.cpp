@@ -2,6 +2,7 @@
 #include "KorelEdit.h"
 #include "base/base.h"
 #include "core/linkedList.h"
+#include "edit/handles.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
@@ -90,7 +91,47 @@ int polySetPickSticky(ELEMENT_STRUCT* element)
     while (p->fillCoords)
         delCoord(&p->fillCoords, p->fillCoords);
     polyMakeList(p, 0);
+    StickyList handles(element);
+    // Ids come from files: wrap rather than overflow.
+    for (const COORD_STRUCT* c = p->coords; c; c = c->next) {
+        const int id = int(uint32_t(KR_HANDLE_POINT) + uint32_t(c->id));
+        handles.add(id, KR_STICKY_SQUARE, c->x, c->y, kPointHandleSize, kPointHandleSize);
+    }
+    handles.box(element->bounds, element->refX, element->refY, kBoxThenCentre);
     return polySetAttr(element);
+}
+
+// The saved copy gets points of its own; the level cut and the display list stay the record's.
+static void savePolyPoints(void* saved)
+{
+    POLY_STRUCT* copy = static_cast<POLY_STRUCT*>(saved);
+    const COORD_STRUCT* points = copy->coords;
+    copy->coords = nullptr;
+    copy->fillCoords = nullptr;
+    copy->displayList = 0;
+    for (const COORD_STRUCT* c = points; c; c = c->next)
+        if (COORD_STRUCT* twin = createCoord()) {
+            twin->id = c->id;
+            twin->x = c->x;
+            twin->y = c->y;
+            twin->distance = c->distance;
+            appendCoord(&copy->coords, twin);
+        }
+}
+
+// Points pair with their saved twins by position in the list.
+static void applyPoly(ELEMENT_STRUCT* element, const void* saved, int code, const KR_EDIT_VALUE* value)
+{
+    COORD_STRUCT* c = static_cast<POLY_STRUCT*>(element->data)->coords;
+    const COORD_STRUCT* s = static_cast<const POLY_STRUCT*>(saved)->coords;
+    for (; c && s; c = c->next, s = s->next)
+        movePoint(element, code, value, &c->x, &c->y, s->x, s->y);
+}
+
+int editPoly(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    static const KindEdit kind{sizeof(POLY_STRUCT), applyPoly, polySetAttr, savePolyPoints};
+    return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
 // ---------------------------------------------------------------- fill

@@ -1,5 +1,6 @@
 // Rectangle: four corners, an optional fill with a pattern and an optional outline.
 #include "KorelEdit.h"
+#include "edit/handles.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 
@@ -39,7 +40,14 @@ int rectSetPickSticky(ELEMENT_STRUCT* element)
 {
     RECT_STRUCT* r = static_cast<RECT_STRUCT*>(element->data);
     cornerGeometry(element, r->cornerX, r->cornerY, r->localX, r->localY);
+    addBoundsStickies(element);
     return rectSetAttr(element);
+}
+
+int editRect(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    static const KindEdit kind{sizeof(RECT_STRUCT), applyCorners<RECT_STRUCT>, rectSetAttr};
+    return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
 int drawRect(RECT_STRUCT* r, ELEMENT_ATTR* attr, int selected)

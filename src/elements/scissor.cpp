@@ -1,6 +1,7 @@
 // Scissor: marks the clip area of its group. It has no look in a running view; the
 // editing tool sees it as an orange frame.
 #include "KorelEdit.h"
+#include "edit/handles.h"
 #include "elements/kindCommon.h"
 #include "graphics/graphics.h"
 
@@ -16,7 +17,14 @@ int scissorSetPickSticky(ELEMENT_STRUCT* element)
 {
     SCISSOR_STRUCT* s = static_cast<SCISSOR_STRUCT*>(element->data);
     cornerGeometry(element, s->cornerX, s->cornerY, s->localX, s->localY);
+    addBoundsStickies(element);
     return 0;
+}
+
+int editScissor(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    static const KindEdit kind{sizeof(SCISSOR_STRUCT), applyCorners<SCISSOR_STRUCT>, nullptr};
+    return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
 int drawScissor(SCISSOR_STRUCT* s, ELEMENT_ATTR*, int selected)

@@ -1,6 +1,9 @@
 // Slider: a sunken groove with a raised knob across it.
 #include "KorelEdit.h"
+#include "edit/handles.h"
 #include "elements/kindCommon.h"
+
+#include <cmath>
 #include "graphics/graphics.h"
 
 static SLIDER_STRUCT sliderDefaults()
@@ -35,7 +38,29 @@ int sliderSetPickSticky(ELEMENT_STRUCT* element)
     const double halfW = s->width * 0.5, halfH = s->height * 0.5;
     boxGeometry(element, float(s->x - halfW), float(s->y - halfH), float(s->x + halfW), float(s->y + halfH));
     placeCentre(element, s->x, s->y);
+    addBoundsStickies(element);
     return sliderSetAttr(element);
+}
+
+// The centre and the upper right corner move; the size follows from the two.
+static void applySlider(ELEMENT_STRUCT* element, const void* saved, int code, const KR_EDIT_VALUE* value)
+{
+    SLIDER_STRUCT* s = static_cast<SLIDER_STRUCT*>(element->data);
+    const SLIDER_STRUCT* o = static_cast<const SLIDER_STRUCT*>(saved);
+    const float cornerX = o->x + o->width / 2, cornerY = o->y + o->height / 2;
+    float x = o->x, y = o->y, cx = cornerX, cy = cornerY;
+    movePoint(element, code, value, &x, &y, o->x, o->y);
+    movePoint(element, code, value, &cx, &cy, cornerX, cornerY);
+    s->x = x;
+    s->y = y;
+    s->width = 2 * std::fabs(cx - x);
+    s->height = 2 * std::fabs(cy - y);
+}
+
+int editSlider(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
+{
+    static const KindEdit kind{sizeof(SLIDER_STRUCT), applySlider, sliderSetAttr};
+    return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
 // A box about the local origin bevelled `e` inwards.

@@ -2,6 +2,7 @@
 #include "KorelEdit.h"
 #include "base/angles.h"
 #include "base/truncate.h"
+#include "edit/handles.h"
 #include "elements/elementKinds.h"
 #include "elements/kindCommon.h"
 #include "glyph/GlyphKit.h"
@@ -116,6 +117,12 @@ int textSetPickSticky(ELEMENT_STRUCT* element)
     pointsBox(turnedX, turnedY, 4, t->span);
     boxGeometry(element, t->x + t->span[0], t->y + t->span[1], t->x + t->span[2], t->y + t->span[3]);
     placeCentre(element, t->x, t->y);
+    // Only an outline font can be sized by its box.
+    StickyList handles(element);
+    if (t->scalable)
+        handles.box(element->bounds, t->x, t->y, kBoxThenCentre, t->align);
+    else
+        handles.box(element->bounds, t->x, t->y, kCentreOnly, t->align);
     return textSetAttr(element);
 }
 
@@ -231,10 +238,36 @@ static int styleOfFamily(const char* family, int style)
     return style;
 }
 
-int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT*, int code, int, void* value)
+static void applyText(ELEMENT_STRUCT* element, const void* saved, int code, const KR_EDIT_VALUE* value)
+{
+    TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
+    const TEXT_STRUCT* o = static_cast<const TEXT_STRUCT*>(saved);
+    applyMatrixShape(element, code, value, &t->x, &t->y, t->matrix, o->x, o->y, o->matrix, o->span);
+}
+
+// A resized outline font is made anew at the size it now shows, so that its glyphs stay sharp;
+// textSize and the matrix stay, and with them the drawn size.
+static void finishText(ELEMENT_STRUCT* element)
+{
+    TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
+    if (!t->scalable)
+        return;
+    const double height = float(t->textSize);
+    const double size = std::sqrt(std::pow(t->matrix[2] * height, 2) + std::pow(t->matrix[3] * height, 2));
+    // The font layer bounds sizes it can't render; a box dragged flat still asks for one pixel.
+    t->fontSize = std::max(truncToInt(size), 1);
+    remakeFont(t);
+    updateFlag = 1;
+}
+
+int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
     if (!element || !value || element->type != KR_TEXT)
         return -1;
+    if (isBoxEditCode(code)) {
+        static const KindEdit kind{sizeof(TEXT_STRUCT), applyText, textSetAttr, nullptr, finishText};
+        return runKindEdit(element, stickies, code, phase, value, kind);
+    }
     TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
     KR_EDIT_VALUE* v = static_cast<KR_EDIT_VALUE*>(value);
     bool fontChanged = true;

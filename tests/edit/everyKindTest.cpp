@@ -1,0 +1,114 @@
+// Every kind moves and sizes through the object interface as it then draws: each element,
+// moved and sized, shows as one loaded at the target place. Garbage operands neither crash nor
+// reach an integer conversion unclamped (the sanitizer build checks that).
+#include "KorelEdit.h"
+#include "ViewFixture.h"
+
+#include <limits>
+
+using namespace k2dtest;
+
+namespace {
+
+struct Box {
+    float x0, y0, x1, y1;
+    float cx() const { return (x0 + x1) / 2; }
+    float cy() const { return (y0 + y1) / 2; }
+};
+
+// The element of a kind that fills the box; the box's centre is the element's centre.
+using Add = void (*)(ViewBuilder&, const Box&);
+
+struct KindCase {
+    const char* kind;
+    Add add;
+    bool sizes = true;        // a line has no side handles to size it by
+    bool drawn = true;        // a scissor shows nothing in a view
+    float tolerance = 1e-3f;  // a text re-measured in its re-rendered font is near the size only
+    bool exact = true;        // else only the ink's centre can be told
+};
+
+korelgen::CircleFields ellipse(float x, float y, float rx, float ry, float end = 6.2831855f)
+{
+    korelgen::CircleFields c;
+    c.x = x, c.y = y, c.matrix[0] = rx / 100, c.matrix[3] = ry / 100, c.end = end;
+    return c;
+}
+
+const float kHalf = 3.1415927f; // a half turn
+
+const KindCase kCases[] = {
+    {"rectangle", [](ViewBuilder& b, const Box& r) { b.rect({r.x0, r.y0, r.x1, r.y1}); }},
+    {"polygon", [](ViewBuilder& b, const Box& r) {
+         korelgen::PolyFields p;
+         p.closed = p.fillOn = 1;
+         p.points = {{0, r.x0, r.y0}, {1, r.x1, r.y0}, {2, r.x1, r.y1}};
+         b.cpoly(p);
+     }},
+    {"circle", [](ViewBuilder& b, const Box& r) { b.circle(ellipse(r.cx(), r.cy(), r.x1 - r.cx(), r.y1 - r.cy())); }},
+    // A lower half arc: its box reaches up to its centre, which stays the element's centre.
+    {"arc", [](ViewBuilder& b, const Box& r) { b.arc(ellipse(r.cx(), r.cy(), r.x1 - r.cx(), r.y1 - r.y0, kHalf)); }},
+    {"line", [](ViewBuilder& b, const Box& r) { b.line({r.x0, r.cy(), r.x1, r.cy()}); }, false},
+    {"image", [](ViewBuilder& b, const Box& r) {
+         korelgen::ImageFields i;
+         i.x0 = r.x0, i.y0 = r.y0, i.x1 = r.x1, i.y1 = r.y1, i.width = i.height = 2;
+         i.pixels.assign(16, 255);
+         b.image(i);
+     }},
+    {"button", [](ViewBuilder& b, const Box& r) { b.button({r.x0, r.y0, r.x1, r.y1}); }},
+    {"slider", [](ViewBuilder& b, const Box& r) { b.slider({r.cx(), r.cy(), r.x1 - r.x0, r.y1 - r.y0}); }},
+    {"graph", [](ViewBuilder& b, const Box& r) { b.graph({0, r.x0, r.y0, r.x1 - r.x0, r.y1 - r.y0}); }},
+    {"scissor", [](ViewBuilder& b, const Box& r) { b.scissor(r.x0, r.y0, r.x1, r.y1); }, true, false},
+    {"text", [](ViewBuilder& b, const Box&) { b.text({}); }, true, true, 3, false},
+    {"group", [](ViewBuilder& b, const Box& r) { b.beginGroup(1).rect({r.x0, r.y0, r.x1, r.y1}).endGroup(); }},
+};
+
+class EveryKind : public ViewTest, public ::testing::WithParamInterface<KindCase> {
+protected:
+    VIEW_STRUCT* loadWith(const Box& box)
+    {
+        ViewBuilder b = blackPage();
+        GetParam().add(b, box);
+        return load(b);
+    }
+};
+
+TEST_P(EveryKind, MovesAndSizesAsDrawn)
+{
+    const KindCase& c = GetParam();
+    VIEW_STRUCT* view = loadWith({10, 10, 50, 30});
+    ASSERT_TRUE(view);
+    ELEMENT_STRUCT* e = view->elements;
+    const float width = e->width, height = e->height;
+    for (auto [set, value] : {std::pair{krObjSetX, 200}, {krObjSetY, 150}, {krObjSetWidth, 120}, {krObjSetHeight, 60}})
+        EXPECT_EQ(set(e, value), 0);
+    EXPECT_NEAR(krObjX(e), 200, 1e-3);
+    EXPECT_NEAR(krObjY(e), 150, 1e-3);
+    EXPECT_NEAR(krObjWidth(e), c.sizes ? 120 : width, c.tolerance);
+    EXPECT_NEAR(krObjHeight(e), c.sizes ? 60 : height, c.tolerance);
+    const Ink moved = draw(view).ink();
+    EXPECT_EQ(moved.lit > 0, c.drawn);
+    if (c.exact) {
+        VIEW_STRUCT* target = loadWith(c.sizes ? Box{140, 120, 260, 180} : Box{180, 140, 220, 160});
+        ASSERT_TRUE(target);
+        const Ink expected = draw(target).ink();
+        for (auto edge : {&Ink::x0, &Ink::y0, &Ink::x1, &Ink::y1})
+            EXPECT_NEAR(moved.*edge, expected.*edge, 1);
+    } else {
+        EXPECT_NEAR((moved.x0 + moved.x1) / 2, 200, 3);
+        EXPECT_NEAR((moved.y0 + moved.y1) / 2, 150, 3);
+    }
+
+    for (float garbage : {1e30f, -1e30f, 0.0f, std::numeric_limits<float>::quiet_NaN(), 200.0f}) {
+        for (auto set : {krObjSetWidth, krObjSetHeight, krObjSetX, krObjSetY})
+            EXPECT_EQ(set(e, garbage), 0);
+        OBJ_ATTR attr;
+        EXPECT_EQ(krObjGetAttr(e, &attr), 0);
+        draw(view);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, EveryKind, ::testing::ValuesIn(kCases),
+                         [](const auto& info) { return std::string(info.param.kind); });
+
+} // namespace
