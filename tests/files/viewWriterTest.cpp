@@ -2,6 +2,7 @@
 // own file with every stored field and every pixel, whole, edited, cut short or garbled.
 #include "KorelEdit.h"
 #include "LoadedView.h"
+#include "SampleFiles.h"
 #include "StoredView.h"
 #include "ViewFixture.h"
 
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -77,23 +77,6 @@ int growParameterBuffers(DD_DATA_TYPE_STRUCT* sources)
     return grown;
 }
 
-// A view as the reader makes it from a file, before sources are matched to libraries: cheap
-// enough to load tens of thousands of times.
-struct FileView {
-    VIEW_STRUCT view = {};
-    const int result;
-    explicit FileView(const std::string& path)
-        : result(loadFile(path.c_str(), &view.elements, &view.dataTypes, &view))
-    {
-    }
-    ~FileView()
-    {
-        elementDeleteAll(&view.elements);
-        while (view.dataTypes)
-            delDataType(&view.dataTypes, view.dataTypes, 0);
-    }
-};
-
 // Whatever of the bytes loads is saved and loaded again, and stores the same.
 void expectComesBack(const std::vector<uint8_t>& bytes, const std::string& label)
 {
@@ -105,16 +88,6 @@ void expectComesBack(const std::vector<uint8_t>& bytes, const std::string& label
     ASSERT_EQ(saveFile(second.path.c_str(), loaded.view.elements, loaded.view.dataTypes, &loaded.view), 0) << label;
     FileView back(second.path);
     ASSERT_EQ(firstStoredDifference(&loaded.view, &back.view), "") << label;
-}
-
-std::vector<std::string> samplePaths()
-{
-    std::vector<std::string> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(KOREL2D_EXAMPLES_DIR))
-        if (entry.path().extension() == ".k2d")
-            paths.push_back(entry.path());
-    std::sort(paths.begin(), paths.end());
-    return paths;
 }
 
 int differentPixels(const Frame& a, const Frame& b)

@@ -1,0 +1,108 @@
+// An editing tool changes a view in any way its interface allows, garbage included, and the
+// file it saves brings back every stored field as it stood when saved.
+#include "KorelEdit.h"
+#include "SampleFiles.h"
+#include "StoredView.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <random>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+using namespace k2dtest;
+
+namespace {
+
+constexpr float kInf = std::numeric_limits<float>::infinity();
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+struct RandomEdits {
+    std::mt19937 rng;
+    VIEW_STRUCT* view;
+
+    int below(int n) { return int(rng() % unsigned(n)); }
+    float number()
+    {
+        static const float special[] = {0, -1, -250.5f, 1e30f, -1e30f, kNaN, kInf, -kInf, 2.5f};
+        return below(3) ? std::uniform_real_distribution<float>(-600, 600)(rng) : special[below(9)];
+    }
+    int whole()
+    {
+        static const int special[] = {0, -7, 1, 30, 1000, std::numeric_limits<int>::max(),
+                                      std::numeric_limits<int>::min()};
+        return special[below(7)];
+    }
+    std::string text() { return std::string(size_t(below(301)), char('A' + below(26))); }
+
+    template <class Record> Record* pick(Record** all, int count) { return count ? all[below(count)] : nullptr; }
+
+    void applyAttr(ELEMENT_STRUCT* e)
+    {
+        OBJ_ATTR attr;
+        krObjGetAttr(e, &attr);
+        attr.mask = uint32_t(below(32));
+        attr.x = number(), attr.y = number(), attr.width = number(), attr.height = number();
+        attr.strokeWidth = whole(), attr.strokeStyle = whole(), attr.fillOn = whole(), attr.samples = whole();
+        attr.strokeColor[below(4)] = number(), attr.fillColor[below(4)] = number(), attr.ymax = number();
+        attr.rate = number(), attr.gridColor[below(4)] = number();
+        const std::string t = text(); // without a terminator when it fills the field
+        memcpy(attr.text, t.data(), std::min(t.size() + 1, sizeof attr.text));
+        krObjSetAttr(e, &attr);
+    }
+
+    void applyOne()
+    {
+        int count = 0;
+        ELEMENT_STRUCT** all = krObjGetAll(view, &count);
+        ELEMENT_STRUCT* e = pick(all, count);
+        krObjFree(all);
+        ACTION_STRUCT** actions = krActionGetAll(e, &count);
+        ACTION_STRUCT* a = pick(actions, count);
+        krActionFree(actions);
+        switch (below(10)) {
+        case 0: applyAttr(e); break;
+        case 1: krObjSetX(e, number()); break;
+        case 2: krObjSetY(e, number()); break;
+        case 3: krObjSetWidth(e, number()); break;
+        case 4: krObjSetHeight(e, number()); break;
+        case 5: krObjSetSamples(e, whole()); break;
+        case 6: krObjSetUpdateRate(e, whole()); break;
+        case 7: krActionSetScale(a, number(), number(), number(), number()); break;
+        case 8: krActionSetColor(a, number(), number(), number()); break;
+        default: {
+            std::vector<VARIABLE_STRUCT*> variables;
+            for (DD_DATA_TYPE_STRUCT* s = view->dataTypes; s; s = s->next)
+                for (VARIABLE_STRUCT* v = s->variables; v; v = v->next)
+                    variables.push_back(v);
+            if (!variables.empty())
+                krVarSetPara(variables[size_t(below(int(variables.size())))], below(3), whole(), text().c_str());
+        }
+        }
+    }
+};
+
+TEST(EditRoundTrip, RandomEditsOfEverySampleComeBackAsSaved)
+{
+    const std::vector<std::string> samples = samplePaths();
+    const std::string path = "/tmp/krEdited" + std::to_string(getpid()) + ".k2d";
+    for (unsigned round = 0; round < 100; ++round) {
+        const std::string& sample = samples[round % samples.size()];
+        FileView edited(sample);
+        ASSERT_EQ(edited.result, 0) << sample;
+        RandomEdits edits{std::mt19937(round), &edited.view};
+        for (int i = 0; i < 100; ++i)
+            edits.applyOne();
+        ASSERT_EQ(saveFile(path.c_str(), edited.view.elements, edited.view.dataTypes, &edited.view), 0);
+        FileView back(path);
+        ASSERT_EQ(back.result, 0) << "round " << round << " of " << sample;
+        ASSERT_EQ(firstStoredDifference(&edited.view, &back.view), "") << "round " << round << " of " << sample;
+    }
+    remove(path.c_str());
+}
+
+} // namespace
