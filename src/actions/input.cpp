@@ -196,14 +196,21 @@ ELEMENT_STRUCT* kriPickElementRun(float x, float y, float zoom, ELEMENT_STRUCT* 
     // Later elements are drawn on top, so the last hit wins; a group comes after its children.
     ELEMENT_STRUCT* result = nullptr;
     for (ELEMENT_STRUCT* e = list; e; e = e->next) {
+        // Elements are large and apart in memory: ask for the next one's fields while this one is tested.
+        if (const ELEMENT_STRUCT* next = e->next) {
+            __builtin_prefetch(&next->next);
+            __builtin_prefetch(next->bounds);
+            __builtin_prefetch(next->pickMatrix);
+        }
         const float* m = e->pickMatrix;
         if (e->type == KR_GROUP)
             if (ELEMENT_STRUCT* inside = kriPickElementRun(x - m[2], y - m[5], zoom, e->child))
                 result = inside;
         const bool lineShape = !e->pick && e->pickShape == 1;
         bool hit = false;
+        // A kind's own test is dearer than its box, and its shape lies inside the box.
         if (e->pick)
-            hit = e->pick(e, x * m[0] + y * m[1] - m[2], x * m[3] + y * m[4] - m[5]);
+            hit = boxHit(e, x, y) && e->pick(e, x * m[0] + y * m[1] - m[2], x * m[3] + y * m[4] - m[5]);
         else if (e->pickShape == 0)
             hit = boxHit(e, x, y);
         else if (lineShape)
