@@ -83,6 +83,132 @@ benchmark::internal::Benchmark* timedAsFrames(benchmark::internal::Benchmark* be
     return benchmark->Unit(benchmark::kMillisecond)->MinWarmUpTime(1.0)->UseRealTime();
 }
 
+
+// ---------------------------------------------------------------- the mixed panel
+
+namespace {
+
+using namespace korelgen;
+
+constexpr int kPanels = 10, kBlocksPerPanel = 10, kElementsPerBlock = 100;
+static_assert(kPanels * kBlocksPerPanel * kElementsPerBlock == kMixedElements, "");
+static_assert(kPanels * (kBlocksPerPanel + 1) == kMixedGroups, "");
+
+// Per block of 100: one text (1 %) and, in every tenth block, one graph (0.1 %). Each of them
+// builds a font when loaded, which costs milliseconds and would otherwise measure the font
+// layer rather than the reader. Texts share two fonts, graphs their fixed one.
+constexpr int kGraphEveryNthBlock = 10;
+const char* const kTextFonts[] = {"Helvetica [fixed]", "Arial"};
+
+void randomColor(Lcg& random, float rgba[4])
+{
+    for (int i = 0; i < 3; ++i)
+        rgba[i] = random.unit();
+    rgba[3] = 1;
+}
+
+// One element of a kind chosen by its place in the block; slot 0 holds the rare kinds.
+void writeElement(ViewBuilder& b, Lcg& random, int block, int slot, int k, const MixedActions& actions)
+{
+    const float x = float(random.below(kMixedWidth - 100)), y = float(random.below(kMixedHeight - 100));
+    b.actions(actions(k));
+    if (slot == 0 && block % kGraphEveryNthBlock == 0) {
+        GraphFields g;
+        g.x = x, g.y = y;
+        b.graph(g);
+    } else if (slot == 0) {
+        TextFields t;
+        t.x = x, t.y = y;
+        t.fontFamily = kTextFonts[block % 2];
+        t.fontSize = t.textSize = 12;
+        t.text = "Tank " + std::to_string(k);
+        b.text(t);
+    } else if (slot == 1) {
+        b.scissor(x, y, x + 400, y + 300);
+    } else {
+        switch (slot % 9) {
+        case 0: {
+            RectFields r;
+            r.x0 = x, r.y0 = y, r.x1 = x + 40, r.y1 = y + 20;
+            randomColor(random, r.fill);
+            b.rect(r);
+            break;
+        }
+        case 1: {
+            LineFields l;
+            l.x1 = x, l.y1 = y, l.x2 = x + float(random.below(80)), l.y2 = y + float(random.below(80));
+            b.line(l);
+            break;
+        }
+        case 2:
+        case 3: {
+            CircleFields c;
+            c.x = x, c.y = y;
+            randomColor(random, c.fill);
+            if (slot % 9 == 2)
+                b.circle(c);
+            else
+                b.arc(c);
+            break;
+        }
+        case 4:
+        case 5: {
+            PolyFields p;
+            p.points.clear();
+            for (int i = 0; i < 6; ++i)
+                p.points.push_back({i, x + float(random.below(60)), y + float(random.below(60))});
+            if (slot % 9 == 4) {
+                b.polyline(p);
+            } else {
+                p.fillOn = 1;
+                b.cpoly(p);
+            }
+            break;
+        }
+        case 6: {
+            ButtonFields s;
+            s.x0 = x, s.y0 = y, s.x1 = x + 60, s.y1 = y + 25;
+            b.button(s);
+            break;
+        }
+        case 7: {
+            SliderFields s;
+            s.x = x, s.y = y;
+            b.slider(s);
+            break;
+        }
+        default: {
+            RectFields r;
+            r.x0 = x, r.y0 = y, r.x1 = x + 10, r.y1 = y + 30;
+            r.strokeOn = 1;
+            b.rect(r);
+            break;
+        }
+        }
+    }
+}
+
+} // namespace
+
+std::vector<uint8_t> mixedView(const MixedActions& actions, const std::vector<SourceFields>& sources)
+{
+    Lcg random;
+    ViewBuilder b;
+    b.page(0, 0, kMixedWidth, kMixedHeight, 0.1f, 0.1f, 0.15f);
+    int k = 0;
+    for (int p = 0; p < kPanels; ++p) {
+        b.beginGroup(kBlocksPerPanel, "panel");
+        for (int block = p * kBlocksPerPanel; block < (p + 1) * kBlocksPerPanel; ++block) {
+            b.beginGroup(kElementsPerBlock, "block");
+            for (int slot = 0; slot < kElementsPerBlock; ++slot)
+                writeElement(b, random, block, slot, k++, actions);
+            b.actions(actions(k++)).endGroup();
+        }
+        b.actions(actions(k++)).endGroup();
+    }
+    return b.dataSection(sources).bytes();
+}
+
 } // namespace korelbench
 
 void korelbench::setUpLikeTheLibrary(int width, int height, const float page[3])

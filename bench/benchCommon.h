@@ -4,6 +4,7 @@
 #pragma once
 
 #include "OffscreenGl.h"
+#include "ViewBuilder.h"
 
 #include <benchmark/benchmark.h>
 
@@ -70,6 +71,14 @@ long countDifferingPixels(const std::vector<uint8_t>& a, const std::vector<uint8
 // to its glFinish; `setUpReference`, untimed, runs before each reference frame.
 double medianPairedRatio(int pairs, const std::function<void()>& library, const std::function<void()>& setUpReference,
                          const std::function<void()>& reference);
+
+// A panel as real ones mix it, the same in every run: ten panels of ten blocks of a hundred
+// elements of every kind but pictures, on a page of kMixedWidth x kMixedHeight; `actions` gives
+// the actions of element or group number k, `sources` the data section.
+constexpr int kMixedWidth = 1024, kMixedHeight = 768;
+constexpr int kMixedElements = 10000, kMixedGroups = 110;
+using MixedActions = std::function<std::vector<korelgen::ActionFields>(int k)>;
+std::vector<uint8_t> mixedView(const MixedActions& actions, const std::vector<korelgen::SourceFields>& sources = {});
 
 // Keeps each benchmark's real seconds per iteration, the median where runs are repeated.
 class SummaryReporter : public benchmark::ConsoleReporter {

@@ -5,7 +5,8 @@
 // that moves on the Auto source's test signals, and readouts.k2d, texts, a marker on a track and
 // a tinted picture on the same signals, and stripchart.k2d, a time graph and an xy graph, sliders
 // and a scrolling tape on them, and feed.k2d, a panel on what korel2d-feed writes into shared
-// memory and sends in datagrams. Usage: korel2d-samples [--seeds] OUTPUT_DIR
+// memory and sends in datagrams, and controls.k2d, buttons, a slider and a knob worked by the
+// pointer. Usage: korel2d-samples [--seeds] OUTPUT_DIR
 // With --seeds it also writes small views of each element kind, each action type and every
 // variable type: the seed corpus of the fuzzing harnesses.
 #include "Korel2D.h"
@@ -953,6 +954,97 @@ std::vector<uint8_t> feed()
     return b.bytes();
 }
 
+// ---------------------------------------------------------------- worked by the pointer
+
+// A pointer action on `var`: on which event it works, how it writes and over which range.
+ActionFields pointerAction(int id, const char* var, int what, int mode, float min, float max, int clamp = 0,
+                           float inc = 1)
+{
+    ActionFields a = action(id, KR_ACTION_INPUT, var, 0, 1, 0, 1);
+    a.mouseAction = what, a.mouseMode = mode, a.mouseMin = min, a.mouseMax = max, a.mouseClamp = clamp;
+    a.mouseInc = inc;
+    return a;
+}
+
+// A button from (x0, y0) to (x1, y1) worked by `actions`, its label on its face. The label has
+// no action of its own, so the pointer goes through it to the button.
+void pushButton(ViewBuilder& b, const char* name, float x0, float y0, float x1, float y1, const char* label,
+                const std::vector<ActionFields>& actions)
+{
+    ButtonFields button;
+    button.x0 = x0, button.y0 = y0, button.x1 = x1, button.y1 = y1;
+    setColour(button.face, kBezel);
+    b.actions(actions).button(button, name, (std::string(name) + "-ID").c_str());
+    b.text(caption((x0 + x1) / 2, (y0 + y1) / 2, label, label[1] ? 14 : 24, kFrame, kBold), "label", "label-ID");
+}
+
+// Controls that write internal variables, each value shown in digits below: buttons that step a
+// counter from 0 to 9 and round again, a button held down while pressed and a switch that stays
+// in, both showing it on their faces, a slider knob that follows the pointer along its groove,
+// and a knob that turns with the pointer round its centre.
+std::vector<uint8_t> controls()
+{
+    ViewBuilder b;
+    panelFrame(b, 800, 400, "CONTROLS - WORKED BY THE POINTER");
+
+    section(b, "STEPPER", 20, 20, 200, 340, 60);
+    pushButton(b, "minus", 40, 200, 100, 260, "-", {pointerAction(1, "COUNT", KR_MOUSE_ACTION_PRESS, KR_MOUSE_MODE_DEC, 0, 9)});
+    pushButton(b, "plus", 120, 200, 180, 260, "+", {pointerAction(2, "COUNT", KR_MOUSE_ACTION_PRESS, KR_MOUSE_MODE_INC, 0, 9)});
+    readout(b, "count readout", 110, 110, 1, 40, shown(3, "COUNT", "%d"), KR_POS_CENTRE);
+
+    section(b, "BUTTONS", 210, 20, 400, 340, 60);
+    pushButton(b, "push", 225, 200, 300, 260, "PUSH",
+               {pointerAction(4, "PUSH", KR_MOUSE_ACTION_PRESS, KR_MOUSE_MODE_SET, 0, 1),
+                pointerAction(5, "PUSH", KR_MOUSE_ACTION_RELEASE, KR_MOUSE_MODE_SET, 0, 1, 0, 0),
+                action(6, KR_ACTION_BUTTON_STATE, "PUSH", 0, 1, 0, 1)});
+    pushButton(b, "switch", 310, 200, 385, 260, "ON/OFF",
+               {pointerAction(7, "SWITCH", KR_MOUSE_ACTION_PRESS, KR_MOUSE_MODE_INC, 0, 1),
+                action(8, KR_ACTION_BUTTON_STATE, "SWITCH", 0, 1, 0, 1)});
+    readout(b, "push readout", 262, 110, 1, 40, shown(9, "PUSH", "%d"), KR_POS_CENTRE);
+    readout(b, "switch readout", 347, 110, 1, 40, shown(10, "SWITCH", "%d"), KR_POS_CENTRE);
+
+    // The groove takes the pointer: dragged, LEVEL follows the travel from where it was, a
+    // groove's length from -1 to 1, and stops at the ends. The knob on it lets the pointer
+    // through and rides on LEVEL.
+    section(b, "SLIDER", 410, 20, 600, 340, 52);
+    constexpr float kGrooveX0 = 430, kGrooveX1 = 580, kGrooveY = 230, kKnob = 10;
+    b.actions({pointerAction(11, "LEVEL", KR_MOUSE_ACTION_MOVEX, KR_MOUSE_MODE_INC, -1, 1, 1)})
+        .rect(framed(kGrooveX0, kGrooveY - 6, kGrooveX1, kGrooveY + 6, kDark, kBezel, 1), "groove", "groove-ID");
+    const float middle = (kGrooveX0 + kGrooveX1) / 2, half = (kGrooveX1 - kGrooveX0) / 2;
+    ActionFields ride = action(12, KR_ACTION_MOVE_X, "LEVEL", -1, 1, -half, half);
+    ride.limit = 1;
+    b.actions({ride}).rect(framed(middle - kKnob, kGrooveY - 20, middle + kKnob, kGrooveY + 20, kBezel, kFrame, 2),
+                           "slider knob", "slider-knob-ID");
+    readout(b, "level readout", middle, 110, 5, 30, shown(13, "LEVEL", "%5.2f"), KR_POS_CENTRE);
+
+    // Turned round its centre by the pointer, the short way each time, and round again past 360.
+    section(b, "KNOB", 610, 20, 780, 340, 40);
+    constexpr float kKnobX = 695, kKnobY = 230;
+    CircleFields knob;
+    knob.x = kKnobX, knob.y = kKnobY;
+    knob.matrix[0] = knob.matrix[3] = 0.5f;
+    setColour(knob.fill, kBezel);
+    setColour(knob.stroke, kFrame);
+    b.actions({pointerAction(14, "ANGLE", KR_MOUSE_ACTION_ROTATE, KR_MOUSE_MODE_INC, 0, 360)})
+        .circle(knob, "knob", "knob-ID");
+    LineFields mark;
+    mark.x1 = kKnobX, mark.y1 = kKnobY, mark.x2 = kKnobX, mark.y2 = kKnobY + 45;
+    mark.strokeWidth = 4;
+    setColour(mark.stroke, kYellow);
+    ActionFields turn = action(15, KR_ACTION_ROTATE, "ANGLE", 0, 1, 0, 1);
+    turn.cg = KR_POS_BOTTOM;
+    b.actions({turn}).line(mark, "knob mark", "knob-mark-ID");
+    readout(b, "angle readout", kKnobX, 110, 5, 30, shown(16, "ANGLE", "%5.1f"), KR_POS_CENTRE);
+
+    SourceFields internal;
+    internal.id = KRD_TYPE_INTERNAL;
+    internal.variables = {{KR_VAR_INT32, "COUNT", "0", {}}, {KR_VAR_INT32, "PUSH", "0", {}},
+                          {KR_VAR_INT32, "SWITCH", "0", {}}, {KR_VAR_FLOAT, "LEVEL", "0", {}},
+                          {KR_VAR_FLOAT, "ANGLE", "0", {}}};
+    b.dataSection({internal});
+    return b.bytes();
+}
+
 // ---------------------------------------------------------------- seed corpus
 
 using NamedView = std::pair<std::string, std::vector<uint8_t>>;
@@ -1088,7 +1180,8 @@ int main(int argc, char** argv)
     }
     std::vector<NamedView> views = {
         {"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()},
-        {"readouts.k2d", readouts()}, {"stripchart.k2d", stripChart()}, {"feed.k2d", feed()}};
+        {"readouts.k2d", readouts()}, {"stripchart.k2d", stripChart()}, {"feed.k2d", feed()},
+        {"controls.k2d", controls()}};
     if (withSeeds) {
         std::vector<NamedView> seeds = seedViews();
         views.insert(views.end(), seeds.begin(), seeds.end());

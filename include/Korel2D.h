@@ -149,6 +149,40 @@ enum {
     KR_FILTER_LAG = 2   /* first-order lag with time constant filterTime */
 };
 
+/** Pointer events of krViewEvent; any other code reaches the picked element and runs nothing. */
+enum {
+    KR_EVENT_PRESS = 0,
+    KR_EVENT_RELEASE = 1,
+    KR_EVENT_MOVE = 7
+};
+
+/** Pointer buttons (ACTION_STRUCT.mouseButton and the button of an event). */
+enum {
+    KR_MOUSE_LEFT = 0,
+    KR_MOUSE_CENTRE = 1,
+    KR_MOUSE_RIGHT = 2
+};
+
+/** What a pointer action does (ACTION_STRUCT.mouseAction): steps on press or release, or follows moves. */
+enum {
+    KR_MOUSE_ACTION_PRESS = 0,      /* "press": a step by mouseMode */
+    KR_MOUSE_ACTION_RELEASE = 1,    /* "release": a step by mouseMode */
+    KR_MOUSE_ACTION_MOVEX = 2,      /* "movex": x across the element's width over the mouse range */
+    KR_MOUSE_ACTION_MOVEY = 3,      /* "movey" */
+    KR_MOUSE_ACTION_MOVEX_ABS = 4,  /* "movexabs": x in view units */
+    KR_MOUSE_ACTION_MOVEY_ABS = 5,  /* "moveyabs" */
+    KR_MOUSE_ACTION_ROTATE = 6,     /* "rotate": degrees clockwise from straight up about the centre */
+    KR_MOUSE_ACTION_MOVE = 7        /* "move": takes the pick, writes nothing */
+};
+
+/** How a pointer action writes (ACTION_STRUCT.mouseMode). For moves, 0 is absolute and 1 or 2
+ *  relative to the press. */
+enum {
+    KR_MOUSE_MODE_SET = 0, /* "set": mouseInc */
+    KR_MOUSE_MODE_INC = 1, /* "inc": up by mouseInc */
+    KR_MOUSE_MODE_DEC = 2  /* "dec": down by mouseInc */
+};
+
 /** An element of a view: see struct ELEMENT_STRUCT. */
 typedef struct ELEMENT_STRUCT ELEMENT_STRUCT;
 /** An action of an element: see struct ACTION_STRUCT. */
@@ -424,6 +458,24 @@ KOREL2D_API int krViewResetGraph(VIEW_STRUCT* view, float t);
 /** Non-zero freezes what is shown while the data cycle goes on; 0 (the default) lets it follow.
  *  @return 0, -1, -2, -3 if stopped. */
 KOREL2D_API int krViewSetHaltMode(VIEW_STRUCT* view, int mode);
+
+/**
+ * Hands a pointer event of the host's window to a running view: finds the element under the
+ * pointer and runs its pointer actions (type KR_ACTION_INPUT), which write their variables.
+ * A press captures the element until the release.
+ * @param window the window the view was drawn into: its height and last zoom convert the position.
+ * @param view a started view.
+ * @param button KR_MOUSE_LEFT, _CENTRE or _RIGHT. @param event KR_EVENT_PRESS, _RELEASE or _MOVE.
+ * @param x, y window pixels, y counted down from the top; a non-finite position runs nothing.
+ * @return 0, -1, -2, -3 if the view is stopped.
+ */
+KOREL2D_API int krViewEvent(WINDOW_STRUCT* window, VIEW_STRUCT* view, int button, int event, float x, float y);
+/** The pick of krViewEvent for a position already in view units (y upwards) at the given zoom,
+ *  which sets how close a line must be. Needs no run mode. @return 0. */
+KOREL2D_API int kriViewPickElementRun(VIEW_STRUCT* view, int event, int button, float x, float y, float zoom);
+/** As kriViewPickElementRun on a bare element list, with one process-wide pick state: one list
+ *  at a time, one thread. @return 0. */
+KOREL2D_API int krieViewPickElementRun(ELEMENT_STRUCT* list, int event, int button, float x, float y, float zoom);
 
 /* ================================================================ 6. sources and variables */
 

@@ -28,6 +28,11 @@ KOREL2D_API int objMove(ELEMENT_STRUCT* element, int cg, int back);
 // Visibility, flagged, for the element and everything below it.
 KOREL2D_API void setVisible(ELEMENT_STRUCT* element, int flag);
 
+// Pointer input: the element of a list hit at (x, y) in view units, the topmost that has a
+// pointer action (null if none); and the run of an element's pointer actions for one event.
+KOREL2D_API ELEMENT_STRUCT* kriPickElementRun(float x, float y, float zoom, ELEMENT_STRUCT* list);
+KOREL2D_API int doActionInput(int event, int button, ELEMENT_STRUCT* element, float x, float y);
+
 // The value pipeline: fresh zeroed value buffers at each start (256 bytes for text, else 8),
 // defaults written through Set, and one data cycle over all sources.
 int makeValueBuffers(DD_DATA_TYPE_STRUCT* sources);

@@ -1,11 +1,13 @@
 // Checks that a PNG file shows a shipped sample drawn at a zoom: the panel (examples/panel.k2d)
-// or the readouts (examples/readouts.k2d) after their first data cycle.
-// Usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts]]; exit status 0 when every check holds.
+// or the readouts (examples/readouts.k2d) after their first data cycle, or the controls
+// (examples/controls.k2d) after two steps of the counter.
+// Usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls]]; exit status 0 when every check holds.
 // Positions below are view units (y upwards), as the sample's generator lays them out.
 #include "panelPalette.h"
 
 #include <png.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -76,6 +78,19 @@ public:
             hits += hit;
         }
         return all ? double(hits) / all : 0.0;
+    }
+
+    // The smallest box around the pixels of the colour inside `box`; false if there are none.
+    bool inkBox(const Box& box, Colour c, Box* ink) const
+    {
+        int left = width_, right = -1, top = height_, bottom = -1;
+        for (int r = row(box.y1); r <= row(box.y0); ++r)
+            for (int col = column(box.x0); col <= column(box.x1); ++col)
+                if (matches(pixel(col, r), c))
+                    left = std::min(left, col), right = std::max(right, col), top = std::min(top, r),
+                    bottom = std::max(bottom, r);
+        *ink = {left / zoom_, float(height_ - 1 - bottom) / zoom_, right / zoom_, float(height_ - 1 - top) / zoom_};
+        return right >= 0;
     }
 
 private:
@@ -166,25 +181,42 @@ void checkReadouts(const Picture& p)
     check(p.is(504, 284, kPanel), "the panel through the lamp picture's transparent corner");
 }
 
+// The counter's box holds a 2, told from the other digits by its shape: a bar under the whole
+// foot, the bow's right side in the upper part, and nothing at the left in the middle.
+void checkControls(const Picture& p)
+{
+    Box d;
+    if (!p.inkBox({90, 84, 130, 136}, kGreen, &d))
+        return check(false, "a digit in the counter");
+    const float w = d.x1 - d.x0, h = d.y1 - d.y0;
+    check(p.columnShare({d.x0, d.y0, d.x1, d.y0 + 0.12f * h}, kGreen) > 0.8, "the foot of a 2");
+    check(p.share({d.x1 - 0.25f * w, d.y0 + 0.6f * h, d.x1, d.y0 + 0.8f * h}, kGreen) > 0.05, "the bow of a 2");
+    check(p.share({d.x0, d.y0 + 0.4f * h, d.x0 + 0.2f * w, d.y0 + 0.6f * h}, kGreen) == 0, "the open left of a 2");
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const bool readouts = argc == 4 && std::strcmp(argv[3], "readouts") == 0;
-    if (argc < 2 || argc > 4 || (argc == 4 && !readouts && std::strcmp(argv[3], "panel") != 0)) {
-        std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts]]\n");
+    const std::string sample = argc == 4 ? argv[3] : "panel";
+    if (argc < 2 || argc > 4 || (sample != "panel" && sample != "readouts" && sample != "controls")) {
+        std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls]]\n");
         return 2;
     }
     float zoom = argc >= 3 ? std::strtof(argv[2], nullptr) : 1.0f;
     Picture picture;
     if (!picture.load(argv[1], zoom))
         return 1;
-    int width = int(std::lround(640 * zoom)), height = int(std::lround(480 * zoom));
+    const bool controls = sample == "controls";
+    int width = int(std::lround((controls ? 800 : 640) * zoom)), height = int(std::lround((controls ? 400 : 480) * zoom));
     if (picture.width() != width || picture.height() != height) {
         std::fprintf(stderr, "FAILED: picture of %dx%d, expected %dx%d\n", picture.width(), picture.height(), width,
                      height);
         return 1;
     }
-    readouts ? checkReadouts(picture) : checkPanel(picture);
+    if (controls)
+        checkControls(picture);
+    else
+        sample == "readouts" ? checkReadouts(picture) : checkPanel(picture);
     return failures == 0 ? 0 : 1;
 }

@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <thread>
@@ -36,6 +37,13 @@ constexpr int kDone = 0;
 constexpr int kFailed = 1; // the view could not be loaded, started, drawn or written
 constexpr int kBadArguments = 2;
 
+// A pointer event of --events: what, where in window pixels from the upper left corner, which button.
+struct PointerEvent {
+    int type;
+    float x, y;
+    int button;
+};
+
 struct Options {
     std::string file;
     std::string png; // empty: a window where a display answers
@@ -47,6 +55,7 @@ struct Options {
     bool vars = false;
     bool anim = false;
     bool help = false;
+    std::vector<PointerEvent> events;
 };
 
 // ---------------------------------------------------------------- arguments
@@ -58,6 +67,35 @@ bool parseInt(const char* text, int lo, int hi, int* value)
     if (end == text || *end != '\0' || v < lo || v > hi)
         return false;
     *value = int(v);
+    return true;
+}
+
+// EVENT:X,Y[:BUTTON] items separated by '/', which no shell nor CMake list takes for its own.
+bool parseEvents(const char* text, Options* o)
+{
+    static const struct {
+        const char* word;
+        int type;
+    } kKinds[] = {{"press", KR_EVENT_PRESS}, {"release", KR_EVENT_RELEASE}, {"move", KR_EVENT_MOVE}};
+    const std::string list = text;
+    for (size_t start = 0; start <= list.size();) {
+        const size_t end = std::min(list.find('/', start), list.size());
+        const std::string item = list.substr(start, end - start);
+        start = end + 1;
+        char word[8];
+        PointerEvent e = {0, 0, 0, KR_MOUSE_LEFT};
+        int used = 0;
+        if (std::sscanf(item.c_str(), "%7[a-z]:%f,%f%n", word, &e.x, &e.y, &used) != 3)
+            return false;
+        const char* rest = item.c_str() + used;
+        if (*rest && !(*rest == ':' && parseInt(rest + 1, KR_MOUSE_LEFT, KR_MOUSE_RIGHT, &e.button)))
+            return false;
+        auto kind = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const auto& k) { return !std::strcmp(k.word, word); });
+        if (kind == std::end(kKinds))
+            return false;
+        e.type = kind->type;
+        o->events.push_back(e);
+    }
     return true;
 }
 
@@ -104,11 +142,18 @@ const std::vector<ValuedOption>& valuedOptions()
              o->zoom = z;
              return true;
          }},
+        {"--events", "LIST",
+         "LIST must be EVENT:X,Y[:BUTTON] items joined by '/'",
+         "off-screen, after a first frame, hand these pointer events to the running view:\n"
+         "EVENT press, release or move; X, Y window pixels from the upper left corner;\n"
+         "BUTTON 0 left (default), 1 centre, 2 right; as in press:150,170/release:150,170\n"
+         "(default none)",
+         parseEvents},
     };
     return options;
 }
 
-const char* const kSynopsis = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z]\n"
+const char* const kSynopsis = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z] [--events LIST]\n"
                               "       korel2d-view FILE --dump [--png OUT ...]\n"
                               "       korel2d-view FILE --vars [--anim] [--frames N] [--png OUT ...]\n";
 
@@ -121,7 +166,9 @@ std::string helpText()
                        "off-screen into a PNG file.\n";
     for (const ValuedOption& option : valuedOptions()) {
         std::string head = std::string("  ") + option.name + " " + option.placeholder;
-        text += head + std::string(indent.size() - head.size(), ' ') + option.rule + "\n" + indent;
+        // A head too long for the column puts its rule on the next line.
+        const std::string gap = head.size() < indent.size() ? std::string(indent.size() - head.size(), ' ') : "\n" + indent;
+        text += head + gap + option.rule + "\n" + indent;
         for (char c : option.meaning)
             text += c == '\n' ? "\n" + indent : std::string(1, c);
         text += "\n";
@@ -250,6 +297,16 @@ void drawFrame(WINDOW_STRUCT* window, VIEW_STRUCT* view, float zoom)
     krViewDraw(window, view, 0, 0, zoom);
 }
 
+// The events reach the elements where the first frame placed them, so one is drawn before them.
+void replayEvents(const Options& o, WINDOW_STRUCT* window, VIEW_STRUCT* view)
+{
+    if (o.events.empty())
+        return;
+    drawFrame(window, view, o.zoom);
+    for (const PointerEvent& e : o.events)
+        krViewEvent(window, view, e.button, e.type, e.x, e.y);
+}
+
 // Mean and worst time of the frames drawn, each up to glFinish: what the library and the
 // driver took, without the wait for the display.
 class FrameTimes {
@@ -349,7 +406,7 @@ int runAndPrintVariables(const Options& o)
         return kFailed;
     korelgen::OffscreenGl gl;
     std::string why;
-    const bool draws = picture || !o.anim;
+    const bool draws = picture || !o.anim || !o.events.empty();
     if (draws && !gl.open(width, height, &why)) {
         std::fprintf(stderr, "korel2d-view: no off-screen GL context for the data cycles: %s\n", why.c_str());
         return kFailed;
@@ -362,8 +419,10 @@ int runAndPrintVariables(const Options& o)
         return kFailed;
     }
     WindowPtr window(krWindowCreate(), krWindowFree);
-    if (draws)
+    if (draws) {
         krWindowInit(window.get(), width, height);
+        replayEvents(o, window.get(), view.get());
+    }
     if (o.anim) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10) * cycles);
         if (picture)
@@ -440,7 +499,8 @@ public:
         colormap_ = XCreateColormap(display_, root, visual->visual, AllocNone);
         XSetWindowAttributes wa = {};
         wa.colormap = colormap_;
-        wa.event_mask = ExposureMask | StructureNotifyMask | KeyPressMask;
+        wa.event_mask = ExposureMask | StructureNotifyMask | KeyPressMask | ButtonPressMask | ButtonReleaseMask |
+                        PointerMotionMask;
         window_ = XCreateWindow(display_, root, 0, 0, unsigned(width), unsigned(height), 0, visual->depth,
                                 InputOutput, visual->visual, CWColormap | CWEventMask, &wa);
         XFree(visual);
@@ -513,6 +573,20 @@ int showInWindow(Display* display, const Options& o, int width, int height)
                 open = key != XK_Escape && key != XK_q;
                 break;
             }
+            case ButtonPress:
+            case ButtonRelease:
+                // X numbers the buttons from 1 and uses 4 and up for the wheel, which views don't take.
+                if (event.xbutton.button >= Button1 && event.xbutton.button <= Button3)
+                    krViewEvent(window.get(), view.get(), int(event.xbutton.button - Button1),
+                                event.type == ButtonPress ? KR_EVENT_PRESS : KR_EVENT_RELEASE,
+                                float(event.xbutton.x), float(event.xbutton.y));
+                break;
+            case MotionNotify: {
+                const unsigned held = event.xmotion.state;
+                const int button = held & Button2Mask ? KR_MOUSE_CENTRE : held & Button3Mask ? KR_MOUSE_RIGHT : KR_MOUSE_LEFT;
+                krViewEvent(window.get(), view.get(), button, KR_EVENT_MOVE, float(event.xmotion.x), float(event.xmotion.y));
+                break;
+            }
             case ClientMessage:
                 open = Atom(event.xclient.data.l[0]) != x.deleteAtom();
                 break;
@@ -552,6 +626,7 @@ int renderToPng(const Options& o, int width, int height)
         return kFailed;
     WindowPtr window(krWindowCreate(), krWindowFree);
     krWindowInit(window.get(), width, height);
+    replayEvents(o, window.get(), view.get());
     FrameTimes times;
     GraphFeed graphs;
     for (int i = 0; i < std::max(o.frames, 1); ++i) {
