@@ -208,9 +208,8 @@ ELEMENT_STRUCT* kriPickElementRun(float x, float y, float zoom, ELEMENT_STRUCT* 
                 result = inside;
         const bool lineShape = !e->pick && e->pickShape == 1;
         bool hit = false;
-        // A kind's own test is dearer than its box, and its shape lies inside the box.
         if (e->pick)
-            hit = boxHit(e, x, y) && e->pick(e, x * m[0] + y * m[1] - m[2], x * m[3] + y * m[4] - m[5]);
+            hit = e->pick(e, x * m[0] + y * m[1] - m[2], x * m[3] + y * m[4] - m[5]);
         else if (e->pickShape == 0)
             hit = boxHit(e, x, y);
         else if (lineShape)
