@@ -32,6 +32,9 @@ KOREL2D_API void setVisible(ELEMENT_STRUCT* element, int flag);
 // pointer action (null if none); and the run of an element's pointer actions for one event.
 KOREL2D_API ELEMENT_STRUCT* kriPickElementRun(float x, float y, float zoom, ELEMENT_STRUCT* list);
 KOREL2D_API int doActionInput(int event, int button, ELEMENT_STRUCT* element, float x, float y);
+// A line (x1, y1, x2, y2) is hit closer than `reach` to it and between its ends; one of no
+// length never. Shared with the editing tool's pick.
+bool pointNearSegment(const float* line, float x, float y, float reach);
 
 // The value pipeline: fresh zeroed value buffers at each start (256 bytes for text, else 8),
 // defaults written through Set, and one data cycle over all sources.

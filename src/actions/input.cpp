@@ -29,18 +29,6 @@ bool boxHit(const ELEMENT_STRUCT* e, float x, float y)
            b[0] * m[3] + b[1] * m[4] + m[5] <= y && y <= b[2] * m[3] + b[3] * m[4] + m[5];
 }
 
-// Near the line and between its ends; a line of no length is never hit.
-bool lineHit(const float* line, float x, float y, float zoom)
-{
-    const float dx = line[2] - line[0], dy = line[3] - line[1];
-    const float length = std::sqrt(dx * dx + dy * dy);
-    if (!(length > 0))
-        return false;
-    const float across = std::fabs((y - line[1]) * dx - (x - line[0]) * dy) / length;
-    const float alongX = x - (line[0] + dx * 0.5f), alongY = y - (line[1] + dy * 0.5f);
-    return across < kLineReach / zoom && std::sqrt(alongX * alongX + alongY * alongY) <= length * 0.5f;
-}
-
 // An element hidden by an action takes the pointer only through an action that asks for it;
 // a line is thin enough to be taken whatever its visibility.
 bool acceptsPointer(const ELEMENT_STRUCT* e, bool lineShape)
@@ -191,6 +179,17 @@ int runPick(PickState state, ELEMENT_STRUCT* list, int event, int button, float 
 
 } // namespace
 
+bool pointNearSegment(const float* line, float x, float y, float reach)
+{
+    const float dx = line[2] - line[0], dy = line[3] - line[1];
+    const float length = std::sqrt(dx * dx + dy * dy);
+    if (!(length > 0))
+        return false;
+    const float across = std::fabs((y - line[1]) * dx - (x - line[0]) * dy) / length;
+    const float alongX = x - (line[0] + dx * 0.5f), alongY = y - (line[1] + dy * 0.5f);
+    return across < reach && std::sqrt(alongX * alongX + alongY * alongY) <= length * 0.5f;
+}
+
 ELEMENT_STRUCT* kriPickElementRun(float x, float y, float zoom, ELEMENT_STRUCT* list)
 {
     // Later elements are drawn on top, so the last hit wins; a group comes after its children.
@@ -213,7 +212,7 @@ ELEMENT_STRUCT* kriPickElementRun(float x, float y, float zoom, ELEMENT_STRUCT* 
         else if (e->pickShape == 0)
             hit = boxHit(e, x, y);
         else if (lineShape)
-            hit = lineHit(e->pickLine, x, y, zoom);
+            hit = pointNearSegment(e->pickLine, x, y, kLineReach / zoom);
         if (hit && acceptsPointer(e, lineShape))
             result = e;
     }

@@ -6,7 +6,6 @@
 #include "core/handles.h"
 #include "edit/handles.h"
 
-#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -50,16 +49,6 @@ int collect(ELEMENT_STRUCT* list, ELEMENT_STRUCT** out, int n)
     return n;
 }
 
-// Within `limit` of the segment, and no farther from its middle than half its length.
-bool nearLine(const float* line, double x, double y, double limit)
-{
-    const double dx = double(line[2]) - line[0], dy = double(line[3]) - line[1];
-    const double length = std::sqrt(dx * dx + dy * dy);
-    const double fromLine = std::fabs((y - line[1]) * dx - (x - line[0]) * dy) / length;
-    const double mx = x - (line[0] + dx * 0.5), my = y - (line[1] + dy * 0.5);
-    return fromLine < limit && std::sqrt(mx * mx + my * my) <= length * 0.5;
-}
-
 // Resting places only: no action, visibility or run-time placement plays a part.
 void pickWalk(ELEMENT_STRUCT* list, int x, int y, float zoom)
 {
@@ -71,7 +60,7 @@ void pickWalk(ELEMENT_STRUCT* list, int x, int y, float zoom)
         if (e->pickShape == 0)
             hit = b[0] <= x && x <= b[2] && b[1] <= y && y <= b[3];
         else if (e->pickShape == 1)
-            hit = nearLine(e->pickLine, x, y, kPickLineLimit / zoom);
+            hit = pointNearSegment(e->pickLine, float(x), float(y), kPickLineLimit / zoom);
         if (!hit)
             continue;
         pickElement[nrPickElements] = e;

@@ -1,6 +1,7 @@
 // Pointer input on running views: which element an event reaches, and what the pointer's
 // place writes to the variables, read back as the host reads them.
 #include "KshmSegment.h"
+#include "SampleFiles.h"
 #include "ViewFixture.h"
 #include "actionViews.h"
 #include "actions/actions.h"
@@ -8,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <filesystem>
 #include <limits>
 #include <random>
 #include <string>
@@ -194,14 +194,12 @@ TEST_F(Input, SamplesTakeRandomEventsWhileRunning)
     std::mt19937 random(14);
     const float odd[] = {std::numeric_limits<float>::quiet_NaN(), 1e30f, -1e30f, std::numeric_limits<float>::infinity()};
     int samples = 0;
-    for (const auto& file : std::filesystem::directory_iterator(KOREL2D_EXAMPLES_DIR)) {
-        if (file.path().extension() != ".k2d")
-            continue;
+    for (const std::string& file : samplePaths()) {
         ++samples;
-        VIEW_STRUCT* sample = krViewLoad(file.path().c_str());
-        ASSERT_NE(sample, nullptr) << file.path();
+        VIEW_STRUCT* sample = krViewLoad(file.c_str());
+        ASSERT_NE(sample, nullptr) << file;
         views.push_back(sample);
-        ASSERT_EQ(krViewStart(sample), 0) << file.path();
+        ASSERT_EQ(krViewStart(sample), 0) << file;
         for (int i = 0; i < 10000; ++i) {
             if (i % 500 == 0)
                 draw(sample, 0, 0, 0.5f);
