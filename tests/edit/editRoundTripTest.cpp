@@ -18,9 +18,6 @@ using namespace k2dtest;
 
 namespace {
 
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-
 struct RandomEdits {
     std::mt19937 rng;
     VIEW_STRUCT* view;
@@ -28,7 +25,8 @@ struct RandomEdits {
     int below(int n) { return int(rng() % unsigned(n)); }
     float number()
     {
-        static const float special[] = {0, -1, -250.5f, 1e30f, -1e30f, kNaN, kInf, -kInf, 2.5f};
+        constexpr float inf = std::numeric_limits<float>::infinity();
+        static const float special[] = {0, -1, -250.5f, 1e30f, -1e30f, std::nanf(""), inf, -inf, 2.5f};
         return below(3) ? std::uniform_real_distribution<float>(-600, 600)(rng) : special[below(9)];
     }
     int whole()
@@ -39,7 +37,13 @@ struct RandomEdits {
     }
     std::string text() { return std::string(size_t(below(301)), char('A' + below(26))); }
 
-    template <class Record> Record* pick(Record** all, int count) { return count ? all[below(count)] : nullptr; }
+    // One entry of a list the interface hands out, or null for an empty one.
+    template <class Record> Record* pick(Record** all, const int* count)
+    {
+        Record* one = *count ? all[below(*count)] : nullptr;
+        krFree(all);
+        return one;
+    }
 
     void applyAttr(ELEMENT_STRUCT* e)
     {
@@ -58,12 +62,10 @@ struct RandomEdits {
     void applyOne()
     {
         int count = 0;
-        ELEMENT_STRUCT** all = krObjGetAll(view, &count);
-        ELEMENT_STRUCT* e = pick(all, count);
-        krObjFree(all);
-        ACTION_STRUCT** actions = krActionGetAll(e, &count);
-        ACTION_STRUCT* a = pick(actions, count);
-        krActionFree(actions);
+        ELEMENT_STRUCT* e = pick(krObjGetAll(view, &count), &count);
+        ACTION_STRUCT* a = pick(krActionGetAll(e, &count), &count);
+        DD_DATA_TYPE_STRUCT* s = pick(krDataSourceGetAll(view, &count), &count);
+        VARIABLE_STRUCT* v = pick(krVarGetAll(s, &count), &count);
         switch (below(10)) {
         case 0: applyAttr(e); break;
         case 1: krObjSetX(e, number()); break;
@@ -74,14 +76,7 @@ struct RandomEdits {
         case 6: krObjSetUpdateRate(e, whole()); break;
         case 7: krActionSetScale(a, number(), number(), number(), number()); break;
         case 8: krActionSetColor(a, number(), number(), number()); break;
-        default: {
-            std::vector<VARIABLE_STRUCT*> variables;
-            for (DD_DATA_TYPE_STRUCT* s = view->dataTypes; s; s = s->next)
-                for (VARIABLE_STRUCT* v = s->variables; v; v = v->next)
-                    variables.push_back(v);
-            if (!variables.empty())
-                krVarSetPara(variables[size_t(below(int(variables.size())))], below(3), whole(), text().c_str());
-        }
+        default: krVarSetPara(v, below(3), whole(), text().c_str());
         }
     }
 };

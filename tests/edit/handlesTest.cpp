@@ -22,14 +22,11 @@ std::vector<int> ids(const STICKY_STRUCT* s)
 
 TEST_F(HandlesTest, EachKindListsItsHandlesInItsOrder)
 {
-    korelgen::PolyFields triangle;
     korelgen::TextFields text;
     text.align = KR_POS_UPPER_RIGHT;
-    ViewBuilder b = blackPage();
-    b.rect({10, 20, 50, 40}, "rect").line({}, "line").polyline(triangle, "poly").circle({}, "circle");
-    b.text(text, "text").beginGroup(1, "group").rect({}).endGroup();
-    VIEW_STRUCT* view = load(b);
-    ASSERT_NE(view, nullptr);
+    VIEW_STRUCT* view = load(blackPage().rect({10, 20, 50, 40}, "rect").line({}, "line").polyline({}, "poly")
+                                 .circle({}, "circle").text(text, "text").beginGroup(1, "group").rect({}).endGroup());
+    ASSERT_TRUE(view);
     const std::vector<std::pair<const char*, std::vector<int>>> expected = {
         {"rect", {1, 2, 3, 4, 5, 6, 7, 8, 9, 0}},
         {"line", {100, 101, 9, 0}},
@@ -40,15 +37,11 @@ TEST_F(HandlesTest, EachKindListsItsHandlesInItsOrder)
     };
     for (const auto& [name, order] : expected)
         EXPECT_EQ(ids(krObjGet(view, name)->stickies), order) << name;
-
-    const STICKY_STRUCT* corner = getSticky(krObjGet(view, "rect")->stickies, 3);
-    EXPECT_EQ((std::vector<float>{corner->x, corner->y, corner->w}), (std::vector<float>{50, 40, 4}));
-    const STICKY_STRUCT* frame = getSticky(krObjGet(view, "rect")->stickies, KR_HANDLE_FRAME);
-    EXPECT_EQ((std::vector<float>{frame->x, frame->y, frame->w, frame->h}), (std::vector<float>{10, 20, 40, 20}));
     EXPECT_EQ(getSticky(krObjGet(view, "poly")->stickies, 101)->w, 2);
     EXPECT_EQ(getSticky(krObjGet(view, "text")->stickies, KR_POS_UPPER_RIGHT)->kind, KR_STICKY_ANCHOR);
 
-    // Handles keep their size on the screen: at zoom 2 the 4-pixel half size is 2 units.
+    // Handles keep their size on the screen: the upper right corner (50, 40) has a half size
+    // of 4 pixels, 2 units at zoom 2.
     STICKY_STRUCT* handles = krObjGet(view, "rect")->stickies;
     EXPECT_EQ(findSticky(handles, 53.5f, 40, 1), 3);
     EXPECT_EQ(findSticky(handles, 53.5f, 40, 2), 0);
@@ -56,7 +49,7 @@ TEST_F(HandlesTest, EachKindListsItsHandlesInItsOrder)
     EXPECT_EQ(getSticky(handles, 3)->hit, 1);
     EXPECT_EQ(getSticky(handles, 1)->hit, 0);
     // The frame comes last: from it, the list holds only a frame, which is never hit.
-    EXPECT_EQ(findSticky(const_cast<STICKY_STRUCT*>(frame), 10, 20, 1), 0);
+    EXPECT_EQ(findSticky(getSticky(handles, KR_HANDLE_FRAME), 10, 20, 1), 0);
 }
 
 struct PointCase {
@@ -64,10 +57,8 @@ struct PointCase {
     int code, shift, ctrl;
     float mx, my;
     float outX, outY; // from the point (30, 30), written into (-1, -1)
+    float width = 20; // of the box the grab points frame
 };
-
-// Grab points of the box (0, 0)-(20, 10): handles clockwise from the upper left, 9 the centre.
-const float kGrab[10][2] = {{0, 0}, {0, 10}, {10, 10}, {20, 10}, {20, 5}, {20, 0}, {10, 0}, {0, 0}, {0, 5}, {10, 5}};
 
 const PointCase kPointCases[] = {
     {"corner 3 doubles about corner 7", 3, 0, 0, 40, 20, 60, 60},
@@ -83,13 +74,17 @@ const PointCase kPointCases[] = {
     {"quarter turn", KR_EDIT_ROTATE, 0, 0, 90, 0, -15, 25},
     {"unknown code", 99, 0, 0, 1, 1, -1, -1},
     {"modifiers off again", 3, 0, 0, 40, 20, 60, 60},
+    {"a box of no width keeps x", 3, 0, 0, 40, 20, 30, 60, 0},
 };
 
 TEST(ResizeMove, PointRules)
 {
-    ELEMENT_STRUCT e = {};
-    memcpy(e.grabPoints, kGrab, sizeof kGrab);
     for (const PointCase& c : kPointCases) {
+        // The box (0, 0)-(width, 10): handles clockwise from the upper left, 9 the centre.
+        const float w = c.width, grab[10][2] = {{0, 0}, {0, 10}, {w / 2, 10}, {w, 10}, {w, 5},
+                                                {w, 0}, {w / 2, 0}, {0, 0}, {0, 5}, {w / 2, 5}};
+        ELEMENT_STRUCT e = {};
+        memcpy(e.grabPoints, grab, sizeof grab);
         setShift(c.shift);
         setCtrl(c.ctrl);
         float x = -1, y = -1;
@@ -97,11 +92,6 @@ TEST(ResizeMove, PointRules)
         EXPECT_NEAR(x, c.outX, 1e-4) << c.what;
         EXPECT_NEAR(y, c.outY, 1e-4) << c.what;
     }
-    // A corner on a box of no width: x keeps its place.
-    e.grabPoints[3][0] = e.grabPoints[7][0] = 0;
-    float x = -1, y = -1;
-    resizeMoveElement(&e, 3, &x, &y, 40, 20, 30, 30);
-    EXPECT_EQ((std::vector<float>{x, y}), (std::vector<float>{30, 60}));
     EXPECT_EQ(pointInRect(5, 5, 10, 10, 0, 0) + pointInRect(10, 0, 0, 10, 10, 0) + pointInRect(11, 5, 0, 0, 10, 10), 2);
 }
 
@@ -110,36 +100,32 @@ TEST(ResizeMove, PointRules)
 // element is freed with its saved copy (the leak checker watches).
 TEST_F(HandlesTest, PhasesWorkFromTheSavedStart)
 {
-    ViewBuilder b = blackPage();
-    b.rect({0, 0, 20, 10}).polyline({}).beginGroup(1).line({0, 50, 100, 50}).endGroup();
-    VIEW_STRUCT* view = load(b);
-    ASSERT_NE(view, nullptr);
+    VIEW_STRUCT* view = load(blackPage().rect({0, 0, 20, 10}).polyline({}).beginGroup(1).line({0, 50, 100, 50})
+                                 .endGroup());
+    ASSERT_TRUE(view);
     ELEMENT_STRUCT* rect = view->elements;
+    ELEMENT_STRUCT* poly = rect->next;
     KR_EDIT_VALUE v = {};
+    const auto edit = [&](ELEMENT_STRUCT* e, int code, int phase) { return e->edit(e, e->stickies, code, phase, &v); };
     v.x = 40, v.y = 20;
-    EXPECT_EQ(rect->edit(rect, rect->stickies, 3, KR_EDIT_UPDATE, &v), 0);
+    EXPECT_EQ(edit(rect, 3, KR_EDIT_UPDATE), 0);
     EXPECT_EQ(rect->bounds[2], 20) << "no update before a begin";
-    rect->edit(rect, rect->stickies, 3, KR_EDIT_BEGIN, &v);
-    rect->edit(rect, rect->stickies, 3, KR_EDIT_UPDATE, &v);
-    rect->edit(rect, rect->stickies, 3, KR_EDIT_UPDATE, &v);
+    for (int phase : {KR_EDIT_BEGIN, KR_EDIT_UPDATE, KR_EDIT_UPDATE})
+        edit(rect, 3, phase);
     EXPECT_EQ(std::vector<float>(rect->bounds, rect->bounds + 4), (std::vector<float>{0, 0, 40, 20}));
     v.x = -20, v.y = -10;
-    rect->edit(rect, rect->stickies, 3, KR_EDIT_UPDATE, &v);
+    edit(rect, 3, KR_EDIT_UPDATE);
     EXPECT_EQ(std::vector<float>(rect->bounds, rect->bounds + 4), (std::vector<float>{-20, -10, 0, 0}));
-    rect->edit(rect, rect->stickies, 3, KR_EDIT_END, &v);
+    edit(rect, 3, KR_EDIT_END);
     EXPECT_EQ(rect->editData, nullptr);
-
-    ELEMENT_STRUCT* poly = rect->next;
-    poly->edit(poly, poly->stickies, KR_HANDLE_CENTRE, KR_EDIT_BEGIN, &v);
-    poly->edit(poly, poly->stickies, KR_HANDLE_CENTRE, KR_EDIT_UPDATE, &v);
-    EXPECT_NE(poly->editData, nullptr);
+    edit(poly, KR_HANDLE_CENTRE, KR_EDIT_BEGIN);
+    edit(poly, KR_HANDLE_CENTRE, KR_EDIT_UPDATE);
     EXPECT_EQ(poly->x, -20);
 
     // A line has no side handles: sized through its group it follows the group's, sized alone
     // it keeps its width, whatever the group's edit left behind.
     ELEMENT_STRUCT* group = poly->next;
     EXPECT_EQ(krObjSetWidth(group, 200), 0);
-    EXPECT_EQ(krObjWidth(group->child), 200);
     EXPECT_EQ(krObjSetWidth(group->child, 50), 0);
     EXPECT_EQ(krObjWidth(group->child), 200);
 }
