@@ -45,20 +45,6 @@ struct RandomEdits {
         return one;
     }
 
-    void applyAttr(ELEMENT_STRUCT* e)
-    {
-        OBJ_ATTR attr;
-        krObjGetAttr(e, &attr);
-        attr.mask = uint32_t(below(32));
-        attr.x = number(), attr.y = number(), attr.width = number(), attr.height = number();
-        attr.strokeWidth = whole(), attr.strokeStyle = whole(), attr.fillOn = whole(), attr.samples = whole();
-        attr.strokeColor[below(4)] = number(), attr.fillColor[below(4)] = number(), attr.ymax = number();
-        attr.rate = number(), attr.gridColor[below(4)] = number();
-        const std::string t = text(); // without a terminator when it fills the field
-        memcpy(attr.text, t.data(), std::min(t.size() + 1, sizeof attr.text));
-        krObjSetAttr(e, &attr);
-    }
-
     void applyOne()
     {
         int count = 0;
@@ -66,8 +52,20 @@ struct RandomEdits {
         ACTION_STRUCT* a = pick(krActionGetAll(e, &count), &count);
         DD_DATA_TYPE_STRUCT* s = pick(krDataSourceGetAll(view, &count), &count);
         VARIABLE_STRUCT* v = pick(krVarGetAll(s, &count), &count);
+        OBJ_ATTR attr;
         switch (below(10)) {
-        case 0: applyAttr(e); break;
+        case 0: {
+            krObjGetAttr(e, &attr);
+            attr.mask = uint32_t(below(32));
+            attr.x = number(), attr.y = number(), attr.width = number(), attr.height = number();
+            attr.strokeWidth = whole(), attr.strokeStyle = whole(), attr.fillOn = whole(), attr.samples = whole();
+            attr.strokeColor[below(4)] = number(), attr.fillColor[below(4)] = number(), attr.ymax = number();
+            attr.rate = number(), attr.gridColor[below(4)] = number();
+            const std::string t = text(); // without a terminator when it fills the field
+            memcpy(attr.text, t.data(), std::min(t.size() + 1, sizeof attr.text));
+            krObjSetAttr(e, &attr);
+            break;
+        }
         case 1: krObjSetX(e, number()); break;
         case 2: krObjSetY(e, number()); break;
         case 3: krObjSetWidth(e, number()); break;

@@ -62,19 +62,16 @@ const KindCase kCases[] = {
     {"group", [](ViewBuilder& b, const Box& r) { b.beginGroup(1).rect({r.x0, r.y0, r.x1, r.y1}).endGroup(); }},
 };
 
-class EveryKind : public ViewTest, public ::testing::WithParamInterface<KindCase> {
-protected:
-    VIEW_STRUCT* loadWith(const Box& box)
-    {
-        ViewBuilder b = blackPage();
-        GetParam().add(b, box);
-        return load(b);
-    }
-};
+class EveryKind : public ViewTest, public ::testing::WithParamInterface<KindCase> {};
 
 TEST_P(EveryKind, MovesAndSizesAsDrawn)
 {
     const KindCase& c = GetParam();
+    const auto loadWith = [&](const Box& box) {
+        ViewBuilder b = blackPage();
+        c.add(b, box);
+        return load(b);
+    };
     VIEW_STRUCT* view = loadWith({10, 10, 50, 30});
     ASSERT_TRUE(view);
     ELEMENT_STRUCT* e = view->elements;

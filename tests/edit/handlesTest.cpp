@@ -4,6 +4,7 @@
 #include "ViewFixture.h"
 
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 using namespace k2dtest;
@@ -43,9 +44,8 @@ TEST_F(HandlesTest, EachKindListsItsHandlesInItsOrder)
     // Handles keep their size on the screen: the upper right corner (50, 40) has a half size
     // of 4 pixels, 2 units at zoom 2.
     STICKY_STRUCT* handles = krObjGet(view, "rect")->stickies;
-    EXPECT_EQ(findSticky(handles, 53.5f, 40, 1), 3);
-    EXPECT_EQ(findSticky(handles, 53.5f, 40, 2), 0);
-    EXPECT_EQ(findSticky(handles, 51.5f, 40, 2), 3);
+    for (auto [x, zoom, id] : {std::tuple{53.5f, 1, 3}, {53.5f, 2, 0}, {51.5f, 2, 3}})
+        EXPECT_EQ(findSticky(handles, x, 40, float(zoom)), id) << x << " at zoom " << zoom;
     EXPECT_EQ(getSticky(handles, 3)->hit, 1);
     EXPECT_EQ(getSticky(handles, 1)->hit, 0);
     // The frame comes last: from it, the list holds only a frame, which is never hit.

@@ -27,16 +27,17 @@ std::vector<float> boundsOf(const ELEMENT_STRUCT* e)
 
 using ObjectsTest = ViewTest;
 
-TEST_F(ObjectsTest, FindsByNameAndPlaceChildrenBeforeTheirGroup)
+TEST_F(ObjectsTest, FindsAndSizesChildrenBeforeAndWithinTheirGroup)
 {
     VIEW_STRUCT* view = load(blackPage().line({0, 50, 400, 50}, "across").beginGroup(2, "same")
                                  .rect(box(100, 100, 200, 200), "same").rect(box(150, 150, 250, 250), "square")
                                  .endGroup());
     ASSERT_TRUE(view);
+    ELEMENT_STRUCT* child = krObjGet(view, "same");
     int count = -5;
     ELEMENT_STRUCT** all = krObjGetAll(view, &count);
     EXPECT_EQ(names(all, count), (std::vector<std::string>{"across", "same", "same", "square"}));
-    EXPECT_EQ(krObjGet(view, "same"), all[2]) << "the child comes before its group";
+    EXPECT_EQ(child, all[2]) << "the child comes before its group";
     krObjFree(all);
     EXPECT_EQ(krObjGet(nullptr, "same"), reinterpret_cast<ELEMENT_STRUCT*>(-1));
     EXPECT_EQ(krObjGetAll(nullptr, &count), nullptr);
@@ -46,7 +47,7 @@ TEST_F(ObjectsTest, FindsByNameAndPlaceChildrenBeforeTheirGroup)
     draw(view);
     ELEMENT_STRUCT** hits = krObjPick(window, view, 160, 140, &count);
     EXPECT_EQ(names(hits, count), (std::vector<std::string>{"same", "square", "same"}));
-    EXPECT_EQ(hits[0], krObjGet(view, "same"));
+    EXPECT_EQ(hits[0], child);
     // The line reaches 5 units at zoom 1, half as far at zoom 2.
     hits = krObjPickView(view, 20, 46, &count);
     EXPECT_EQ(names(hits, count), (std::vector<std::string>{"across"}));
@@ -54,6 +55,15 @@ TEST_F(ObjectsTest, FindsByNameAndPlaceChildrenBeforeTheirGroup)
     draw(view, 0, 0, 2);
     EXPECT_EQ(krObjPick(window, view, 40, 300 - 106, &count), nullptr) << "3 units off";
     EXPECT_EQ(krObjPick(window, view, 40, 300 - 104, &count)[0], view->elements) << "2 units off";
+
+    // The children scale about their group's centre, 175; a child is placed in view units and
+    // read relative to its group.
+    EXPECT_EQ(krObjSetWidth(child->parent, 300), 0);
+    EXPECT_EQ(boundsOf(child), (std::vector<float>{25, 100, 225, 200}));
+    EXPECT_EQ(boundsOf(krObjGet(view, "square")), (std::vector<float>{125, 150, 325, 250}));
+    EXPECT_EQ(krObjSetX(child, 40), 0);
+    EXPECT_EQ(boundsOf(child), (std::vector<float>{-60, 100, 140, 200}));
+    EXPECT_FLOAT_EQ(krObjX(child), 40 - krObjX(child->parent));
 }
 
 // Hits go by resting places alone: a moved, hidden or plain element is found all the same,
@@ -72,22 +82,6 @@ TEST_F(ObjectsTest, PicksAtRestHiddenMovedOrPlainAndCountsAtMost499)
     ASSERT_EQ(count, 499);
     EXPECT_EQ(hits[0], view->elements);
     EXPECT_STREQ(krObjName(hits[499]), "r599") << "later hits overwrite the slot behind the table";
-}
-
-// A group's children scale about its centre, 150; a child is placed in view units and read
-// relative to its group.
-TEST_F(ObjectsTest, SizesGroupsAboutTheirCentreAndPlacesChildrenInViewUnits)
-{
-    VIEW_STRUCT* view = load(blackPage().beginGroup(2, "pair").rect(box(100, 0, 110, 10), "left")
-                                 .rect(box(190, 0, 200, 10), "right").endGroup());
-    ASSERT_TRUE(view);
-    ELEMENT_STRUCT* left = krObjGet(view, "left");
-    EXPECT_EQ(krObjSetWidth(krObjGet(view, "pair"), 200), 0);
-    EXPECT_EQ(boundsOf(left), (std::vector<float>{50, 0, 70, 10}));
-    EXPECT_EQ(boundsOf(krObjGet(view, "right")), (std::vector<float>{230, 0, 250, 10}));
-    EXPECT_EQ(krObjSetX(left, 40), 0);
-    EXPECT_EQ(boundsOf(left), (std::vector<float>{30, 0, 50, 10}));
-    EXPECT_FLOAT_EQ(krObjX(left), 40 - krObjX(krObjGet(view, "pair")));
 }
 
 TEST_F(ObjectsTest, AttributesTravelByKindAndMask)
@@ -122,7 +116,6 @@ TEST_F(ObjectsTest, AttributesTravelByKindAndMask)
     attr.fillColor[2] = 0.25f;
     EXPECT_EQ(krObjSetAttr(graph, &attr), 0);
     EXPECT_FLOAT_EQ(static_cast<GRAPH_STRUCT*>(graph->data)->backgroundColor[2], 0.25f);
-    EXPECT_EQ(krObjSetSamples(bar, 12), -2);
     ELEMENT_STRUCT* label = krObjGet(view, "label");
     memset(attr.text, 'x', sizeof attr.text);
     attr.mask = KR_OBJ_KIND_FIELDS;
@@ -144,7 +137,6 @@ TEST_F(ObjectsTest, ActionsListScaleEnableAndColour)
     ACTION_STRUCT** actions = krActionGetAll(krObjGet(view, "graph"), &count);
     ASSERT_EQ(count, 2);
     ACTION_STRUCT* a = actions[0];
-    EXPECT_STREQ(krActionVar(a), "wave");
     EXPECT_EQ(krActionSetScale(a, 0, 10, 0, 100) + krActionSetScale2(a, 0, 2, 5, 9), 0);
     EXPECT_EQ((std::vector<float>{a->offset, a->slope, a->offset2, a->slope2}), (std::vector<float>{0, 10, 5, 2}));
     float v[3];
