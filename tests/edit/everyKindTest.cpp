@@ -16,8 +16,8 @@ struct Box {
     float cy() const { return (y0 + y1) / 2; }
 };
 
-// The element of a kind that fills the box; the box's centre is the element's centre.
-using Add = void (*)(ViewBuilder&, const Box&);
+// A page with the element of a kind that fills the box; the box's centre is the element's centre.
+using Add = ViewBuilder (*)(const Box&);
 
 struct KindCase {
     const char* kind;
@@ -37,73 +37,69 @@ korelgen::CircleFields ellipse(const Box& r, float ry, float end = 6.2831855f)
 }
 
 const KindCase kCases[] = {
-    {"rectangle", [](ViewBuilder& b, const Box& r) { b.rect({r.x0, r.y0, r.x1, r.y1}); }},
-    {"polygon", [](ViewBuilder& b, const Box& r) {
+    {"rectangle", [](const Box& r) { return blackPage().rect({r.x0, r.y0, r.x1, r.y1}); }},
+    {"polygon", [](const Box& r) {
          korelgen::PolyFields p;
          p.closed = p.fillOn = 1;
          p.points = {{0, r.x0, r.y0}, {1, r.x1, r.y0}, {2, r.x1, r.y1}};
-         b.cpoly(p);
+         return blackPage().cpoly(p);
      }},
-    {"circle", [](ViewBuilder& b, const Box& r) { b.circle(ellipse(r, r.y1 - r.cy())); }},
+    {"circle", [](const Box& r) { return blackPage().circle(ellipse(r, r.y1 - r.cy())); }},
     // A lower half arc: its box reaches up to its centre, which stays the element's centre.
-    {"arc", [](ViewBuilder& b, const Box& r) { b.arc(ellipse(r, r.y1 - r.y0, 3.1415927f)); }},
-    {"line", [](ViewBuilder& b, const Box& r) { b.line({r.x0, r.cy(), r.x1, r.cy()}); }, false},
-    {"image", [](ViewBuilder& b, const Box& r) {
+    {"arc", [](const Box& r) { return blackPage().arc(ellipse(r, r.y1 - r.y0, 3.1415927f)); }},
+    {"line", [](const Box& r) { return blackPage().line({r.x0, r.cy(), r.x1, r.cy()}); }, false},
+    {"image", [](const Box& r) {
          korelgen::ImageFields i;
          i.x0 = r.x0, i.y0 = r.y0, i.x1 = r.x1, i.y1 = r.y1, i.width = i.height = 2;
          i.pixels.assign(16, 255);
-         b.image(i);
+         return blackPage().image(i);
      }},
-    {"button", [](ViewBuilder& b, const Box& r) { b.button({r.x0, r.y0, r.x1, r.y1}); }},
-    {"slider", [](ViewBuilder& b, const Box& r) { b.slider({r.cx(), r.cy(), r.x1 - r.x0, r.y1 - r.y0}); }},
-    {"graph", [](ViewBuilder& b, const Box& r) { b.graph({0, r.x0, r.y0, r.x1 - r.x0, r.y1 - r.y0}); }},
-    {"scissor", [](ViewBuilder& b, const Box& r) { b.scissor(r.x0, r.y0, r.x1, r.y1); }, true, false},
-    {"text", [](ViewBuilder& b, const Box&) { b.text({}); }, true, true, 3, false},
-    {"group", [](ViewBuilder& b, const Box& r) { b.beginGroup(1).rect({r.x0, r.y0, r.x1, r.y1}).endGroup(); }},
+    {"button", [](const Box& r) { return blackPage().button({r.x0, r.y0, r.x1, r.y1}); }},
+    {"slider", [](const Box& r) { return blackPage().slider({r.cx(), r.cy(), r.x1 - r.x0, r.y1 - r.y0}); }},
+    {"graph", [](const Box& r) { return blackPage().graph({0, r.x0, r.y0, r.x1 - r.x0, r.y1 - r.y0}); }},
+    {"scissor", [](const Box& r) { return blackPage().scissor(r.x0, r.y0, r.x1, r.y1); }, true, false},
+    {"text", [](const Box&) { return blackPage().text({}); }, true, true, 3, false},
+    {"group", [](const Box& r) { return blackPage().beginGroup(1).rect({r.x0, r.y0, r.x1, r.y1}).endGroup(); }},
 };
 
-class EveryKind : public ViewTest, public ::testing::WithParamInterface<KindCase> {};
+using EveryKind = ViewTest;
 
-TEST_P(EveryKind, MovesAndSizesAsDrawn)
+TEST_F(EveryKind, MovesAndSizesAsDrawn)
 {
-    const KindCase& c = GetParam();
-    const auto loadWith = [&](const Box& box) {
-        ViewBuilder b = blackPage();
-        c.add(b, box);
-        return load(b);
-    };
-    VIEW_STRUCT* view = loadWith({10, 10, 50, 30});
-    ASSERT_TRUE(view);
-    ELEMENT_STRUCT* e = view->elements;
-    const float width = e->width, height = e->height;
-    // Unequal factors in x and y (3 and 4), so that neither can stand in for the other.
-    for (auto [set, value] : {std::pair{krObjSetX, 200}, {krObjSetY, 150}, {krObjSetWidth, 120}, {krObjSetHeight, 80}})
-        EXPECT_EQ(set(e, value), 0);
-    EXPECT_NEAR(krObjX(e), 200, 1e-3);
-    EXPECT_NEAR(krObjY(e), 150, 1e-3);
-    EXPECT_NEAR(krObjWidth(e), c.sizes ? 120 : width, c.tolerance);
-    EXPECT_NEAR(krObjHeight(e), c.sizes ? 80 : height, c.tolerance);
-    const Ink moved = draw(view).ink();
-    EXPECT_EQ(moved.lit > 0, c.drawn);
-    if (c.exact) {
-        const Ink expected = draw(loadWith(c.sizes ? Box{140, 110, 260, 190} : Box{180, 140, 220, 160})).ink();
-        for (auto edge : {&Ink::x0, &Ink::y0, &Ink::x1, &Ink::y1})
-            EXPECT_NEAR(moved.*edge, expected.*edge, 1);
-    } else {
-        EXPECT_NEAR((moved.x0 + moved.x1) / 2, 200, 3);
-        EXPECT_NEAR((moved.y0 + moved.y1) / 2, 150, 3);
-    }
+    for (const KindCase& c : kCases) {
+        SCOPED_TRACE(c.kind);
+        VIEW_STRUCT* view = load(c.add({10, 10, 50, 30}));
+        ASSERT_TRUE(view);
+        ELEMENT_STRUCT* e = view->elements;
+        const float width = e->width, height = e->height;
+        // Unequal factors in x and y (3 and 4), so that neither can stand in for the other.
+        for (auto [set, value] :
+             {std::pair{krObjSetX, 200}, {krObjSetY, 150}, {krObjSetWidth, 120}, {krObjSetHeight, 80}})
+            EXPECT_EQ(set(e, value), 0);
+        EXPECT_NEAR(krObjX(e), 200, 1e-3);
+        EXPECT_NEAR(krObjY(e), 150, 1e-3);
+        EXPECT_NEAR(krObjWidth(e), c.sizes ? 120 : width, c.tolerance);
+        EXPECT_NEAR(krObjHeight(e), c.sizes ? 80 : height, c.tolerance);
+        const Ink moved = draw(view).ink();
+        EXPECT_EQ(moved.lit > 0, c.drawn);
+        if (c.exact) {
+            const Box target = c.sizes ? Box{140, 110, 260, 190} : Box{180, 140, 220, 160};
+            const Ink expected = draw(load(c.add(target))).ink();
+            for (auto edge : {&Ink::x0, &Ink::y0, &Ink::x1, &Ink::y1})
+                EXPECT_NEAR(moved.*edge, expected.*edge, 1);
+        } else {
+            EXPECT_NEAR((moved.x0 + moved.x1) / 2, 200, 3);
+            EXPECT_NEAR((moved.y0 + moved.y1) / 2, 150, 3);
+        }
 
-    for (float garbage : {1e30f, -1e30f, 0.0f, std::numeric_limits<float>::quiet_NaN(), 200.0f}) {
-        for (auto set : {krObjSetWidth, krObjSetHeight, krObjSetX, krObjSetY})
-            EXPECT_EQ(set(e, garbage), 0);
-        OBJ_ATTR attr;
-        EXPECT_EQ(krObjGetAttr(e, &attr), 0);
-        draw(view);
+        for (float garbage : {1e30f, -1e30f, 0.0f, std::numeric_limits<float>::quiet_NaN(), 200.0f}) {
+            for (auto set : {krObjSetWidth, krObjSetHeight, krObjSetX, krObjSetY})
+                EXPECT_EQ(set(e, garbage), 0);
+            OBJ_ATTR attr;
+            EXPECT_EQ(krObjGetAttr(e, &attr), 0);
+            draw(view);
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Kinds, EveryKind, ::testing::ValuesIn(kCases),
-                         [](const auto& info) { return std::string(info.param.kind); });
 
 } // namespace
