@@ -52,9 +52,9 @@ struct RandomEdits {
         ACTION_STRUCT* a = pick(krActionGetAll(e, &count), &count);
         DD_DATA_TYPE_STRUCT* s = pick(krDataSourceGetAll(view, &count), &count);
         VARIABLE_STRUCT* v = pick(krVarGetAll(s, &count), &count);
-        OBJ_ATTR attr;
         switch (below(10)) {
         case 0: {
+            OBJ_ATTR attr;
             krObjGetAttr(e, &attr);
             attr.mask = uint32_t(below(32));
             attr.x = number(), attr.y = number(), attr.width = number(), attr.height = number();
