@@ -50,7 +50,7 @@ def main():
                 continue
             r = subprocess.run(['xvfb-run', '-a', '-s', '-screen 0 1280x1024x24', 'ctest', '--test-dir', build,
                                 '-j2', '--timeout', '120'] + only_tests, capture_output=True, text=True)
-            failed = re.findall(r'^\s*\d+ - (\S+) \(', r.stdout, re.M)
+            failed = re.findall(r'^\s*\d+ - (\S+)', r.stdout, re.M)
             print(f"{f['name']}: {len(failed)} failing: {' '.join(failed) if failed else 'NOT CAUGHT'}", flush=True)
         finally:
             for full, text in saved.items():
