@@ -687,14 +687,16 @@ enum {
 
 /** One handle of an element (ELEMENT_STRUCT.stickies), made by the kind's geometry pass. */
 struct STICKY_STRUCT {
-    uint8_t hit; /* 1 after findSticky found it, 0 after it tested and missed it */
-    uint8_t kind;
-    uint8_t reserved;
-    int32_t id;
-    float x, y; /* view units */
-    float w, h; /* half size in pixels at zoom 1 */
-    STICKY_STRUCT* next;
-    STICKY_STRUCT* prev;
+    uint8_t hit;         /**< 1 after findSticky found it, 0 after it tested and missed it */
+    uint8_t kind;        /**< KR_STICKY_... */
+    uint8_t reserved;    /**< 0 */
+    int32_t id;          /**< 1 to 8 on the box, 9 the centre, 50, 51 arc ends, 100 and up points */
+    float x;             /**< position in view units (a frame: its lower left corner) */
+    float y;             /**< position in view units */
+    float w;             /**< half width in pixels at zoom 1 */
+    float h;             /**< half height in pixels at zoom 1 */
+    STICKY_STRUCT* next; /**< next handle of the element */
+    STICKY_STRUCT* prev; /**< previous handle of the element */
 };
 
 /** A zeroed handle in no list; logs "createSticky: out of memory" and gives null when out of memory. */
@@ -708,9 +710,9 @@ KOREL2D_API STICKY_STRUCT* getSticky(STICKY_STRUCT* head, int id);
 /** The id of the first square, centre or anchor handle whose box, its half size divided by zoom,
  *  holds (x, y) strictly inside, or 0. Marks the handles tested up to it: hit 1 for it, 0 before. */
 KOREL2D_API int findSticky(STICKY_STRUCT* head, float x, float y, float zoom);
-/** Process-wide modifier flags of the editing tool: shift scales about the centre, ctrl keeps
- *  the aspect. */
+/** Sets the process-wide shift flag of the editing tool (non-zero: handles scale about the centre). */
 KOREL2D_API void setShift(int flag);
+/** Sets the ctrl flag (non-zero: a corner drag keeps the aspect, both axes taking the larger factor). */
 KOREL2D_API void setCtrl(int flag);
 /** 1 when (px, py) lies in the box of the corners (x1, y1), (x2, y2), edges included. */
 KOREL2D_API int pointInRect(float px, float py, float x1, float y1, float x2, float y2);
@@ -723,13 +725,21 @@ KOREL2D_API void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* out
  *  (KR_EDIT_BEGIN ...), each ending with the geometry pass; any code re-seeds the look.
  *  @return 0, -1 for a null element or value. */
 KOREL2D_API int editRect(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** The edit of a polyline or polygon; codes 100 + n move the points of id n. As editRect. */
 KOREL2D_API int editPoly(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** The edit of a circle or arc: its matrix scales with its box. As editRect. */
 KOREL2D_API int editCircle(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** The edit of a line: its two end points. As editRect. */
 KOREL2D_API int editLine(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** The edit of a picture: its four corners. As editRect. */
 KOREL2D_API int editImage(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** The edit of a button: its four corners. As editRect. */
 KOREL2D_API int editButton(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** The edit of a slider: its centre and size. As editRect. */
 KOREL2D_API int editSlider(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** The edit of a graph frame: its lower left corner and size. As editRect. */
 KOREL2D_API int editGraph(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
+/** The edit of a clip area: its four corners. As editRect. */
 KOREL2D_API int editScissor(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
 
 /** @typedef OBJ_ATTR
@@ -783,6 +793,7 @@ KOREL2D_API ELEMENT_STRUCT* krObjGet(VIEW_STRUCT* view, const char* name);
 /** Every element, each group before its children, as a new array for krObjFree; count set.
  *  Null (count untouched) for a bad view or exhausted memory. */
 KOREL2D_API ELEMENT_STRUCT** krObjGetAll(VIEW_STRUCT* view, int* count);
+/** Frees an array of krObjGetAll; null is ignored. */
 KOREL2D_API void krObjFree(ELEMENT_STRUCT** objects);
 /** The elements at window pixel (x, y), y from the top, by their resting boxes (lines by their
  *  segment): children before their group, the topmost last, at most 499. The table is the
@@ -790,23 +801,32 @@ KOREL2D_API void krObjFree(ELEMENT_STRUCT** objects);
 KOREL2D_API ELEMENT_STRUCT** krObjPick(WINDOW_STRUCT* window, VIEW_STRUCT* view, int x, int y, int* count);
 /** As krObjPick at (x, y) in view units, zoom 1. */
 KOREL2D_API ELEMENT_STRUCT** krObjPickView(VIEW_STRUCT* view, int x, int y, int* count);
-/** Name, id, kind code, centre and size of an element (x, y of a group's child relative to the
- *  group); null, -1 or -1.0 for a null element. */
+/** The element's name (the pointer itself, the name being its first field); null for a null element. */
 KOREL2D_API char* krObjName(ELEMENT_STRUCT* element);
+/** The element's id text; null for a null element. */
 KOREL2D_API char* krObjId(ELEMENT_STRUCT* element);
+/** The element's kind code (KR_GRAPH ...); -1 for a null element. */
 KOREL2D_API int krObjType(ELEMENT_STRUCT* element);
+/** Centre x in view units, relative to the group for a group's child; -1.0 for a null element. */
 KOREL2D_API float krObjX(ELEMENT_STRUCT* element);
+/** Centre y in view units, as krObjX; -1.0 for a null element. */
 KOREL2D_API float krObjY(ELEMENT_STRUCT* element);
+/** Width of the element's box in view units; -1.0 for a null element. */
 KOREL2D_API float krObjWidth(ELEMENT_STRUCT* element);
+/** Height of the element's box in view units; -1.0 for a null element. */
 KOREL2D_API float krObjHeight(ELEMENT_STRUCT* element);
-/** Move the centre to x or y (view units, also in a group), or size the element about its centre,
- *  through its edit. @return 0, -1 for a null element or one without an edit. */
+/** Moves the centre to x (view units, also in a group) through the element's edit. @return 0, -1
+ *  for a null element or one without an edit. */
 KOREL2D_API int krObjSetX(ELEMENT_STRUCT* element, float x);
+/** Moves the centre to y (view units, also in a group). @return as krObjSetX. */
 KOREL2D_API int krObjSetY(ELEMENT_STRUCT* element, float y);
+/** Sizes the box to width (view units) about its centre. @return as krObjSetX. */
 KOREL2D_API int krObjSetWidth(ELEMENT_STRUCT* element, float width);
+/** Sizes the box to height (view units) about its centre. @return as krObjSetX. */
 KOREL2D_API int krObjSetHeight(ELEMENT_STRUCT* element, float height);
-/** A graph's samples, or its rate from an integer. @return 0, -1 null element, -2 not a graph. */
+/** A graph's number of samples. @return 0, -1 null element, -2 not a graph. */
 KOREL2D_API int krObjSetSamples(ELEMENT_STRUCT* element, int samples);
+/** A graph's sampling rate from a whole number. @return 0, -1 null element, -2 not a graph. */
 KOREL2D_API int krObjSetUpdateRate(ELEMENT_STRUCT* element, int rate);
 /** Fills attr from the element; mask is left alone. @return 0, -1 for a null element or a kind
  *  without attributes. */
@@ -820,22 +840,29 @@ KOREL2D_API int krObjSetAttr(ELEMENT_STRUCT* element, OBJ_ATTR* attr);
 /** The element's actions in list order, as a new array for krActionFree; count set (0 and null
  *  for a null element). */
 KOREL2D_API ACTION_STRUCT** krActionGetAll(ELEMENT_STRUCT* element, int* count);
+/** Frees an array of krActionGetAll; null is ignored. */
 KOREL2D_API void krActionFree(ACTION_STRUCT** actions);
-/** Variable names and type of an action; null or -1 for a null action. */
+/** The name of the action's variable; null for a null action. */
 KOREL2D_API char* krActionVar(ACTION_STRUCT* action);
+/** The name of the action's second variable; null for a null action. */
 KOREL2D_API char* krActionVar2(ACTION_STRUCT* action);
+/** The action's type code (KR_ACTION_...); -1 for a null action. */
 KOREL2D_API int krActionType(ACTION_STRUCT* action);
 /** flag 0 disables the action (a graph trace is then not drawn). @return 0 or -1. */
 KOREL2D_API int krActionEnable(ACTION_STRUCT* action, int flag);
-/** The scaling (a0, b0)-(a1, b1) of the first variable, offset and slope worked out anew; Scale2
- *  the same for the second variable. @return 0 or -1. */
+/** The scaling (a0, b0)-(a1, b1) of the first variable, offset and slope worked out anew.
+ *  @return 0 or -1. */
 KOREL2D_API int krActionSetScale(ACTION_STRUCT* action, float a0, float a1, float b0, float b1);
+/** As krActionSetScale for the second variable: offset2 and slope2. @return 0 or -1. */
 KOREL2D_API int krActionSetScale2(ACTION_STRUCT* action, float a0, float a1, float b0, float b1);
+/** The stored scaling points of the first variable. @return 0 or -1 for a null action. */
 KOREL2D_API int krActionGetScale(ACTION_STRUCT* action, float* a0, float* a1, float* b0, float* b1);
+/** The stored scaling points of the second variable. @return 0 or -1 for a null action. */
 KOREL2D_API int krActionGetScale2(ACTION_STRUCT* action, float* a0, float* a1, float* b0, float* b1);
-/** The colour of the action's first colour threshold (a graph trace's colour). @return 0, -1 for
- *  a null action or an empty colour list. */
+/** Sets the colour of the action's first colour threshold (a graph trace's colour). @return 0,
+ *  -1 for a null action or an empty colour list. */
 KOREL2D_API int krActionSetColor(ACTION_STRUCT* action, float r, float g, float b);
+/** Reads the colour of the action's first colour threshold. @return as krActionSetColor. */
 KOREL2D_API int krActionGetColor(ACTION_STRUCT* action, float* r, float* g, float* b);
 
 #ifdef __cplusplus
