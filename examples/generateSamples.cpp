@@ -39,6 +39,17 @@ void setColour(float rgba[4], Colour colour)
     rgba[3] = 1;
 }
 
+// A round shape centred on (x, y), `size` times the unit circle, filled and outlined.
+CircleFields disc(float x, float y, float size, Colour fill, Colour stroke)
+{
+    CircleFields c;
+    c.x = x, c.y = y;
+    c.matrix[0] = c.matrix[3] = size;
+    setColour(c.fill, fill);
+    setColour(c.stroke, stroke);
+    return c;
+}
+
 // Crisp edges throughout: the sample is also read back pixel by pixel.
 RectFields filled(float x0, float y0, float x1, float y1, Colour fill)
 {
@@ -208,11 +219,7 @@ void barScale(ViewBuilder& b, const char* name, float x, float bottom, float top
 // over its upper half; the caption goes on it before its needle.
 void sineDialFace(ViewBuilder& b, float x, float y, float size, float scaleRadius, float numbers)
 {
-    CircleFields dial;
-    dial.x = x, dial.y = y;
-    dial.matrix[0] = dial.matrix[3] = size;
-    setColour(dial.fill, kDark);
-    setColour(dial.stroke, kBezel);
+    CircleFields dial = disc(x, y, size, kDark, kBezel);
     dial.strokeWidth = 3;
     b.circle(dial, "dial", "dial-ID");
     dialScale(b, "dial scale", x, y, scaleRadius, numbers, 180, 0, 5, 4, -1, 1, "%.1f");
@@ -229,11 +236,7 @@ void sineDialNeedle(ViewBuilder& b, float x, float y, float length, float hubSiz
     ActionFields turn = action(1, KR_ACTION_ROTATE, variable, -1, 1, -180, 0);
     turn.cg = KR_POS_LEFT;
     b.actions({turn}).line(needle, "needle", "needle-ID");
-    CircleFields hub;
-    hub.x = x, hub.y = y;
-    hub.matrix[0] = hub.matrix[3] = hubSize;
-    setColour(hub.fill, kBezel);
-    setColour(hub.stroke, kBezel);
+    CircleFields hub = disc(x, y, hubSize, kBezel, kBezel);
     hub.strokeWidth = 3;
     hub.strokeOn = 0;
     b.circle(hub, "hub", "hub-ID");
@@ -588,11 +591,7 @@ std::vector<uint8_t> live()
     b.text(caption(515, 150, "SAW  %", 14, kFrame), "gauge unit", "gauge-unit-ID");
     readout(b, "gauge readout", 515, 115, 7, 18, shown(9, "SAW", "%5.1f %%", 0, 1, 0, 100));
 
-    CircleFields lamp;
-    lamp.x = 450, lamp.y = 50;
-    lamp.matrix[0] = lamp.matrix[3] = 0.25f;
-    setColour(lamp.fill, kLampOff);
-    setColour(lamp.stroke, kBezel);
+    const CircleFields lamp = disc(450, 50, 0.25f, kLampOff, kBezel);
     ActionFields lampColour = action(3, KR_ACTION_FILL_COLOR, "SIN", 0, 1, 0, 1);
     lampColour.blocks[KR_THRESHOLDS_COLOR] =
         thresholds(-1, 1, {threshold(-1, -0.3f, 0, kGreen), threshold(-0.3f, 0.5f, 0, kAmber), threshold(0.5f, 1, 0, kRed)});
@@ -922,11 +921,7 @@ std::vector<uint8_t> feed()
 
     section(b, "CALCULATOR", 460, 20, 620, 340, 78);
     b.text(caption(540, 306, "HIGH = SINE > 0.8", 11, kFrame), "expression", "expression-ID");
-    CircleFields lamp;
-    lamp.x = 540, lamp.y = 190;
-    lamp.matrix[0] = lamp.matrix[3] = 0.35f;
-    setColour(lamp.fill, kLampOff);
-    setColour(lamp.stroke, kBezel);
+    CircleFields lamp = disc(540, 190, 0.35f, kLampOff, kBezel);
     lamp.strokeWidth = 3;
     ActionFields light = action(5, KR_ACTION_FILL_COLOR, "HIGH", 0, 1, 0, 1);
     light.blocks[KR_THRESHOLDS_COLOR] = thresholds(0, 1, {threshold(0, 0.5f, 0, kLampOff), threshold(0.5f, 1, 0, kRed)});
@@ -1020,11 +1015,7 @@ std::vector<uint8_t> controls()
     // Turned round its centre by the pointer, the short way each time, and round again past 360.
     section(b, "KNOB", 610, 20, 780, 340, 40);
     constexpr float kKnobX = 695, kKnobY = 230;
-    CircleFields knob;
-    knob.x = kKnobX, knob.y = kKnobY;
-    knob.matrix[0] = knob.matrix[3] = 0.5f;
-    setColour(knob.fill, kBezel);
-    setColour(knob.stroke, kFrame);
+    const CircleFields knob = disc(kKnobX, kKnobY, 0.5f, kBezel, kFrame);
     b.actions({pointerAction(14, "ANGLE", KR_MOUSE_ACTION_ROTATE, KR_MOUSE_MODE_INC, 0, 360)})
         .circle(knob, "knob", "knob-ID");
     LineFields mark;
