@@ -555,8 +555,18 @@ KOREL2D_API int krViewDrawPlane_Direct(VIEW_STRUCT* view);
 /** 1 when an edit has made a text's font anew since the last text was drawn, so the host
  *  should draw again; 0 otherwise. Process-wide, not per view. */
 KOREL2D_API int krTextUpdate(void);
-/** mode 0: from a cached texture of the page, 1: renders that texture again first, 2: as
- *  krViewDrawPlane_Direct. @return 0, -1, -2, -3. */
+/** Modes of krViewDrawPlane. */
+enum {
+    KR_PLANE_CACHED = 0, /* the page's texture as last rendered (rendered first if none is due) */
+    KR_PLANE_RENDER = 1, /* the page rendered into its texture again, then shown */
+    KR_PLANE_DIRECT = 2  /* no texture: as krViewDrawPlane_Direct */
+};
+/** Shows the page as one textured quad at the view's last position and zoom, in the host's
+ *  matrices; what the page doesn't paint stays transparent. The texture is 1024 x 1024: a larger
+ *  page keeps the last rendering that fitted. Rendering overwrites the lower left of the host's
+ *  colour buffer (cleared to transparent black) and runs the data cycle of a view started in
+ *  mode 1; a cached frame runs neither. mode: a KR_PLANE_... word, any other non-zero acts as
+ *  KR_PLANE_RENDER. @return 0, -1, -2, -3 without a GL context (KR_PLANE_DIRECT: always 0). */
 KOREL2D_API int krViewDrawPlane(VIEW_STRUCT* view, int mode);
 /** Draws into the current matrices, with no transform and no GL state saving of its own.
  *  @return 0, -1, -2, -3. */

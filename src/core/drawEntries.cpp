@@ -57,6 +57,27 @@ void walk(VIEW_STRUCT* view, DRAW_SETTINGS* settings)
     drawUserElements(view->elements, nullptr, int(view->runMode), int(view->haltMode), 1, settings, 0);
 }
 
+// What the direct and the plane entries switch off, beyond what every draw does.
+void disableForPlane()
+{
+    disableForDraw();
+    glDisable(GL_BLEND);
+    glDisable(GL_TEXTURE_2D);
+}
+
+// The state both plane entries draw the page with, the colour factor, and the groups' clip
+// data, refreshed when the page moved or zoomed.
+DRAW_SETTINGS prepareForPlane(VIEW_STRUCT* view, float zoom)
+{
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+    glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_FASTEST);
+    applyColorFactor(view);
+    if (placementChanged(view))
+        kriFindScissor(view->elements, 0, 0, 0, 0, 1.0f);
+    return settingsOf(view, zoom);
+}
+
 int checkViewAndContext(VIEW_STRUCT* view)
 {
     if (int check = checkView(view))
@@ -108,22 +129,13 @@ int krViewDrawPlane_Direct(VIEW_STRUCT* view)
         return check;
     ViewLock lock(view);
     glPushAttrib(kSavedAttributes);
-    disableForDraw();
-    glDisable(GL_BLEND);
-    glDisable(GL_TEXTURE_2D);
+    disableForPlane();
     if (view->useDepthBuffer)
         glEnable(GL_DEPTH_TEST);
     else
         glDisable(GL_DEPTH_TEST);
-    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-    glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_FASTEST);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    applyColorFactor(view);
-
-    DRAW_SETTINGS settings = settingsOf(view, view->zoom);
-    if (placementChanged(view))
-        kriFindScissor(view->elements, 0, 0, 0, 0, 1.0f);
+    DRAW_SETTINGS settings = prepareForPlane(view, view->zoom);
 
     tkPushMatrix();
     glTranslatef(float(view->posX), float(view->posY), 0);
@@ -143,14 +155,67 @@ int krViewDrawPlane_Direct(VIEW_STRUCT* view)
     return 0;
 }
 
-// Rendering into a cached texture is not available yet: every mode draws directly.
+// The page at zoom 1 into the lower left of the host's colour buffer, and from there into the
+// plane's texture. The host's projection is kept, so that the quad that follows lands where
+// a direct frame would draw.
+static void renderPlane(VIEW_STRUCT* view)
+{
+    renderSaveViewport(view);
+    glMatrixMode(GL_PROJECTION);
+    tkPushMatrix();
+    glMatrixMode(GL_MODELVIEW);
+    tkPushMatrix();
+    if (!view->planeTexture) {
+        pbufferInit(kPlaneTextureSize, kPlaneTextureSize);
+        pbufferEnable();
+        createRenderTexture(view);
+    } else {
+        pbufferEnable();
+    }
+    renderSetViewport(view);
+    // Making the texture left texturing and blending on.
+    disableForPlane();
+    DRAW_SETTINGS settings = prepareForPlane(view, 1.0f);
+    glClearColor(0, 0, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT);
+    walk(view, &settings);
+    glFlush();
+    fillRenderTexture(view);
+    view->planeDirty = 0;
+    pbufferDisable();
+    restoreViewPort(view);
+    tkPopMatrix();
+    glMatrixMode(GL_PROJECTION);
+    tkPopMatrix();
+    glMatrixMode(GL_MODELVIEW);
+}
+
 int krViewDrawPlane(VIEW_STRUCT* view, int mode)
 {
-    if (mode != 2) {
-        if (int check = checkViewAndContext(view))
-            return check;
+    if (mode == KR_PLANE_DIRECT) {
+        krViewDrawPlane_Direct(view);
+        return 0;
     }
-    krViewDrawPlane_Direct(view);
+    if (int check = checkViewAndContext(view))
+        return check;
+    const GLboolean depthTest = glIsEnabled(GL_DEPTH_TEST);
+    ViewLock lock(view);
+    glPushAttrib(kSavedAttributes);
+    disableForPlane();
+    glDisable(GL_DEPTH_TEST);
+    if (mode != KR_PLANE_CACHED)
+        view->planeDirty = 1;
+    if (view->planeDirty) {
+        renderPlane(view);
+        if (depthTest)
+            glEnable(GL_DEPTH_TEST);
+    }
+    tkPushMatrix();
+    glTranslatef(float(view->posX), float(view->posY), 0);
+    glScalef(view->zoom, view->zoom, 1);
+    drawRenderTexture(view);
+    tkPopMatrix();
+    glPopAttrib();
     return 0;
 }
 

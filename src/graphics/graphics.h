@@ -31,6 +31,22 @@ KOREL2D_API int getLineStipple(int style, int32_t* factor, uint16_t* pattern);
 KOREL2D_API void setRgbColorIndex(uint32_t* table);
 KOREL2D_API uint32_t getFastRGBcolor(float r, float g, float b);
 
+// The render plane: a view drawn once into the host's frame buffer, copied into its
+// 1024 x 1024 texture, and shown as one textured quad until it is rendered again. Each gives 0.
+// Off-screen buffers are not used: the rendering goes to the current frame buffer.
+constexpr int kPlaneTextureSize = 1024; // texels in each direction
+KOREL2D_API int pbufferInit(int width, int height);
+KOREL2D_API void pbufferEnable(void);
+KOREL2D_API void pbufferDisable(void);
+KOREL2D_API void pbufferDestroy(void);
+KOREL2D_API int createRenderTexture(VIEW_STRUCT* view);
+KOREL2D_API int renderSaveViewport(VIEW_STRUCT* view);
+KOREL2D_API int renderSetViewport(VIEW_STRUCT* view);
+KOREL2D_API int fillRenderTexture(VIEW_STRUCT* view);
+KOREL2D_API int restoreViewPort(VIEW_STRUCT* view);
+KOREL2D_API int drawRenderTexture(VIEW_STRUCT* view);
+KOREL2D_API int drawListTexture(VIEW_STRUCT* view);
+
 } // extern "C"
 
 // A translation the walk has not handed to GL. Changing the matrix ends the batch of

@@ -34,8 +34,12 @@ void OffscreenGl::close()
         Display* d = static_cast<Display*>(display_);
         if (context_)
             glXDestroyContext(d, static_cast<GLXContext>(context_));
-        if (surface_)
+        if (surface_ && window_)
+            glXDestroyWindow(d, surface_);
+        else if (surface_)
             glXDestroyPbuffer(d, surface_);
+        if (window_)
+            XDestroyWindow(d, window_);
         XCloseDisplay(d);
     } else if (kind_[0] == 'E') {
         EGLDisplay d = display_;
@@ -48,11 +52,12 @@ void OffscreenGl::close()
     kind_ = "none";
     display_ = nullptr;
     surface_ = 0;
+    window_ = 0;
     eglSurface_ = nullptr;
     context_ = nullptr;
 }
 
-bool OffscreenGl::openGlx(int width, int height, std::string* why)
+bool OffscreenGl::connectGlx(std::string* why)
 {
     XSetErrorHandler(reportXError);
     // A virtual server that many test processes reach at once may refuse a connection now
@@ -69,6 +74,14 @@ bool OffscreenGl::openGlx(int width, int height, std::string* why)
     }
     display_ = d;
     kind_ = "GLX";
+    return true;
+}
+
+bool OffscreenGl::openGlx(int width, int height, std::string* why)
+{
+    if (!connectGlx(why))
+        return false;
+    Display* d = static_cast<Display*>(display_);
     // Pbuffers refuse an alpha channel on Xvfb (BadMatch): ask for none.
     const int attributes[] = {GLX_DRAWABLE_TYPE, GLX_PBUFFER_BIT, GLX_RENDER_TYPE, GLX_RGBA_BIT, GLX_RED_SIZE, 8,
                               GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8, GLX_ALPHA_SIZE, 0, GLX_STENCIL_SIZE, 8,
@@ -85,6 +98,47 @@ bool OffscreenGl::openGlx(int width, int height, std::string* why)
     XFree(configs);
     if (!surface_ || !context_) {
         *why = "GLX pbuffer or context creation failed";
+        return false;
+    }
+    return makeCurrent() || (*why = "glXMakeContextCurrent failed", false);
+}
+
+static Bool isMapNotify(Display*, XEvent* event, XPointer window)
+{
+    return event->type == MapNotify && event->xmap.window == reinterpret_cast<Window>(window);
+}
+
+bool OffscreenGl::openGlxWindow(int width, int height, std::string* why)
+{
+    if (!connectGlx(why))
+        return false;
+    Display* d = static_cast<Display*>(display_);
+    const int attributes[] = {GLX_DRAWABLE_TYPE, GLX_WINDOW_BIT, GLX_RENDER_TYPE, GLX_RGBA_BIT, GLX_DOUBLEBUFFER, True,
+                              GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8, GLX_ALPHA_SIZE, 8,
+                              GLX_STENCIL_SIZE, 8, GLX_DEPTH_SIZE, 16, None};
+    int count = 0;
+    GLXFBConfig* configs = glXChooseFBConfig(d, DefaultScreen(d), attributes, &count);
+    XVisualInfo* visual = configs && count > 0 ? glXGetVisualFromFBConfig(d, configs[0]) : nullptr;
+    if (!visual) {
+        XFree(configs);
+        *why = "no GLX window configuration with alpha and stencil";
+        return false;
+    }
+    const Window root = RootWindow(d, visual->screen);
+    XSetWindowAttributes set = {};
+    set.colormap = XCreateColormap(d, root, visual->visual, AllocNone);
+    set.event_mask = StructureNotifyMask;
+    window_ = XCreateWindow(d, root, 0, 0, unsigned(width), unsigned(height), 0, visual->depth, InputOutput,
+                            visual->visual, CWColormap | CWEventMask | CWBorderPixel, &set);
+    XFree(visual);
+    XMapWindow(d, window_);
+    XEvent event;
+    XIfEvent(d, &event, isMapNotify, reinterpret_cast<XPointer>(window_));
+    surface_ = glXCreateWindow(d, configs[0], window_, nullptr);
+    context_ = glXCreateNewContext(d, configs[0], GLX_RGBA_TYPE, nullptr, True);
+    XFree(configs);
+    if (!surface_ || !context_) {
+        *why = "GLX window or context creation failed";
         return false;
     }
     return makeCurrent() || (*why = "glXMakeContextCurrent failed", false);
