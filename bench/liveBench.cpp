@@ -1,7 +1,9 @@
 // A running view: a thousand lines, circles, arcs and filled polygons, each moved or coloured by
 // one action on Auto, Internal and Constant variables. Measures one data cycle of the started
 // view, and one frame of it against the same primitives drawn by hand at the same values. The
-// summary prints the data cycle in milliseconds and the frame's ratio to its reference.
+// summary prints the data cycle in milliseconds and the frame's ratio to its reference. The
+// same view stopped is drawn three ways through the render plane: directly (the reference),
+// from its cached texture, and rendered into the texture anew.
 #include "Korel2D.h"
 #include "OffscreenGl.h"
 #include "ViewBuilder.h"
@@ -295,6 +297,47 @@ void BM_DataCycle(benchmark::State& state, const Panel* panel)
     krViewFree(view);
 }
 
+// ---------------------------------------------------------------- the render plane
+
+// The same view stopped, as a host shows a panel whose values it doesn't animate, placed at
+// the window's origin at zoom 1; the host's projection is the library's window set-up.
+struct StoppedView {
+    VIEW_STRUCT* view = nullptr;
+    WINDOW_STRUCT* window = nullptr;
+
+    bool load(const Panel& panel)
+    {
+        view = krViewLoad(panel.file.path.c_str());
+        window = krWindowCreate();
+        return view && krWindowInit(window, kWidth, kHeight) == 0 && krViewDraw(window, view, 0, 0, 1) == 0 &&
+               krViewDrawPlane(view, KR_PLANE_RENDER) == 0;
+    }
+    void frame(int mode)
+    {
+        krWindowClear(window, view);
+        krdSetViewport(kWidth, kHeight);
+        krViewDrawPlane(view, mode);
+    }
+    ~StoppedView()
+    {
+        krWindowFree(window);
+        krViewFree(view);
+    }
+};
+
+// A frame of the stopped view in a plane mode: KR_PLANE_DIRECT walks the whole tree,
+// KR_PLANE_CACHED shows the texture of the last rendering, KR_PLANE_RENDER renders it anew.
+void BM_PlaneFrame(benchmark::State& state, StoppedView* stopped, int mode)
+{
+    for (auto _ : state) {
+        stopped->frame(mode);
+        glFinish();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * kGroups * kElementsPerGroup);
+    if (mode != KR_PLANE_DIRECT)
+        state.SetLabel("reference BM_PlaneDirectFrame");
+}
+
 // ---------------------------------------------------------------- by hand
 
 // What an action's value becomes: the line through (a0, b0) and (a1, b1), taken in float.
@@ -571,6 +614,15 @@ int main(int argc, char** argv)
     korelbench::timedAsFrames(benchmark::RegisterBenchmark("BM_DrawRunningFrame", BM_DrawRunningFrame, &frozen));
     korelbench::timedAsFrames(
         benchmark::RegisterBenchmark("BM_LiveImmediateReference", BM_LiveImmediateReference, &hand));
+    StoppedView stopped;
+    if (!stopped.load(panel)) {
+        std::fprintf(stderr, "korel2d_bench_live: cannot load and render the stopped view\n");
+        return 1;
+    }
+    for (auto [name, mode] : {std::pair{"BM_PlaneDirectFrame", int(KR_PLANE_DIRECT)},
+                              {"BM_PlaneCachedFrame", int(KR_PLANE_CACHED)},
+                              {"BM_PlaneRenderFrame", int(KR_PLANE_RENDER)}})
+        korelbench::timedAsFrames(benchmark::RegisterBenchmark(name, BM_PlaneFrame, &stopped, mode));
     korelbench::SummaryReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
@@ -580,5 +632,7 @@ int main(int argc, char** argv)
         std::printf("data cycle: %.3f ms\n", s["BM_DataCycle"] * 1e3);
     reporter.printRatio("BM_DrawRunningFrame", "BM_LiveImmediateReference");
     std::printf("draw/reference ratio, median of 200 frames drawn in turns: %.2f\n", pairedRatio(frozen, hand, 200));
+    reporter.printRatio("BM_PlaneCachedFrame", "BM_PlaneDirectFrame", "cached plane/direct");
+    reporter.printRatio("BM_PlaneRenderFrame", "BM_PlaneDirectFrame", "rendered plane/direct");
     return 0;
 }
