@@ -3,6 +3,7 @@
 #include "Korel2D.h"
 
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -17,12 +18,14 @@ const char* const kEventScriptHelp =
 
 namespace {
 
+// Far enough off any window, and near enough that a pick can take it as a whole number.
+constexpr float kMaxPixel = 1e6f;
+
 bool parseNumber(const std::string& word, float* value)
 {
     char* end = nullptr;
-    errno = 0;
     *value = std::strtof(word.c_str(), &end);
-    return !word.empty() && *end == '\0' && errno == 0;
+    return !word.empty() && *end == '\0' && std::fabs(*value) <= kMaxPixel;
 }
 
 // Empty when the line is a gesture (or nothing), written to *event; else what is wrong with it.
@@ -53,7 +56,7 @@ std::string parseLine(const std::string& text, bool keys, ScriptEvent* event, bo
         return "unknown gesture \"" + word + "\": press, move, release or key";
     std::string x, y;
     if (!(words >> x >> y) || !parseNumber(x, &event->x) || !parseNumber(y, &event->y))
-        return word + " needs X and Y, two numbers";
+        return word + " needs X and Y, two numbers of at most " + std::to_string(int(kMaxPixel)) + " in size";
     event->what = ScriptEvent::Pointer;
     event->event = kind->event;
     while (words >> word) {

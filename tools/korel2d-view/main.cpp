@@ -292,7 +292,7 @@ bool playScript(const Options& o, WINDOW_STRUCT* window, VIEW_STRUCT* view, Edit
         return true;
     drawFrame(window, view, o.zoom);
     for (const ScriptEvent& e : o.events) {
-        if (e.what == ScriptEvent::SaveKey) {
+        if (e.what == ScriptEvent::SaveKey) { // the script was read with keys only for the editor
             if (!editor->save())
                 return false;
         } else if (editor) {
@@ -303,7 +303,6 @@ bool playScript(const Options& o, WINDOW_STRUCT* window, VIEW_STRUCT* view, Edit
     }
     return true;
 }
-
 
 // Mean and worst time of the frames drawn, each up to glFinish: what the library and the
 // driver took, without the wait for the display.
