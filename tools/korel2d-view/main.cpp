@@ -1,8 +1,10 @@
 // korel2d-view: shows a view file in a GLX window, or renders it off-screen into a PNG file
-// when asked to or when no X display answers, or lists its records as text.
+// when asked to or when no X display answers, or lists its records as text; or edits it.
 #include "KorelEdit.h"
 #include "OffscreenGl.h"
 #include "dumpView.h"
+#include "editor.h"
+#include "eventScript.h"
 #include "pngWrite.h"
 #include "printVariables.h"
 
@@ -37,13 +39,6 @@ constexpr int kDone = 0;
 constexpr int kFailed = 1; // the view could not be loaded, started, drawn or written
 constexpr int kBadArguments = 2;
 
-// A pointer event of --events: what, where in window pixels from the upper left corner, which button.
-struct PointerEvent {
-    int type;
-    float x, y;
-    int button;
-};
-
 struct Options {
     std::string file;
     std::string png; // empty: a window where a display answers
@@ -55,7 +50,10 @@ struct Options {
     bool vars = false;
     bool anim = false;
     bool help = false;
-    std::vector<PointerEvent> events;
+    bool edit = false;
+    std::string save;   // empty: the view file itself
+    std::string script; // the file of --events
+    std::vector<ScriptEvent> events;
 };
 
 // ---------------------------------------------------------------- arguments
@@ -67,35 +65,6 @@ bool parseInt(const char* text, int lo, int hi, int* value)
     if (end == text || *end != '\0' || v < lo || v > hi)
         return false;
     *value = int(v);
-    return true;
-}
-
-// EVENT:X,Y[:BUTTON] items separated by '/', which no shell nor CMake list takes for its own.
-bool parseEvents(const char* text, Options* o)
-{
-    static const struct {
-        const char* word;
-        int type;
-    } kKinds[] = {{"press", KR_EVENT_PRESS}, {"release", KR_EVENT_RELEASE}, {"move", KR_EVENT_MOVE}};
-    const std::string list = text;
-    for (size_t start = 0; start <= list.size();) {
-        const size_t end = std::min(list.find('/', start), list.size());
-        const std::string item = list.substr(start, end - start);
-        start = end + 1;
-        char word[8];
-        PointerEvent e = {0, 0, 0, KR_MOUSE_LEFT};
-        int used = 0;
-        if (std::sscanf(item.c_str(), "%7[a-z]:%f,%f%n", word, &e.x, &e.y, &used) != 3)
-            return false;
-        const char* rest = item.c_str() + used;
-        if (*rest && !(*rest == ':' && parseInt(rest + 1, KR_MOUSE_LEFT, KR_MOUSE_RIGHT, &e.button)))
-            return false;
-        auto kind = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const auto& k) { return !std::strcmp(k.word, word); });
-        if (kind == std::end(kKinds))
-            return false;
-        e.type = kind->type;
-        o->events.push_back(e);
-    }
     return true;
 }
 
@@ -142,18 +111,25 @@ const std::vector<ValuedOption>& valuedOptions()
              o->zoom = z;
              return true;
          }},
-        {"--events", "LIST",
-         "LIST must be EVENT:X,Y[:BUTTON] items joined by '/'",
-         "off-screen, after a first frame, hand these pointer events to the running view:\n"
-         "EVENT press, release or move; X, Y window pixels from the upper left corner;\n"
-         "BUTTON 0 left (default), 1 centre, 2 right; as in press:150,170/release:150,170\n"
-         "(default none)",
-         parseEvents},
+        {"--events", "SCRIPT", "SCRIPT must be a file name",
+         "off-screen, after a first frame, play the gestures of SCRIPT (below): to the\n"
+         "running view, or with --edit to the editor (default none)",
+         [](const char* value, Options* o) {
+             o->script = value;
+             return !o->script.empty();
+         }},
+        {"--save", "OUT", "OUT must be a file name",
+         "with --edit: where key s saves the view (default: FILE itself)",
+         [](const char* value, Options* o) {
+             o->save = value;
+             return !o->save.empty();
+         }},
     };
     return options;
 }
 
-const char* const kSynopsis = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z] [--events LIST]\n"
+const char* const kSynopsis = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z] [--events SCRIPT]\n"
+                              "       korel2d-view FILE --edit [--save OUT] [--events SCRIPT] [--png OUT ...]\n"
                               "       korel2d-view FILE --dump [--png OUT ...]\n"
                               "       korel2d-view FILE --vars [--anim] [--frames N] [--png OUT ...]\n";
 
@@ -179,9 +155,16 @@ std::string helpText()
                   "               print each source and the value of each variable, stop (default off)\n"
                   "  --anim       with --vars: the library's data thread runs a cycle every 10 ms\n"
                   "               instead (default off)\n"
-                  "  -h, --help   print this help and quit\n"
+                  "  --edit       edit the view, stopped: a left click selects the topmost element\n"
+                  "               under the pointer (for an element inside a group, the group, whose\n"
+                  "               box holds it) and shows its handles; dragging a handle reshapes it,\n"
+                  "               shift about its centre, ctrl keeping its aspect; dragging its body\n"
+                  "               moves it; a click on nothing drops the selection; key s saves\n"
+                  "               (default off)\n"
+                  "  -h, --help   print this help and quit\n" +
+                  std::string(kEventScriptHelp) +
                   "Exit status: 0 done; 1 the view could not be loaded, started, drawn or written;\n"
-                  "2 bad arguments.\n";
+                  "2 bad arguments or a bad line in SCRIPT.\n";
 }
 
 // Empty when the arguments make sense; otherwise what is wrong, naming the argument.
@@ -193,8 +176,8 @@ std::string parseArguments(int argc, char** argv, Options* o)
             o->help = true;
             return "";
         }
-        if (arg == "--dump" || arg == "--vars" || arg == "--anim") {
-            (arg == "--dump" ? o->dump : arg == "--vars" ? o->vars : o->anim) = true;
+        if (arg == "--dump" || arg == "--vars" || arg == "--anim" || arg == "--edit") {
+            (arg == "--dump" ? o->dump : arg == "--vars" ? o->vars : arg == "--anim" ? o->anim : o->edit) = true;
             continue;
         }
         if (arg.size() > 1 && arg[0] == '-') {
@@ -218,6 +201,10 @@ std::string parseArguments(int argc, char** argv, Options* o)
         return "no view file given";
     if (o->anim && !o->vars)
         return "--anim goes with --vars only";
+    if (o->edit && (o->dump || o->vars))
+        return "--edit goes with neither --dump nor --vars";
+    if (!o->save.empty() && !o->edit)
+        return "--save goes with --edit only";
     return "";
 }
 
@@ -297,14 +284,24 @@ void drawFrame(WINDOW_STRUCT* window, VIEW_STRUCT* view, float zoom)
     krViewDraw(window, view, 0, 0, zoom);
 }
 
-// The events reach the elements where the first frame placed them, so one is drawn before them.
-void replayEvents(const Options& o, WINDOW_STRUCT* window, VIEW_STRUCT* view)
+// The gestures reach the elements where the first frame placed them, so one is drawn before them.
+// They go to the editor where there is one, else to the running view. False when a save failed.
+bool playScript(const Options& o, WINDOW_STRUCT* window, VIEW_STRUCT* view, Editor* editor)
 {
     if (o.events.empty())
-        return;
+        return true;
     drawFrame(window, view, o.zoom);
-    for (const PointerEvent& e : o.events)
-        krViewEvent(window, view, e.button, e.type, e.x, e.y);
+    for (const ScriptEvent& e : o.events) {
+        if (e.what == ScriptEvent::SaveKey) { // the script was read with keys only for the editor
+            if (!editor->save())
+                return false;
+        } else if (editor) {
+            editor->pointer(e.event, e.button, e.x, e.y, e.shift, e.ctrl);
+        } else {
+            krViewEvent(window, view, e.button, e.event, e.x, e.y);
+        }
+    }
+    return true;
 }
 
 // Mean and worst time of the frames drawn, each up to glFinish: what the library and the
@@ -358,6 +355,19 @@ ViewPtr loadRunningView(const std::string& file, bool animated)
     if (view && (animated ? krViewStartAnim(view.get()) : krViewStart(view.get())) != 0)
         std::fprintf(stderr, "korel2d-view: %s did not start; it is shown as stored\n", file.c_str());
     return view;
+}
+
+// The editor works on the stopped view.
+ViewPtr loadViewFor(const Options& o, bool animated)
+{
+    return o.edit ? loadView(o.file) : loadRunningView(o.file, animated);
+}
+
+std::unique_ptr<Editor> editorFor(const Options& o, WINDOW_STRUCT* window, VIEW_STRUCT* view)
+{
+    if (!o.edit)
+        return nullptr;
+    return std::make_unique<Editor>(window, view, o.save.empty() ? o.file : o.save);
 }
 
 // No GL context is made: the library keeps the pictures of image records in its own store.
@@ -421,7 +431,7 @@ int runAndPrintVariables(const Options& o)
     WindowPtr window(krWindowCreate(), krWindowFree);
     if (draws) {
         krWindowInit(window.get(), width, height);
-        replayEvents(o, window.get(), view.get());
+        playScript(o, window.get(), view.get(), nullptr);
     }
     if (o.anim) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10) * cycles);
@@ -533,6 +543,17 @@ private:
     GLXContext context_ = nullptr;
 };
 
+// A pointer event of the window: to the editor where there is one, with the modifier keys of
+// its state, else to the running view.
+void pointer(Editor* editor, WINDOW_STRUCT* window, VIEW_STRUCT* view, int button, int event, int x, int y,
+             unsigned state)
+{
+    if (editor)
+        editor->pointer(event, button, float(x), float(y), state & ShiftMask, state & ControlMask);
+    else
+        krViewEvent(window, view, button, event, float(x), float(y));
+}
+
 int showInWindow(Display* display, const Options& o, int width, int height)
 {
     GlxWindow x(display);
@@ -541,10 +562,11 @@ int showInWindow(Display* display, const Options& o, int width, int height)
         std::fprintf(stderr, "korel2d-view: no window: %s\n", why.c_str());
         return kFailed;
     }
-    ViewPtr view = loadRunningView(o.file, true);
+    ViewPtr view = loadViewFor(o, true);
     if (!view)
         return kFailed;
     WindowPtr window(krWindowCreate(), krWindowFree);
+    std::unique_ptr<Editor> editor = editorFor(o, window.get(), view.get());
     FrameTimes times;
 
     // Nothing here waits for the display's refresh, so frames are paced at about 60 per second
@@ -571,20 +593,23 @@ int showInWindow(Display* display, const Options& o, int width, int height)
             case KeyPress: {
                 KeySym key = XLookupKeysym(&event.xkey, 0);
                 open = key != XK_Escape && key != XK_q;
+                if (editor && key == XK_s)
+                    editor->save();
                 break;
             }
             case ButtonPress:
             case ButtonRelease:
                 // X numbers the buttons from 1 and uses 4 and up for the wheel, which views don't take.
                 if (event.xbutton.button >= Button1 && event.xbutton.button <= Button3)
-                    krViewEvent(window.get(), view.get(), int(event.xbutton.button - Button1),
-                                event.type == ButtonPress ? KR_EVENT_PRESS : KR_EVENT_RELEASE,
-                                float(event.xbutton.x), float(event.xbutton.y));
+                    pointer(editor.get(), window.get(), view.get(), int(event.xbutton.button - Button1),
+                            event.type == ButtonPress ? KR_EVENT_PRESS : KR_EVENT_RELEASE, event.xbutton.x,
+                            event.xbutton.y, event.xbutton.state);
                 break;
             case MotionNotify: {
                 const unsigned held = event.xmotion.state;
                 const int button = held & Button2Mask ? KR_MOUSE_CENTRE : held & Button3Mask ? KR_MOUSE_RIGHT : KR_MOUSE_LEFT;
-                krViewEvent(window.get(), view.get(), button, KR_EVENT_MOVE, float(event.xmotion.x), float(event.xmotion.y));
+                pointer(editor.get(), window.get(), view.get(), button, KR_EVENT_MOVE, event.xmotion.x,
+                        event.xmotion.y, held);
                 break;
             }
             case ClientMessage:
@@ -601,6 +626,8 @@ int showInWindow(Display* display, const Options& o, int width, int height)
             sized = true;
         }
         times.drawTimed(window.get(), view.get(), o.zoom);
+        if (editor)
+            editor->drawHandles();
         glXSwapBuffers(display, x.window());
         ++drawn;
         next = std::max(next + period, Clock::now());
@@ -621,34 +648,46 @@ int renderToPng(const Options& o, int width, int height)
         std::fprintf(stderr, "korel2d-view: no off-screen GL context: %s\n", why.c_str());
         return kFailed;
     }
-    ViewPtr view = loadRunningView(o.file, false);
+    ViewPtr view = loadViewFor(o, false);
     if (!view)
         return kFailed;
     WindowPtr window(krWindowCreate(), krWindowFree);
     krWindowInit(window.get(), width, height);
-    replayEvents(o, window.get(), view.get());
+    std::unique_ptr<Editor> editor = editorFor(o, window.get(), view.get());
+    if (!playScript(o, window.get(), view.get(), editor.get()))
+        return kFailed;
+    // What an edit makes is the saved file; a picture of it only where asked for.
+    if (editor && o.png.empty())
+        return kDone;
     FrameTimes times;
     GraphFeed graphs;
     for (int i = 0; i < std::max(o.frames, 1); ++i) {
         times.drawTimed(window.get(), view.get(), o.zoom);
         graphs.afterFrame(view.get());
     }
+    if (editor)
+        editor->drawHandles();
     if (!writePicture(o.png.empty() ? kDefaultPng : o.png, width, height, gl.kind()))
         return kFailed;
     times.print();
     return kDone;
 }
 
-// A window where a display answers and no --png asks for a file; else a picture off-screen.
+// A window where a display answers and neither --png nor --events asks for off-screen work; else
+// a picture off-screen. The editor needs a window or a script.
 int showOrRender(const Options& o)
 {
     int width = 0, height = 0;
     if (!pictureSize(o, &width, &height))
         return kFailed;
-    if (o.png.empty()) {
+    if (o.png.empty() && o.script.empty()) {
         XSetErrorHandler(onXError);
         if (Display* display = XOpenDisplay(nullptr))
             return showInWindow(display, o, width, height);
+        if (o.edit) {
+            std::fprintf(stderr, "korel2d-view: --edit needs an X display, or --events SCRIPT\n");
+            return kFailed;
+        }
     }
     return renderToPng(o, width, height);
 }
@@ -666,6 +705,10 @@ int main(int argc, char** argv)
     if (o.help) {
         std::fputs(helpText().c_str(), stdout);
         return kDone;
+    }
+    if (!o.script.empty() && !readEventScript(o.script, o.edit, &o.events, &wrong)) {
+        std::fprintf(stderr, "korel2d-view: %s\n", wrong.c_str());
+        return kBadArguments;
     }
     if (o.dump) {
         int status = dumpToStdout(o);

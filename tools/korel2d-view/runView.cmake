@@ -3,6 +3,7 @@
 # expressions MATCH0, MATCH1, ... With PICTURE, the checker (CHECK) then inspects that PNG as a
 # picture of the sample SAMPLE (the panel unless named) at ZOOM.
 # NO_DISPLAY hides any X server from the tool; KOREL_HOME, if given, is where it finds plug-ins.
+# ABSENT names a file that the tool must not have written.
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
 string(REPLACE "|" ";" args "${ARGS}")
@@ -17,6 +18,9 @@ execute_process(COMMAND ${VIEW} ${args} WORKING_DIRECTORY ${WORK}
 message("${output}")
 if(NOT status STREQUAL EXPECT)
   message(FATAL_ERROR "exit status ${status}, expected ${EXPECT}")
+endif()
+if(ABSENT AND EXISTS ${WORK}/${ABSENT})
+  message(FATAL_ERROR "${ABSENT} was written")
 endif()
 if(MATCH_COUNT GREATER 0)
   math(EXPR last "${MATCH_COUNT} - 1")
