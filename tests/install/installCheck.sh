@@ -3,7 +3,8 @@
 # a C++ host through find_package, and a C host through pkg-config that runs a view's sources by
 # dlopen, with the installed sample plug-in and then one built here against the installed header
 # alone, found through KOREL_HOME. The README's host program, built both ways as the README says,
-# draws VIEW (the sample panel). Last, what scripts/demo.sh builds, in a build directory of its
+# draws VIEW (the sample panel); the C++ host of KorelView.h, built both ways too, works the
+# controls view in a window where a display is. Last, what scripts/demo.sh builds, in a build directory of its
 # own, installs whole, and the installed demo host runs.
 #   installCheck.sh BUILD SOURCE VIEW [SOURCES_VIEW]   (SOURCES_VIEW: examples/sources.k2d)
 set -e
@@ -14,7 +15,7 @@ PREFIX=$(mktemp -d)
 trap 'rm -rf "$PREFIX"' EXIT
 cmake --install "$BUILD" --prefix "$PREFIX" >/dev/null
 LIBDIR=$(dirname "$(find "$PREFIX" -name libKorel2D.so.3 | head -n 1)")
-for file in include/Korel2D.h include/KorelEdit.h include/KorelDataSource.h bin/libKrdExample.so; do
+for file in include/Korel2D.h include/KorelEdit.h include/KorelDataSource.h include/KorelView.h bin/libKrdExample.so; do
   test -f "$PREFIX/$file"
 done
 test -L "$LIBDIR/libKorel2D.so"
@@ -27,7 +28,7 @@ test "$(pkg-config --modversion korel2d)" = "3.4.1"
 cc -std=c99 -Wall -Wextra -Werror -o "$PREFIX/cHost" "$SOURCE/cHost.c" $(pkg-config --cflags korel2d) -ldl
 
 cmake -S "$SOURCE/cmakeHost" -B "$PREFIX/cmakeHost" -DCMAKE_PREFIX_PATH="$PREFIX" \
-  -DMINIMAL_HOST="$ROOT/examples/host/minimalHost.c" >/dev/null
+  -DMINIMAL_HOST="$ROOT/examples/host/minimalHost.c" -DPANEL_HOST="$ROOT/examples/host/panelHost.cpp" >/dev/null
 cmake --build "$PREFIX/cmakeHost" >/dev/null
 LD_LIBRARY_PATH="$LIBDIR" "$PREFIX/cmakeHost/cmakeHost"
 
@@ -46,6 +47,21 @@ for host in "$PREFIX/minimalHost" "$PREFIX/cmakeHost/minimalHost"; do
   env -u LD_LIBRARY_PATH -u DISPLAY "$host" "$VIEW" | tee /dev/stderr |
     awk '{ exit !($(NF-2) >= 114 && $(NF-2) <= 116 && $(NF-1) >= 119 && $(NF-1) <= 121 && $NF >= 127 && $NF <= 129) }'
 done
+
+# The C++ host of KorelView.h, built as the README says and through CMake, moves the slider's
+# variable of the controls view and prints it back. The header stands alone: no library header.
+! grep -q '#include *["<]Korel' "$PREFIX/include/KorelView.h" ||
+  { echo "KorelView.h includes another header of the library" >&2; exit 1; }
+(cd "$PREFIX" && c++ -std=c++17 -o panelHost "$ROOT/examples/host/panelHost.cpp" $(pkg-config --cflags --libs korel2d) \
+  -lGL -lX11 -Wl,-rpath,"$(pkg-config --variable=libdir korel2d)")
+if [ -n "$DISPLAY" ]; then
+  for host in "$PREFIX/panelHost" "$PREFIX/cmakeHost/panelHost"; do
+    env -u LD_LIBRARY_PATH "$host" "$ROOT/examples/controls.k2d" | tee /dev/stderr | grep -x "LEVEL = 0.75" >/dev/null ||
+      { echo "$host did not print LEVEL = 0.75" >&2; exit 1; }
+  done
+else
+  echo "install check: no DISPLAY, so panelHost is built but not run (it opens a window)"
+fi
 
 test -f "$SOURCES_VIEW"
 SOURCES_VIEW="$(cd "$(dirname "$SOURCES_VIEW")" && pwd)/$(basename "$SOURCES_VIEW")"
