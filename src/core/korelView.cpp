@@ -159,7 +159,9 @@ public:
             return false;
         // The plane is rendered in the first frames of a run, when the host forces it, and
         // otherwise shown as it was last rendered.
-        const int mode = renderMode == eRenderDirect ? 2 : !force && framesToRender < 0 ? 0 : 1;
+        const int mode = renderMode == eRenderDirect           ? KR_PLANE_DIRECT
+                         : !force && framesToRender < 0 ? KR_PLANE_CACHED
+                                                         : KR_PLANE_RENDER;
         krViewDrawPlane(view, mode);
         if (framesToRender >= 0)
             --framesToRender;
