@@ -165,6 +165,40 @@ TEST_F(HandlesTest, CircleGraphAndTextFollowTheirHandles)
     EXPECT_NEAR(draw(view).ink().height(), stretched, 2);
 }
 
+// The rules a drag doesn't reach: from the point (30, 30), written into (-1, -1).
+struct PointCase {
+    const char* what;
+    int code;
+    float mx, my, outX, outY;
+    float width = 20; // of the box the grab points frame
+};
+
+const PointCase kPointCases[] = {
+    {"edge 4 moves x only", 4, 40, 99, 60, 30},
+    {"width 40 about the centre", KR_EDIT_WIDTH, 40, 0, 50, 30},
+    {"height 5 about the centre", KR_EDIT_HEIGHT, 0, 5, 30, 17.5f},
+    {"width 0 leaves the point", KR_EDIT_WIDTH, 0, 0, -1, -1},
+    {"mirror in x about the centre", KR_EDIT_MIRROR_X, 0, 0, -10, 30},
+    {"unknown code", 99, 1, 1, -1, -1},
+    {"a box of no width keeps x", 3, 40, 20, 30, 60, 0},
+};
+
+TEST(ResizeMove, PointRules)
+{
+    for (const PointCase& c : kPointCases) {
+        // The box (0, 0)-(width, 10): handles clockwise from the upper left, 9 the centre.
+        const float w = c.width, grab[10][2] = {{0, 0}, {0, 10}, {w / 2, 10}, {w, 10}, {w, 5},
+                                                {w, 0}, {w / 2, 0}, {0, 0}, {0, 5}, {w / 2, 5}};
+        ELEMENT_STRUCT e = {};
+        memcpy(e.grabPoints, grab, sizeof grab);
+        float x = -1, y = -1;
+        resizeMoveElement(&e, c.code, &x, &y, c.mx, c.my, 30, 30);
+        EXPECT_NEAR(x, c.outX, 1e-4) << c.what;
+        EXPECT_NEAR(y, c.outY, 1e-4) << c.what;
+    }
+    EXPECT_EQ(pointInRect(5, 5, 10, 10, 0, 0) + pointInRect(10, 0, 0, 10, 10, 0) + pointInRect(11, 5, 0, 0, 10, 10), 2);
+}
+
 // An update before a begin does nothing. Leaving an edit open costs nothing: the element is
 // freed with its saved copy (the leak checker watches).
 TEST_F(HandlesTest, PhasesWorkFromTheSavedStart)
