@@ -141,6 +141,7 @@ using EditGarbage = ViewTest;
 TEST_F(EditGarbage, RandomEditsOfSoundAndDamagedFilesDrawAndSave)
 {
     constexpr int kCopies = 25, kEdits = 50; // the first copy sound, the others damaged
+    constexpr size_t kHeaderSize = 38;        // kept whole, so that the copies load as views
     const std::string path = "/tmp/krGarbage" + std::to_string(getpid()) + ".k2d";
     std::mt19937 damage(7);
     int edited = 0;
@@ -151,7 +152,7 @@ TEST_F(EditGarbage, RandomEditsOfSoundAndDamagedFilesDrawAndSave)
         for (int copy = 0; copy < kCopies; ++copy) {
             std::vector<uint8_t> bytes = whole;
             for (int flips = copy ? 1 + int(damage() % 8) : 0; flips > 0; --flips)
-                bytes[38 + damage() % (bytes.size() - 38)] ^= uint8_t(1 + damage() % 255);
+                bytes[kHeaderSize + damage() % (bytes.size() - kHeaderSize)] ^= uint8_t(1 + damage() % 255);
             LoadedView loaded(bytes);
             if (!loaded.view)
                 continue;
