@@ -427,7 +427,7 @@ KOREL2D_API int calcVecTextNew(TEXT_STRUCT* record);
  *  not a text (nothing changes but the cut) or text is NULL. */
 KOREL2D_API int textSetNewText(ELEMENT_STRUCT* element, char* text);
 /** Edit of a text; value points to a KR_EDIT_VALUE. KR_EDIT_FONT_SIZE takes the family's size
- *  nearest value->number (written back there), scales the matrix by new / old fontSize and makes
+ *  nearest value->number, at least 1 (written back there), scales the matrix by new / old fontSize and makes
  *  the font anew; KR_EDIT_FONT_FAMILY takes value->string (cut to 63 characters) with the first
  *  style the family has when it lacks the current one and its size nearest fontSize, and a bitmap
  *  family resets the matrix and sets textSize = fontSize; KR_EDIT_FONT_STYLE sets the style;
