@@ -316,8 +316,17 @@ KOREL2D_API ACTION_STRUCT* actionCopy(const ACTION_STRUCT* source);
 
 /* ================================================================ 3. element kinds */
 
-/** Codes of an element's edit (ELEMENT_STRUCT.edit) that take effect at once, whatever the phase. */
+/** Codes of an element's edit (ELEMENT_STRUCT.edit) that take effect at once, whatever the phase.
+ *  A kind without the field a code sets ignores the code; each edit's comment names its fields. */
 enum {
+    KR_EDIT_STROKE_WIDTH = 20, /* width: the line width; a shape's stroke is on from width 1 */
+    KR_EDIT_STROKE_STYLE = 21, /* number: line style 0 to 9, with the stipple it stands for */
+    KR_EDIT_FILL = 22,         /* color: the fill colour; number: a shape's fill on or off */
+    KR_EDIT_STROKE = 23,       /* color: the line colour; number: a shape's stroke on or off */
+    KR_EDIT_ANTIALIAS = 24,    /* number: smoothing on or off */
+    KR_EDIT_FILL_ALPHA = 25,   /* color[0]: the fill colour's alpha */
+    KR_EDIT_STROKE_ALPHA = 26, /* color[0]: the line colour's alpha */
+    KR_EDIT_FILL_STYLE = 47,   /* number: fill pattern, with the bitmap it stands for */
     KR_EDIT_FONT_SIZE = 28,    /* number: wanted font size, replaced by the nearest the family has */
     KR_EDIT_TEXT = 120,        /* string: the new text */
     KR_EDIT_ALIGN = 121,       /* number: anchor, a KR_POS_... word */
@@ -418,15 +427,16 @@ KOREL2D_API int calcVecTextNew(TEXT_STRUCT* record);
  *  not a text (nothing changes but the cut) or text is NULL. */
 KOREL2D_API int textSetNewText(ELEMENT_STRUCT* element, char* text);
 /** Edit of a text; value points to a KR_EDIT_VALUE. KR_EDIT_FONT_SIZE takes the family's size
- *  nearest value->number (written back there), scales the matrix by new / old fontSize and makes
+ *  nearest value->number, at least 1 (written back there), scales the matrix by new / old fontSize and makes
  *  the font anew; KR_EDIT_FONT_FAMILY takes value->string (cut to 63 characters) with the first
  *  style the family has when it lacks the current one and its size nearest fontSize, and a bitmap
  *  family resets the matrix and sets textSize = fontSize; KR_EDIT_FONT_STYLE sets the style;
  *  KR_EDIT_TEXT is textSetNewText; KR_EDIT_ALIGN sets align alone. Font changes re-derive the box
  *  and raise the flag krTextUpdate reports. Codes 1 to 16 move, size and turn it as the other
- *  kinds' edits do; at their end an outline font is made anew at the size it now shows. Other
- *  codes only re-seed the look. @return 0, -1 for a null element or value or an element that is
- *  not a text. */
+ *  kinds' edits do; at their end an outline font is made anew at the size it now shows. The line
+ *  codes set strokeWidth, strokeStyle, strokeColor and its alpha, antialias; KR_EDIT_FILL_STYLE
+ *  fillStyle with its pattern. Other codes only re-seed the look. @return 0, -1 for a null
+ *  element or value or an element that is not a text. */
 KOREL2D_API int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
 /** Brings a fixed text of an old file to the present record: font "Courier [fixed]", style and
  *  size from fontCode 0 to 39 (40 and more keep both), textSize = fontSize, the position moved
@@ -722,22 +732,38 @@ KOREL2D_API void resizeMoveElement(ELEMENT_STRUCT* element, int code, float* out
                                    float oldX, float oldY);
 
 /** The edits of the kinds; value points to a KR_EDIT_VALUE. Codes 1 to 16 run through the phases
- *  (KR_EDIT_BEGIN ...), each ending with the geometry pass; any code re-seeds the look.
+ *  (KR_EDIT_BEGIN ...), each ending with the geometry pass; the other codes act in any phase, and
+ *  codes of points (arc ends, line ends, polygon points) end with the geometry pass too. Any code
+ *  re-seeds the look. A rectangle, polygon or circle takes every immediate code: the width sets
+ *  strokeWidth and turns the stroke on from 1; KR_EDIT_STROKE and KR_EDIT_FILL set the colour and
+ *  strokeOn or fillOn from value->number; the style codes set the stipple or pattern too.
  *  @return 0, -1 for a null element or value. */
 KOREL2D_API int editRect(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
-/** The edit of a polyline or polygon; codes 100 + n move the points of id n. As editRect. */
+/** The edit of a polyline or polygon; codes 100 + n move every point of id n to value->x, y, in
+ *  any phase. As editRect. */
 KOREL2D_API int editPoly(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
-/** The edit of a circle or arc: its matrix scales with its box. As editRect. */
+/** The edit of a circle or arc: its matrix scales with its box; KR_HANDLE_ARC_START and
+ *  KR_HANDLE_ARC_END set start or end to the angle of value->x, y (a turn back or on, so that
+ *  start stays before end). As editRect. */
 KOREL2D_API int editCircle(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
-/** The edit of a line: its two end points. As editRect. */
+/** The edit of a line: its two end points; codes 100 and 101 put the first or second at
+ *  value->x, y while an edit is in KR_EDIT_UPDATE. The line codes set strokeWidth, strokeStyle,
+ *  strokeColor and its alpha, antialias. As editRect. */
 KOREL2D_API int editLine(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
-/** The edit of a picture: its four corners. As editRect. */
+/** The edit of a picture: its four corners; KR_EDIT_FILL and KR_EDIT_FILL_ALPHA its tint
+ *  (fillColor), KR_EDIT_FILL_STYLE fillStyle alone. As editRect. */
 KOREL2D_API int editImage(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
-/** The edit of a button: its four corners. As editRect. */
+/** The edit of a button: its four corners; KR_EDIT_FILL and KR_EDIT_FILL_ALPHA its face
+ *  (color0), KR_EDIT_STROKE its light edge color1 and the dark edge color2 at 0.4 of it,
+ *  KR_EDIT_STROKE_ALPHA the alpha of both. As editRect. */
 KOREL2D_API int editButton(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
-/** The edit of a slider: its centre and size. As editRect. */
+/** The edit of a slider: its centre and size; the colour codes as a button's, on faceColor,
+ *  lightColor and darkColor. As editRect. */
 KOREL2D_API int editSlider(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
-/** The edit of a graph frame: its lower left corner and size. As editRect. */
+/** The edit of a graph frame: its lower left corner and size. The width sets outlineWidth,
+ *  KR_EDIT_STROKE_STYLE gridStyle with its stipple, KR_EDIT_FILL gridColor, KR_EDIT_STROKE
+ *  outlineColor, the alpha codes theirs; the font codes set the label font's size (1 to 40),
+ *  family (style and size following what it has) or style, and make it anew. As editRect. */
 KOREL2D_API int editGraph(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);
 /** The edit of a clip area: its four corners. As editRect. */
 KOREL2D_API int editScissor(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value);

@@ -182,12 +182,13 @@ int runKindEdit(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int 
 {
     if (!element || !value || !element->data)
         return -1;
+    const KR_EDIT_VALUE* v = static_cast<const KR_EDIT_VALUE*>(value);
     if (isBoxEditCode(code)) {
         switch (phase) {
         case KR_EDIT_BEGIN: beginEdit(element, stickies, kind); break;
         case KR_EDIT_UPDATE:
             if (element->editData)
-                kind.apply(element, element->editData, code, static_cast<const KR_EDIT_VALUE*>(value));
+                kind.apply(element, element->editData, code, v);
             break;
         case KR_EDIT_END:
             if (element->editData && kind.finish)
@@ -202,6 +203,11 @@ int runKindEdit(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int 
         }
         if (element->setPickSticky)
             element->setPickSticky(element);
+    } else if (kind.movePointCode && kind.movePointCode(element, code, phase, v)) {
+        if (element->setPickSticky)
+            element->setPickSticky(element);
+    } else if (kind.style) {
+        applyStyleCode(kind.style(element->data), code, v);
     }
     if (kind.setAttr)
         kind.setAttr(element);

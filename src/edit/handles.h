@@ -46,6 +46,55 @@ private:
 // The usual handles of a box-shaped kind: 1 to 8 and the centre on its bounds, then the frame.
 void addBoundsStickies(ELEMENT_STRUCT* element);
 
+// Where a kind keeps what the immediate codes (KR_EDIT_STROKE_WIDTH ...) set; a null field is
+// one the kind lacks, and its code leaves the kind alone.
+struct StyleFields {
+    float* width = nullptr;
+    int32_t* strokeOn = nullptr; // a shape's: KR_EDIT_STROKE's number, or on from a width of 1
+    int32_t* lineStyle = nullptr;
+    int32_t* stippleFactor = nullptr;
+    uint16_t* stipplePattern = nullptr;
+    int32_t* fillOn = nullptr;
+    float* fill = nullptr;
+    float* stroke = nullptr;
+    float* shade = nullptr; // a bevel's dark side: 0.4 of the stroke colour, its alpha alike
+    int32_t* antialias = nullptr;
+    int32_t* fillStyle = nullptr;
+    uint8_t* fillPattern = nullptr; // 128 bytes
+    // A label font the kind owns, made anew after each change.
+    KR_FONT* font = nullptr;
+    char* fontFamily = nullptr; // 64 bytes
+    int32_t* fontStyle = nullptr;
+    int32_t* fontSize = nullptr;
+};
+
+// The fields of the stroked and filled shapes (rectangle, polygon, circle), named alike in each.
+template <class Record> StyleFields shapeStyle(void* data)
+{
+    Record* r = static_cast<Record*>(data);
+    StyleFields f;
+    f.width = &r->strokeWidth;
+    f.strokeOn = &r->strokeOn;
+    f.lineStyle = &r->strokeStyle;
+    f.stippleFactor = &r->stippleFactor;
+    f.stipplePattern = &r->stipplePattern;
+    f.fillOn = &r->fillOn;
+    f.fill = r->fillColor;
+    f.stroke = r->strokeColor;
+    f.antialias = &r->antialias;
+    f.fillStyle = &r->fillStyle;
+    f.fillPattern = r->fillPattern;
+    return f;
+}
+
+// Applies one immediate code to the fields a kind has.
+void applyStyleCode(const StyleFields& fields, int code, const KR_EDIT_VALUE* value);
+
+// After a change of family: a style the family has (the present one if they share a bit) and
+// the family's size nearest the wanted one.
+int styleOfFamily(const char* family, int style);
+int nearestSize(const char* family, int style, int wanted);
+
 // How the phased edit reaches one kind's record.
 struct KindEdit {
     size_t recordSize;
@@ -58,6 +107,11 @@ struct KindEdit {
     void (*ownSaved)(void* saved) = nullptr;
     // Optional: runs at the end of an edit, before the geometry pass.
     void (*finish)(ELEMENT_STRUCT* element) = nullptr;
+    // Optional: where the immediate codes write.
+    StyleFields (*style)(void* record) = nullptr;
+    // Optional: a code of the kind's own points (arc ends, line ends, polygon points) in this
+    // phase; true where it moved one, so that the geometry pass follows.
+    bool (*movePointCode)(ELEMENT_STRUCT* element, int code, int phase, const KR_EDIT_VALUE* value) = nullptr;
 };
 
 inline bool isBoxEditCode(int code)
@@ -66,7 +120,8 @@ inline bool isBoxEditCode(int code)
 }
 
 // The edit protocol for one kind: codes of the box go through the phases, each phase ending
-// with the geometry pass; the look is seeded after every code.
+// with the geometry pass; the kind's point codes and the immediate codes act at once. The
+// look is seeded after every code.
 int runKindEdit(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value,
                 const KindEdit& kind);
 // Frees the saved record of an edit that was begun and not ended.

@@ -36,9 +36,21 @@ int buttonSetPickSticky(ELEMENT_STRUCT* element)
     return buttonSetAttr(element);
 }
 
+// The face is the fill; the light edge the stroke, the dark edge its shade.
+static StyleFields buttonStyle(void* data)
+{
+    BUTTON_STRUCT* b = static_cast<BUTTON_STRUCT*>(data);
+    StyleFields f;
+    f.fill = b->color0;
+    f.stroke = b->color1;
+    f.shade = b->color2;
+    return f;
+}
+
 int editButton(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    static const KindEdit kind{sizeof(BUTTON_STRUCT), applyCorners<BUTTON_STRUCT>, buttonSetAttr};
+    static const KindEdit kind{sizeof(BUTTON_STRUCT), applyCorners<BUTTON_STRUCT>, buttonSetAttr, nullptr, nullptr,
+                               buttonStyle};
     return runKindEdit(element, stickies, code, phase, value, kind);
 }
 

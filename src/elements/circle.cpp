@@ -55,6 +55,8 @@ int circleSetAttr(ELEMENT_STRUCT* element)
 // finest step), it keeps an end animated or edited to an absurd angle from stalling a frame.
 constexpr int kMaxArcPoints = 1 << 16;
 
+constexpr double kWholeTurn = 6.283185308;
+
 // Visits the angles from start to end, `step` apart; the last one lands exactly on end, so an
 // end that is a whole number of steps away is visited twice. Nothing for an end before the
 // start. Where the step no longer moves the angle (angles too large for it, a step that is
@@ -94,6 +96,16 @@ static void rimPoint(const CIRCLE_STRUCT* c, float a, float* x, float* y)
     const float u = c->rx * std::cos(-a), v = c->ry * std::sin(-a);
     *x = c->matrix[0] * u + c->matrix[1] * v;
     *y = c->matrix[2] * u + c->matrix[3] * v;
+}
+
+// The direction of a point about the centre on the unit shape, the point taken back through
+// the matrix; counter-clockwise, as atan2 counts. A singular matrix yields no number.
+static double unitDirection(const CIRCLE_STRUCT* c, float x, float y)
+{
+    const double m00 = c->matrix[0], m01 = c->matrix[1], m10 = c->matrix[2], m11 = c->matrix[3];
+    const double dx = double(x) - c->x, dy = double(y) - c->y;
+    const double d = 1.0 / (m00 * m11 - m01 * m10);
+    return std::atan2(d * (m00 * dy - m10 * dx), d * (m11 * dx - m01 * dy));
 }
 
 static void rimVertices(const CIRCLE_STRUCT* c, float end, float step)
@@ -139,9 +151,32 @@ static void applyCircle(ELEMENT_STRUCT* element, const void* saved, int code, co
     applyMatrixShape(element, code, value, &c->x, &c->y, c->matrix, o->x, o->y, o->matrix, o->localBounds);
 }
 
+// The rim angle of a point, clockwise from 0 to a whole turn.
+static float angleOfPoint(const CIRCLE_STRUCT* c, float x, float y)
+{
+    const double a = unitDirection(c, x, y);
+    return float(a > 0 ? kWholeTurn - a : -a);
+}
+
+// An end handle sets its angle where the pointer is; the section keeps start before end by
+// taking the new angle a turn back (start) or on (end).
+static bool moveArcEnd(ELEMENT_STRUCT* element, int code, int, const KR_EDIT_VALUE* value)
+{
+    if (code != KR_HANDLE_ARC_START && code != KR_HANDLE_ARC_END)
+        return false;
+    CIRCLE_STRUCT* c = static_cast<CIRCLE_STRUCT*>(element->data);
+    const float angle = angleOfPoint(c, value->x, value->y);
+    if (code == KR_HANDLE_ARC_START)
+        c->start = angle > c->end ? float(angle - kWholeTurn) : angle;
+    else
+        c->end = c->start > angle ? float(angle + kWholeTurn) : angle;
+    return true;
+}
+
 int editCircle(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    static const KindEdit kind{sizeof(CIRCLE_STRUCT), applyCircle, circleSetAttr};
+    static const KindEdit kind{sizeof(CIRCLE_STRUCT), applyCircle, circleSetAttr, nullptr, nullptr,
+                               shapeStyle<CIRCLE_STRUCT>, moveArcEnd};
     return runKindEdit(element, stickies, code, phase, value, kind);
 }
 
@@ -188,8 +223,7 @@ int pickCircle(ELEMENT_STRUCT* element, float x, float y)
     const CIRCLE_STRUCT* c = static_cast<CIRCLE_STRUCT*>(element->data);
     const double m00 = c->matrix[0], m01 = c->matrix[1], m10 = c->matrix[2], m11 = c->matrix[3];
     const double dx = double(x) - c->x, dy = double(y) - c->y;
-    const double d = 1.0 / (m00 * m11 - m01 * m10);
-    const double a = std::atan2(d * (m00 * dy - m10 * dx), d * (m11 * dx - m01 * dy));
+    const double a = unitDirection(c, x, y);
     const double u = c->rx * std::cos(a), v = c->ry * std::sin(a);
     const double rimX = m00 * u + m01 * v, rimY = m10 * u + m11 * v;
     return std::sqrt(rimX * rimX + rimY * rimY) >= std::sqrt(dx * dx + dy * dy);

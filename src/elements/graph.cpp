@@ -125,9 +125,27 @@ static void applyGraph(ELEMENT_STRUCT* element, const void* saved, int code, con
     g->height = std::fabs(y[0] - y[1]);
 }
 
+// The frame's outline is its stroke, the grid its line style and fill colour.
+static StyleFields graphStyle(void* data)
+{
+    GRAPH_STRUCT* g = static_cast<GRAPH_STRUCT*>(data);
+    StyleFields f;
+    f.width = &g->outlineWidth;
+    f.lineStyle = &g->gridStyle;
+    f.stippleFactor = &g->gridStippleFactor;
+    f.stipplePattern = &g->gridStipplePattern;
+    f.fill = g->gridColor;
+    f.stroke = g->outlineColor;
+    f.font = &g->font;
+    f.fontFamily = g->fontFamily;
+    f.fontStyle = &g->fontStyle;
+    f.fontSize = &g->fontSize;
+    return f;
+}
+
 int editGraph(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    static const KindEdit kind{sizeof(GRAPH_STRUCT), applyGraph, graphSetAttr};
+    static const KindEdit kind{sizeof(GRAPH_STRUCT), applyGraph, graphSetAttr, nullptr, nullptr, graphStyle};
     return runKindEdit(element, stickies, code, phase, value, kind);
 }
 

@@ -49,9 +49,20 @@ int imageSetPickSticky(ELEMENT_STRUCT* element)
     return imageSetAttr(element);
 }
 
+// A picture is tinted by its fill colour; its pattern stays as loaded.
+static StyleFields imageStyle(void* data)
+{
+    IMAGE_STRUCT* image = static_cast<IMAGE_STRUCT*>(data);
+    StyleFields f;
+    f.fill = image->fillColor;
+    f.fillStyle = &image->fillStyle;
+    return f;
+}
+
 int editImage(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    static const KindEdit kind{sizeof(IMAGE_STRUCT), applyCorners<IMAGE_STRUCT>, imageSetAttr};
+    static const KindEdit kind{sizeof(IMAGE_STRUCT), applyCorners<IMAGE_STRUCT>, imageSetAttr, nullptr, nullptr,
+                               imageStyle};
     return runKindEdit(element, stickies, code, phase, value, kind);
 }
 

@@ -65,9 +65,35 @@ static void applyLine(ELEMENT_STRUCT* element, const void* saved, int code, cons
     movePoint(element, code, value, &l->x2, &l->y2, o->x2, o->y2);
 }
 
+static StyleFields lineStyle(void* data)
+{
+    LINE_STRUCT* l = static_cast<LINE_STRUCT*>(data);
+    StyleFields f;
+    f.width = &l->strokeWidth;
+    f.lineStyle = &l->strokeStyle;
+    f.stippleFactor = &l->stippleFactor;
+    f.stipplePattern = &l->stipplePattern;
+    f.stroke = l->strokeColor;
+    f.antialias = &l->antialias;
+    return f;
+}
+
+// An end dragged by its handle follows the pointer while the drag lasts.
+static bool moveLineEnd(ELEMENT_STRUCT* element, int code, int phase, const KR_EDIT_VALUE* value)
+{
+    if (phase != KR_EDIT_UPDATE || (code != KR_HANDLE_POINT && code != KR_HANDLE_POINT + 1))
+        return false;
+    LINE_STRUCT* l = static_cast<LINE_STRUCT*>(element->data);
+    const bool first = code == KR_HANDLE_POINT;
+    (first ? l->x1 : l->x2) = value->x;
+    (first ? l->y1 : l->y2) = value->y;
+    return true;
+}
+
 int editLine(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    static const KindEdit kind{sizeof(LINE_STRUCT), applyLine, lineSetAttr};
+    static const KindEdit kind{sizeof(LINE_STRUCT), applyLine, lineSetAttr, nullptr, nullptr, lineStyle,
+                               moveLineEnd};
     return runKindEdit(element, stickies, code, phase, value, kind);
 }
 

@@ -128,9 +128,26 @@ static void applyPoly(ELEMENT_STRUCT* element, const void* saved, int code, cons
         movePoint(element, code, value, &c->x, &c->y, s->x, s->y);
 }
 
+// A point's handle moves every point of its id, in any phase: a reader may have given several
+// points one id, and they stay together.
+static bool movePolyPoint(ELEMENT_STRUCT* element, int code, int, const KR_EDIT_VALUE* value)
+{
+    if (code < KR_HANDLE_POINT)
+        return false;
+    // Handle ids wrap as the geometry pass made them.
+    const uint32_t id = uint32_t(code) - uint32_t(KR_HANDLE_POINT);
+    for (COORD_STRUCT* c = static_cast<POLY_STRUCT*>(element->data)->coords; c; c = c->next)
+        if (uint32_t(c->id) == id) {
+            c->x = value->x;
+            c->y = value->y;
+        }
+    return true;
+}
+
 int editPoly(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    static const KindEdit kind{sizeof(POLY_STRUCT), applyPoly, polySetAttr, savePolyPoints};
+    static const KindEdit kind{sizeof(POLY_STRUCT), applyPoly, polySetAttr, savePolyPoints, nullptr,
+                               shapeStyle<POLY_STRUCT>, movePolyPoint};
     return runKindEdit(element, stickies, code, phase, value, kind);
 }
 

@@ -46,7 +46,8 @@ int rectSetPickSticky(ELEMENT_STRUCT* element)
 
 int editRect(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    static const KindEdit kind{sizeof(RECT_STRUCT), applyCorners<RECT_STRUCT>, rectSetAttr};
+    static const KindEdit kind{sizeof(RECT_STRUCT), applyCorners<RECT_STRUCT>, rectSetAttr, nullptr, nullptr,
+                               shapeStyle<RECT_STRUCT>};
     return runKindEdit(element, stickies, code, phase, value, kind);
 }
 

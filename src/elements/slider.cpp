@@ -57,9 +57,20 @@ static void applySlider(ELEMENT_STRUCT* element, const void* saved, int code, co
     s->height = 2 * std::fabs(cy - y);
 }
 
+// The face is the fill; the lit bevel the stroke, the dark one its shade.
+static StyleFields sliderStyle(void* data)
+{
+    SLIDER_STRUCT* s = static_cast<SLIDER_STRUCT*>(data);
+    StyleFields f;
+    f.fill = s->faceColor;
+    f.stroke = s->lightColor;
+    f.shade = s->darkColor;
+    return f;
+}
+
 int editSlider(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    static const KindEdit kind{sizeof(SLIDER_STRUCT), applySlider, sliderSetAttr};
+    static const KindEdit kind{sizeof(SLIDER_STRUCT), applySlider, sliderSetAttr, nullptr, nullptr, sliderStyle};
     return runKindEdit(element, stickies, code, phase, value, kind);
 }
 

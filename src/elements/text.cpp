@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 
 static TEXT_STRUCT textDefaults(int textSize)
@@ -208,36 +207,6 @@ int drawText(TEXT_STRUCT* t, ELEMENT_ATTR* attr, int selected)
     return 0;
 }
 
-// The family's size nearest the wanted one; the first wins a tie, and a family that takes any
-// size keeps the wish.
-static int nearestSize(const char* family, int style, int wanted)
-{
-    int count = 0;
-    int* sizes = gkFamilyGetSizes(family, style, &count);
-    int best = wanted;
-    long long bestDistance = 100000;
-    for (int i = 0; i < count; ++i) {
-        const long long distance = std::llabs(static_cast<long long>(sizes[i]) - wanted);
-        if (distance < bestDistance)
-            best = sizes[i], bestDistance = distance;
-    }
-    if (count > 0)
-        gkFree(sizes);
-    return best;
-}
-
-// A style the family has: the current one if it shares a bit with them, else the first it has.
-static int styleOfFamily(const char* family, int style)
-{
-    const int has = gkFamilyGetStyles(family);
-    if (style & has)
-        return style;
-    for (int bit : {GK_PLAIN, GK_BOLD, GK_ITALIC, GK_BOLD_ITALIC})
-        if (has & bit)
-            return bit;
-    return style;
-}
-
 static void applyText(ELEMENT_STRUCT* element, const void* saved, int code, const KR_EDIT_VALUE* value)
 {
     TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
@@ -260,22 +229,34 @@ static void finishText(ELEMENT_STRUCT* element)
     updateFlag = 1;
 }
 
+static StyleFields textStyle(void* data)
+{
+    TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(data);
+    StyleFields f;
+    f.width = &t->strokeWidth;
+    f.lineStyle = &t->strokeStyle;
+    f.stippleFactor = &t->stippleFactor;
+    f.stipplePattern = &t->stipplePattern;
+    f.stroke = t->strokeColor;
+    f.antialias = &t->antialias;
+    f.fillStyle = &t->fillStyle;
+    f.fillPattern = t->fillPattern;
+    return f;
+}
+
 int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
 {
-    if (!element || !value || element->type != KR_TEXT)
+    if (!element || !value || !element->data || element->type != KR_TEXT)
         return -1;
-    if (isBoxEditCode(code)) {
-        static const KindEdit kind{sizeof(TEXT_STRUCT), applyText, textSetAttr, nullptr, finishText};
-        return runKindEdit(element, stickies, code, phase, value, kind);
-    }
     TEXT_STRUCT* t = static_cast<TEXT_STRUCT*>(element->data);
     KR_EDIT_VALUE* v = static_cast<KR_EDIT_VALUE*>(value);
-    bool fontChanged = true;
     switch (code) {
     case KR_EDIT_FONT_SIZE: {
-        const int size = nearestSize(t->fontFamily, t->fontStyle, v->number);
+        // At least a pixel, so that the matrix keeps a finite factor; a damaged file's size of
+        // 0 or below leaves the matrix alone.
+        const int size = std::max(nearestSize(t->fontFamily, t->fontStyle, v->number), 1);
         v->number = size;
-        const float factor = float(size) / float(t->fontSize);
+        const float factor = t->fontSize > 0 ? float(size) / float(t->fontSize) : 1.0f;
         for (float& m : t->matrix)
             m *= factor;
         t->fontSize = size;
@@ -305,14 +286,15 @@ int editTextx(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int ph
         textSetNewText(element, v->string);
         return textSetAttr(element);
     case KR_EDIT_ALIGN: t->align = v->number; return textSetAttr(element);
-    default: fontChanged = false; break;
+    default: {
+        static const KindEdit kind{sizeof(TEXT_STRUCT), applyText, textSetAttr, nullptr, finishText, textStyle};
+        return runKindEdit(element, stickies, code, phase, value, kind);
     }
-    if (fontChanged) {
-        textSetPickSticky(element);
-        updateFlag = 1;
     }
-    textSetAttr(element);
-    return 0;
+    // The font changed: the box follows, and a host learns to redraw.
+    textSetPickSticky(element);
+    updateFlag = 1;
+    return textSetAttr(element);
 }
 
 // Older files: what they stored of a text, brought to the present record.
