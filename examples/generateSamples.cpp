@@ -553,10 +553,21 @@ VariableFields autoVariable(const char* name, int wave, int frequency, const cha
     return {type, name, "", {{wave, ""}, {frequency, ""}, {0, min}, {0, max}}};
 }
 
+// A pointer action on `var`: on which event it works, how it writes and over which range.
+ActionFields pointerAction(int id, const char* var, int what, int mode, float min, float max, int clamp = 0,
+                           float inc = 1)
+{
+    ActionFields a = action(id, KR_ACTION_INPUT, var, 0, 1, 0, 1);
+    a.mouseAction = what, a.mouseMode = mode, a.mouseMin = min, a.mouseMax = max, a.mouseClamp = clamp;
+    a.mouseInc = inc;
+    return a;
+}
+
 // The panel that moves, on test signals of the Auto source: a needle on a sine, a bar that
 // fills with a triangle wave, a lamp that changes colour with the sine, an arc gauge on a saw
 // tooth and an alarm that blinks while a square wave is high. Each instrument has its scale,
-// its unit and its value in digits below it.
+// its unit and its value in digits below it. The bar also shows a setpoint, an internal variable
+// that hosts set, or the pointer on the bar.
 std::vector<uint8_t> live()
 {
     ViewBuilder b;
@@ -573,6 +584,18 @@ std::vector<uint8_t> live()
     barScale(b, "bar scale", 314, 100, 300, 5, 1, 0, 100, "%.0f");
     b.text(caption(345, 320, "LEVEL  %", 14, kFrame), "bar unit", "bar-unit-ID");
     readout(b, "bar readout", 345, 50, 7, 18, shown(8, "TRIANGLE", "%5.1f %%", 0, 1, 0, 100));
+    // A setpoint that the host sets, or the pointer: a press or a drag over the bar puts it at
+    // that height. The marker beside the bar, stored at 0 %, rides on it.
+    RectFields area = filled(320, 100, 370, 300, kCyan);
+    area.fillOn = 0;
+    b.actions({pointerAction(10, "SETPOINT", KR_MOUSE_ACTION_MOVEY, KR_MOUSE_MODE_SET, 0, 100, 1)})
+        .rect(area, "setpoint area", "setpoint-area-ID");
+    PolyFields marker;
+    marker.closed = 1, marker.fillOn = 1, marker.strokeWidth = 1;
+    setColour(marker.fill, kYellow);
+    setColour(marker.stroke, kFrame);
+    marker.points = {{0, 372, 100}, {1, 384, 94}, {2, 384, 106}};
+    b.actions({action(11, KR_ACTION_MOVE_Y, "SETPOINT", 0, 100, 0, 200)}).cpoly(marker, "setpoint", "setpoint-ID");
 
     // A saw tooth as the end of an arc that sweeps the upper half, in per cent.
     CircleFields gauge;
@@ -611,7 +634,10 @@ std::vector<uint8_t> live()
     signals.varParamCount = 4;
     signals.variables = {autoVariable("SIN", 0, 4, "-1.0", "1.0"), autoVariable("TRIANGLE", 4, 3, "0.0", "1.0"),
                          autoVariable("SAW", 5, 4, "0.0", "1.0"), autoVariable("ALARM", 7, 3, "0.0", "1.0")};
-    b.dataSection({signals});
+    SourceFields host;
+    host.id = KRD_TYPE_INTERNAL;
+    host.variables = {{KR_VAR_FLOAT, "SETPOINT", "50", {}}};
+    b.dataSection({signals, host});
     return b.bytes();
 }
 
@@ -950,16 +976,6 @@ std::vector<uint8_t> feed()
 }
 
 // ---------------------------------------------------------------- worked by the pointer
-
-// A pointer action on `var`: on which event it works, how it writes and over which range.
-ActionFields pointerAction(int id, const char* var, int what, int mode, float min, float max, int clamp = 0,
-                           float inc = 1)
-{
-    ActionFields a = action(id, KR_ACTION_INPUT, var, 0, 1, 0, 1);
-    a.mouseAction = what, a.mouseMode = mode, a.mouseMin = min, a.mouseMax = max, a.mouseClamp = clamp;
-    a.mouseInc = inc;
-    return a;
-}
 
 // A button from (x0, y0) to (x1, y1) worked by `actions`, its label on its face. The label has
 // no action of its own, so the pointer goes through it to the button.

@@ -1,9 +1,9 @@
 // A C++ host with a window of its own: it opens an X window with a GLX context and then works
-// the view only through Korel2D::KorelView. It starts the view, drawn through a texture, and in
-// a few frames moves the slider's variable LEVEL up to 0.75 and presses the PUSH button with the
-// pointer; then it prints what the view holds and stops it.
-// Usage: panelHost examples/controls.k2d (needs an X display); the README's host section shows
-// how to build it.
+// the view only through Korel2D::KorelView. It starts the live panel, drawn through a texture,
+// sets the bar's setpoint in a few frames, then moves it with the pointer, prints what the view
+// holds and stops it.
+// Usage: panelHost examples/live.k2d (needs an X display); the README's host section shows how
+// to build it.
 #include <KorelView.h>
 
 #include <GL/gl.h>
@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr int kWidth = 800, kHeight = 400, kFrames = 3;
-// The centre of the PUSH button of examples/controls.k2d, in view units (y upwards).
-constexpr double kPushX = 262, kPushY = 230;
+constexpr int kWidth = 640, kHeight = 400, kFrames = 3;
+// 40 % up the bar of examples/live.k2d, in view units (y upwards).
+constexpr double kBarX = 345, kBarY = 180;
 
 struct GlWindow {
     Display* display = nullptr;
@@ -98,23 +98,24 @@ int main(int argc, char** argv)
         } else {
             view.setRenderMode(Korel2D::eRenderPlane);
             view.startView(false); // each draw runs one data cycle
-            long pushed = 0;
             for (int frame = 1; frame <= kFrames; ++frame) {
-                view.setVar("LEVEL", 0.25 * frame);
-                if (frame == 2) {
-                    view.setEvent(Korel2D::eMouseLeft, Korel2D::eEventPress, kPushX, kPushY);
-                    view.getVar("PUSH", pushed);
-                    view.setEvent(Korel2D::eMouseLeft, Korel2D::eEventRelease, kPushX, kPushY);
-                }
+                view.setVar("SETPOINT", 25.0 * frame);
                 glClear(GL_COLOR_BUFFER_BIT);
-                view.draw(true); // rendered anew, as the values changed
+                view.draw(true); // rendered anew, as a value changed
                 glXSwapBuffers(w.display, w.window);
             }
-            double level = 0;
-            if (view.getVar("LEVEL", level)) {
-                std::printf("LEVEL = %g\nPUSH = %ld while pressed\n", level, pushed);
+            double set = 0, pointed = 0;
+            view.getVar("SETPOINT", set);
+            // A press on the bar puts the setpoint at that height.
+            view.setEvent(Korel2D::eMouseLeft, Korel2D::eEventPress, kBarX, kBarY);
+            view.setEvent(Korel2D::eMouseLeft, Korel2D::eEventRelease, kBarX, kBarY);
+            if (view.getVar("SETPOINT", pointed)) {
+                std::printf("SETPOINT = %g\nSETPOINT = %g after a press on the bar\n", set, pointed);
                 status = 0;
             }
+            glClear(GL_COLOR_BUFFER_BIT);
+            view.draw(true);
+            glXSwapBuffers(w.display, w.window);
             view.stopView();
         }
     } // the view goes before its context

@@ -56,8 +56,8 @@ done
   -lGL -lX11 -Wl,-rpath,"$(pkg-config --variable=libdir korel2d)")
 if [ -n "$DISPLAY" ]; then
   for host in "$PREFIX/panelHost" "$PREFIX/cmakeHost/panelHost"; do
-    env -u LD_LIBRARY_PATH "$host" "$ROOT/examples/controls.k2d" | tee /dev/stderr | grep -x "LEVEL = 0.75" >/dev/null ||
-      { echo "$host did not print LEVEL = 0.75" >&2; exit 1; }
+    env -u LD_LIBRARY_PATH "$host" "$ROOT/examples/live.k2d" | tee /dev/stderr | grep -x "SETPOINT = 75" >/dev/null ||
+      { echo "$host did not print SETPOINT = 75" >&2; exit 1; }
   done
 else
   echo "install check: no DISPLAY, so panelHost is built but not run (it opens a window)"
