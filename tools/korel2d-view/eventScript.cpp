@@ -14,6 +14,7 @@ const char* const kEventScriptHelp =
     "SCRIPT is a file of lines, one gesture each, in window pixels from the upper left corner:\n"
     "  press X Y [WORDS]   move X Y [WORDS]   release X Y [WORDS]   key s\n"
     "WORDS: shift, ctrl (keys held), button N (0 left, the default; 1 centre; 2 right).\n"
+    "Keys held at a press stay held through its moves and release.\n"
     "'#' starts a comment. \"key s\" saves the view, with --edit only.\n";
 
 namespace {
@@ -88,6 +89,7 @@ bool readEventScript(const std::string& path, bool keys, std::vector<ScriptEvent
         return false;
     }
     std::string text;
+    bool shiftHeld = false, ctrlHeld = false; // since the last press
     for (int line = 1; std::getline(file, text); ++line) {
         ScriptEvent event = {ScriptEvent::Pointer, KR_EVENT_MOVE, 0, 0, KR_MOUSE_LEFT, false, false, line};
         bool empty = false;
@@ -96,8 +98,15 @@ bool readEventScript(const std::string& path, bool keys, std::vector<ScriptEvent
             *error = path + ":" + std::to_string(line) + ": " + wrong;
             return false;
         }
-        if (!empty)
-            events->push_back(event);
+        if (empty)
+            continue;
+        if (event.what == ScriptEvent::Pointer && event.event == KR_EVENT_PRESS) {
+            shiftHeld = event.shift, ctrlHeld = event.ctrl;
+        } else {
+            event.shift = event.shift || shiftHeld;
+            event.ctrl = event.ctrl || ctrlHeld;
+        }
+        events->push_back(event);
     }
     return true;
 }

@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-// One line of a script. Pointer events carry the modifier keys held, as X reports them with each event.
+// One line of a script. Pointer events carry the modifier keys held, as X reports them with each
+// event: those of its own line and, for a move or a release, those held at the last press.
 struct ScriptEvent {
     enum What { Pointer, SaveKey } what;
     int event;  // KR_EVENT_PRESS, _RELEASE or _MOVE
