@@ -176,8 +176,13 @@ static void renderPlane(VIEW_STRUCT* view)
     // Making the texture left texturing and blending on.
     disableForPlane();
     DRAW_SETTINGS settings = prepareForPlane(view, 1.0f);
+    // Cleared to transparent black, so that what the page doesn't paint stays see-through; the
+    // host's own clear colour is given back.
+    GLfloat hostClear[4];
+    glGetFloatv(GL_COLOR_CLEAR_VALUE, hostClear);
     glClearColor(0, 0, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT);
+    glClearColor(hostClear[0], hostClear[1], hostClear[2], hostClear[3]);
     walk(view, &settings);
     glFlush();
     fillRenderTexture(view);
