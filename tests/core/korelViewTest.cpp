@@ -35,17 +35,12 @@ bool loadInto(KorelView& view, const ViewBuilder& b)
     return view.load(b.bytes().data(), uint32_t(b.size()));
 }
 
-VariableFields variable(int type, const char* name)
-{
-    return {type, name, "", {}};
-}
-
 TEST_F(Facade, ValuesConvertByTheVariablesType)
 {
     const std::vector<VariableFields> variables = {
-        variable(KR_VAR_INT32, "i32"), variable(KR_VAR_UINT32, "u32"), variable(KR_VAR_INT64, "i64"),
-        variable(KR_VAR_UINT64, "u64"), variable(KR_VAR_FLOAT, "f"),   variable(KR_VAR_DOUBLE, "d"),
-        variable(KR_VAR_TEXT, "t")};
+        {KR_VAR_INT32, "i32", "", {}}, {KR_VAR_UINT32, "u32", "", {}}, {KR_VAR_INT64, "i64", "", {}},
+        {KR_VAR_UINT64, "u64", "", {}}, {KR_VAR_FLOAT, "f", "", {}}, {KR_VAR_DOUBLE, "d", "", {}},
+        {KR_VAR_TEXT, "t", "", {}}};
     // A constant holds all 64 bits of its value, which setVar can't write.
     const SourceFields constant{2, {}, 1, {{KR_VAR_INT64, "big", "", {{0, "4294967297"}}}}};
     KorelView view;
@@ -100,11 +95,10 @@ TEST_F(Facade, PlaneModeRunsTheDataCycleOnlyWhileItRenders)
         view.setRenderMode(mode);
         ASSERT_TRUE(view.startView(false));
         long runs[2] = {0, 0}; // after ten plain draws, and after one forced
-        for (int frame = 0; frame < 10; ++frame)
-            view.draw(false);
-        view.getVar("EX_RUNS", runs[0]);
-        view.draw(true);
-        view.getVar("EX_RUNS", runs[1]);
+        for (int frame = 0; frame < 11; ++frame) {
+            view.draw(frame == 10);
+            view.getVar("EX_RUNS", runs[frame / 10]);
+        }
         const bool plane = mode == Korel2D::eRenderPlane;
         EXPECT_EQ(std::make_pair(runs[0], runs[1]), std::make_pair(plane ? 4L : 10L, plane ? 5L : 11L)) << "mode " << mode;
     }
@@ -118,11 +112,9 @@ TEST_F(Facade, PointerFindsTheTopmostElement)
     release.mouseAction = KR_MOUSE_ACTION_RELEASE;
     ViewBuilder b = blackPage();
     b.rect(box(0, 0, 40, 40), "under").rect(box(20, 20, 60, 60), "over");
-    ButtonFields push;
-    push.x0 = push.y0 = 100, push.x1 = 180, push.y1 = 130;
-    b.actions({press, release}).button(push, "push");
-    b.dataSection({internalSource({variable(KR_VAR_FLOAT, "pressed"), variable(KR_VAR_FLOAT, "released")}),
-                   SourceFields{2, {}, 1, {variable(KR_VAR_INT32, "k")}}});
+    b.actions({press, release}).button({100, 100, 180, 130}, "push");
+    b.dataSection({internalSource({{KR_VAR_FLOAT, "pressed", "", {}}, {KR_VAR_FLOAT, "released", "", {}}}),
+                   SourceFields{2, {}, 1, {{KR_VAR_INT32, "k", "", {}}}}});
     TempFile file(b.bytes());
     KorelView view;
     std::string name = "none";
