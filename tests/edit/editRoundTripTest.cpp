@@ -116,28 +116,11 @@ struct RandomEdits {
     }
 };
 
-TEST(EditRoundTrip, RandomEditsOfEverySampleComeBackAsSaved)
-{
-    const std::vector<std::string> samples = samplePaths();
-    const std::string path = "/tmp/krEdited" + std::to_string(getpid()) + ".k2d";
-    for (unsigned round = 0; round < 100; ++round) {
-        const std::string& sample = samples[round % samples.size()];
-        FileView edited(sample);
-        ASSERT_EQ(edited.result, 0) << sample;
-        RandomEdits edits{std::mt19937(round), &edited.view};
-        for (int i = 0; i < 100; ++i)
-            edits.applyOne();
-        ASSERT_EQ(saveFile(path.c_str(), edited.view.elements, edited.view.dataTypes, &edited.view), 0);
-        FileView back(path);
-        ASSERT_EQ(back.result, 0) << "round " << round << " of " << sample;
-        ASSERT_EQ(firstStoredDifference(&edited.view, &back.view), "") << "round " << round << " of " << sample;
-    }
-    remove(path.c_str());
-}
-
 using EditGarbage = ViewTest;
 
-// 10,000 edits in all: each sample and damaged copies of it, every edit drawn and saved.
+// 10,000 rounds in all, on each sample and damaged copies of it: an edit through the element's
+// own interface and one through the object interface, drawn and saved; the file saved from the
+// sound copy then brings back every stored field.
 TEST_F(EditGarbage, RandomEditsOfSoundAndDamagedFilesDrawAndSave)
 {
     constexpr int kCopies = 25, kEdits = 50; // the first copy sound, the others damaged
@@ -159,9 +142,15 @@ TEST_F(EditGarbage, RandomEditsOfSoundAndDamagedFilesDrawAndSave)
             RandomEdits edits{std::mt19937(unsigned(copy)), loaded.view};
             for (int i = 0; i < kEdits; ++i, ++edited) {
                 edits.editElement();
+                edits.applyOne();
                 ASSERT_EQ(krWindowClear(window, loaded.view), 0);
                 ASSERT_EQ(krViewDraw(window, loaded.view, 0, 0, 1), 0);
                 saveFile(path.c_str(), loaded.view->elements, loaded.view->dataTypes, loaded.view);
+            }
+            FileView back(path);
+            ASSERT_EQ(back.result, 0) << "copy " << copy << " of " << sample;
+            if (copy == 0) { // a damaged copy need not come back field for field
+                EXPECT_EQ(firstStoredDifference(loaded.view, &back.view), "") << sample;
             }
         }
     }
