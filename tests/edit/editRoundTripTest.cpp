@@ -42,36 +42,15 @@ struct RandomEdits {
         return special[below(7)];
     }
     std::string text() { return std::string(size_t(below(301)), char('A' + below(26))); }
-    // A pointer of no number, far off, on one of the element's grab points or near its box.
+    // A pointer anywhere, of no number even, on one of the element's grab points or near its box.
     float pointer(const ELEMENT_STRUCT* e, int axis)
     {
-        static const float far[] = {std::nanf(""), 1e30f, -1e30f};
+        const float low = e->bounds[axis], high = e->bounds[axis + 2];
         switch (below(4)) {
-        case 0: return far[below(3)];
+        case 0: return number();
         case 1: return e->grabPoints[below(10)][axis];
-        default:
-            return e->bounds[axis] + (e->bounds[axis + 2] - e->bounds[axis]) *
-                                         std::uniform_real_distribution<float>(-1, 2)(rng);
+        default: return low + (high - low) * std::uniform_real_distribution<float>(-1, 2)(rng);
         }
-    }
-
-    // The element's edit as a tool might call it, modifiers and all, with any code in any phase.
-    void editElement()
-    {
-        int count = 0;
-        ELEMENT_STRUCT* e = pick(krObjGetAll(view, &count), &count);
-        if (!e || !e->edit)
-            return;
-        setShift(below(2));
-        setCtrl(below(2));
-        KR_EDIT_VALUE v = {};
-        v.x = pointer(e, 0), v.y = pointer(e, 1), v.width = number();
-        for (float& c : v.color)
-            c = below(2) ? number() : float(below(2));
-        v.number = below(2) ? whole() : below(20);
-        const std::string t = text(); // without a terminator when it fills the field
-        memcpy(v.string, t.data(), std::min(t.size() + 1, sizeof v.string));
-        e->edit(e, e->stickies, below(131), below(5), &v);
     }
 
     // One entry of a list the interface hands out, or null for an empty one.
@@ -82,13 +61,27 @@ struct RandomEdits {
         return one;
     }
 
-    void applyOne()
+    // An element's own edit as a tool might call it, modifiers and all, with any code in any
+    // phase; then one through the object interface.
+    void editOnce()
     {
         int count = 0;
         ELEMENT_STRUCT* e = pick(krObjGetAll(view, &count), &count);
         ACTION_STRUCT* a = pick(krActionGetAll(e, &count), &count);
         DD_DATA_TYPE_STRUCT* s = pick(krDataSourceGetAll(view, &count), &count);
         VARIABLE_STRUCT* v = pick(krVarGetAll(s, &count), &count);
+        if (e && e->edit) {
+            setShift(below(2));
+            setCtrl(below(2));
+            KR_EDIT_VALUE value = {};
+            value.x = pointer(e, 0), value.y = pointer(e, 1), value.width = number();
+            for (float& c : value.color)
+                c = below(2) ? number() : float(below(2));
+            value.number = below(2) ? whole() : below(20);
+            const std::string t = text(); // without a terminator when it fills the field
+            memcpy(value.string, t.data(), std::min(t.size() + 1, sizeof value.string));
+            e->edit(e, e->stickies, below(131), below(5), &value);
+        }
         switch (below(10)) {
         case 0: {
             OBJ_ATTR attr;
@@ -141,8 +134,7 @@ TEST_F(EditGarbage, RandomEditsOfSoundAndDamagedFilesDrawAndSave)
                 continue;
             RandomEdits edits{std::mt19937(unsigned(copy)), loaded.view};
             for (int i = 0; i < kEdits; ++i, ++edited) {
-                edits.editElement();
-                edits.applyOne();
+                edits.editOnce();
                 ASSERT_EQ(krWindowClear(window, loaded.view), 0);
                 ASSERT_EQ(krViewDraw(window, loaded.view, 0, 0, 1), 0);
                 saveFile(path.c_str(), loaded.view->elements, loaded.view->dataTypes, loaded.view);

@@ -64,8 +64,7 @@ TEST_F(HandlesTest, EachKindListsItsHandlesInItsOrder)
     for (auto [x, zoom, id] : {std::tuple{203.9f, 1, 3}, {204.0f, 1, 0}, {201.9f, 2, 3}, {202.0f, 2, 0}})
         EXPECT_EQ(findSticky(handles, x, 150, float(zoom)), id) << x << " at zoom " << zoom;
     EXPECT_EQ(findSticky(handles, 200, 150, 1), 3);
-    EXPECT_EQ(getSticky(handles, 3)->hit, 1);
-    EXPECT_EQ(getSticky(handles, 1)->hit, 0);
+    EXPECT_EQ(std::pair(int(getSticky(handles, 3)->hit), int(getSticky(handles, 1)->hit)), std::pair(1, 0));
     // The frame comes last: from it, the list holds only a frame, which is never hit.
     EXPECT_EQ(findSticky(getSticky(handles, KR_HANDLE_FRAME), 100, 100, 1), 0);
 }
@@ -138,7 +137,6 @@ TEST_F(HandlesTest, CircleGraphAndTextFollowTheirHandles)
     const Ink after = draw(view).ink();
     EXPECT_NEAR(after.x0, 150, 1);
     EXPECT_NEAR(after.x1, 300, 1);
-    EXPECT_NEAR((after.x0 + after.x1) / 2.0, 225, 1);
     EXPECT_EQ(after.height(), before.height());
 
     view = load(blackPage().graph({0, 100, 100, 400, 200}));

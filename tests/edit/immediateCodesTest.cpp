@@ -17,9 +17,6 @@ enum Page { kRect, kCircle, kLine, kPoly, kText, kImage, kButton, kSlider, kGrap
 
 ViewBuilder page(Page p)
 {
-    ImageFields white;
-    white.x0 = white.y0 = 100, white.x1 = white.y1 = 200, white.width = white.height = 2;
-    white.pixels.assign(16, 255);
     switch (p) {
     case kRect: return blackPage().rect({100, 100, 300, 200, 1, 2});
     case kCircle: return blackPage().circle({200, 150}); // radius 50, white outline, pale yellow
@@ -27,7 +24,7 @@ ViewBuilder page(Page p)
     case kPoly: return blackPage().cpoly({1, 1, 3, 0, {1, 1, 1, 1}, 1, {0, 1, 0, 1}, 0, 0,
                                           {{0, 100, 100}, {1, 300, 100}, {2, 200, 250}}});
     case kText: return blackPage().text({});
-    case kImage: return blackPage().image(white);
+    case kImage: return blackPage().image({100, 100, 200, 200, {1, 1, 1, 1}, 2, 2, 0, std::vector<uint8_t>(16, 255)});
     case kButton: return blackPage().button({100, 100, 300, 200});
     case kSlider: return blackPage().slider({200, 150, 40, 200});
     case kGraph: return blackPage().graph({0, 100, 100, 200, 100});
