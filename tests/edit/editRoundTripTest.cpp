@@ -8,8 +8,6 @@
 #include "StoredView.h"
 #include "ViewFixture.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <cstdio>
 #include <fstream>
