@@ -28,11 +28,6 @@ Value readAs(KorelView& view, const std::string& name, const Value& expected)
     return got;
 }
 
-bool loadInto(KorelView& view, const ViewBuilder& b)
-{
-    return view.load(b.bytes().data(), uint32_t(b.size()));
-}
-
 TEST_F(Facade, ValuesConvertByTheVariablesType)
 {
     const std::vector<VariableFields> variables = {
@@ -41,8 +36,9 @@ TEST_F(Facade, ValuesConvertByTheVariablesType)
         {KR_VAR_TEXT, "t", "", {}}};
     // A constant holds all 64 bits of its value, which setVar can't write.
     const SourceFields constant{2, {}, 1, {{KR_VAR_INT64, "big", "", {{0, "4294967297"}}}}};
+    const ViewBuilder page = blackPage().dataSection({internalSource(variables), constant});
     KorelView view;
-    ASSERT_TRUE(loadInto(view, blackPage().dataSection({internalSource(variables), constant})));
+    ASSERT_TRUE(view.load(page.bytes().data(), uint32_t(page.size())));
     EXPECT_FALSE(view.setVar("i32", 5));
     ASSERT_TRUE(view.startView(false));
     EXPECT_FALSE(view.setVar("unknown", 5));
@@ -72,8 +68,7 @@ TEST_F(Facade, ValuesConvertByTheVariablesType)
     EXPECT_EQ(readAs(view, "big", "1"), Value("1"));
     EXPECT_EQ(readAs(view, "big", 0L), Value(4294967297L));
     // A second start fails, and the variables are closed to the host although the view runs on.
-    EXPECT_FALSE(view.startView(false));
-    EXPECT_FALSE(view.setVar("i32", 1L));
+    EXPECT_FALSE(view.startView(false) || view.setVar("i32", 1L));
     EXPECT_TRUE(view.stopView());
     long value = kUntouched;
     EXPECT_FALSE(view.getVar("i32", value) || view.setVar("i32", 1L));
@@ -89,8 +84,9 @@ TEST_F(Facade, PlaneModeRunsTheDataCycleOnlyWhileItRenders)
     dirs.copy(PluginDirs::Place::HomeBin, examplePlugin());
     const SourceFields example{100, {{0, "0"}, {0, "label"}}, 1, {{KR_VAR_INT32, "EX_RUNS", "", {{0, "RUNS"}}}}};
     for (const auto mode : {Korel2D::eRenderDirect, Korel2D::eRenderPlane}) {
+        const ViewBuilder page = blackPage().rect(box(0, 0, 10, 10)).dataSection({example});
         KorelView view;
-        ASSERT_TRUE(loadInto(view, blackPage().rect(box(0, 0, 10, 10)).dataSection({example})));
+        ASSERT_TRUE(view.load(page.bytes().data(), uint32_t(page.size())));
         view.setRenderMode(mode);
         view.setPosition(100.7, 50);
         view.setZoom(2);
@@ -115,8 +111,7 @@ TEST_F(Facade, PointerFindsTheTopmostElement)
 {
     ActionFields press = act(KR_ACTION_INPUT, "pressed"), release = act(KR_ACTION_INPUT, "released");
     release.mouseAction = KR_MOUSE_ACTION_RELEASE;
-    ViewBuilder b = blackPage();
-    b.rect(box(0, 0, 40, 40), "under").rect(box(20, 20, 60, 60), "over");
+    ViewBuilder b = blackPage().rect(box(0, 0, 40, 40), "under").rect(box(20, 20, 60, 60), "over");
     b.actions({press, release}).button({100, 100, 180, 130}, "push");
     b.dataSection({internalSource({{KR_VAR_FLOAT, "pressed", "", {}}, {KR_VAR_FLOAT, "released", "", {}}}),
                    SourceFields{2, {}, 1, {{KR_VAR_INT32, "k", "", {}}}}});
@@ -134,13 +129,12 @@ TEST_F(Facade, PointerFindsTheTopmostElement)
 
     ASSERT_TRUE(view.startView(false));
     view.draw(false); // places the elements as the pointer finds them
-    const struct { int button; double pressed, released; } rows[] = {
-        {Korel2D::eMouseLeft, 1, 1}, {7, 1, 1}, {Korel2D::eMouseRight, 0, 0}};
+    const struct { Korel2D::eMouseButton button; double pressed, released; } rows[] = {
+        {Korel2D::eMouseLeft, 1, 1}, {Korel2D::eMouseButton(7), 1, 1}, {Korel2D::eMouseRight, 0, 0}};
     for (const auto& row : rows) {
         view.setVar("pressed", 0.0), view.setVar("released", 0.0);
-        const auto button = Korel2D::eMouseButton(row.button);
-        view.setEvent(button, Korel2D::eEventPress, 140, 115);
-        view.setEvent(button, Korel2D::eEventRelease, -1000, -1000); // reaches the pressed element
+        view.setEvent(row.button, Korel2D::eEventPress, 140, 115);
+        view.setEvent(row.button, Korel2D::eEventRelease, -1000, -1000); // reaches the pressed element
         EXPECT_EQ(readAs(view, "pressed", 0.0), Value(row.pressed)) << "button " << row.button;
         EXPECT_EQ(readAs(view, "released", 0.0), Value(row.released)) << "button " << row.button;
     }

@@ -8,11 +8,11 @@
 #include "StoredView.h"
 #include "ViewFixture.h"
 
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
-#include <limits>
 #include <random>
 #include <string>
 #include <unistd.h>
@@ -29,14 +29,12 @@ struct RandomEdits {
     int below(int n) { return int(rng() % unsigned(n)); }
     float number()
     {
-        constexpr float inf = std::numeric_limits<float>::infinity();
-        static const float special[] = {0, -1, -250.5f, 1e30f, -1e30f, std::nanf(""), inf, -inf, 2.5f};
+        static const float special[] = {0, -1, -250.5f, 1e30f, -1e30f, NAN, HUGE_VALF, -HUGE_VALF, 2.5f};
         return below(3) ? std::uniform_real_distribution<float>(-600, 600)(rng) : special[below(9)];
     }
     int whole()
     {
-        static const int special[] = {0, -7, 1, 30, 1000, std::numeric_limits<int>::max(),
-                                      std::numeric_limits<int>::min()};
+        static const int special[] = {0, -7, 1, 30, 1000, INT_MAX, INT_MIN};
         return special[below(7)];
     }
     std::string text() { return std::string(size_t(below(301)), char('A' + below(26))); }

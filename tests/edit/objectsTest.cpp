@@ -42,8 +42,7 @@ TEST_F(ObjectsTest, FindsAndSizesChildrenBeforeAndWithinTheirGroup)
     EXPECT_EQ(names(hits, count), (std::vector<std::string>{"same", "square", "same"}));
     EXPECT_EQ(hits[0], child);
     // The line reaches 5 units at zoom 1, half as far at zoom 2.
-    hits = krObjPickView(view, 20, 46, &count);
-    EXPECT_EQ(names(hits, count), (std::vector<std::string>{"across"}));
+    EXPECT_EQ(krObjPickView(view, 20, 46, &count)[0], view->elements);
     EXPECT_EQ(krObjPickView(view, 20, 55, &count), nullptr);
     draw(view, 0, 0, 2);
     EXPECT_EQ(krObjPick(window, view, 40, 300 - 106, &count), nullptr) << "3 units off";
