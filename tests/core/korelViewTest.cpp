@@ -5,8 +5,6 @@
 #include "PluginDirs.h"
 #include "ViewFixture.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <string>
 #include <variant>
@@ -30,26 +28,17 @@ Value readAs(KorelView& view, const std::string& name, const Value& expected)
     return got;
 }
 
-bool loadInto(KorelView& view, const ViewBuilder& b)
-{
-    return view.load(b.bytes().data(), uint32_t(b.size()));
-}
-
-VariableFields variable(int type, const char* name)
-{
-    return {type, name, "", {}};
-}
-
 TEST_F(Facade, ValuesConvertByTheVariablesType)
 {
     const std::vector<VariableFields> variables = {
-        variable(KR_VAR_INT32, "i32"), variable(KR_VAR_UINT32, "u32"), variable(KR_VAR_INT64, "i64"),
-        variable(KR_VAR_UINT64, "u64"), variable(KR_VAR_FLOAT, "f"),   variable(KR_VAR_DOUBLE, "d"),
-        variable(KR_VAR_TEXT, "t")};
+        {KR_VAR_INT32, "i32", "", {}}, {KR_VAR_UINT32, "u32", "", {}}, {KR_VAR_INT64, "i64", "", {}},
+        {KR_VAR_UINT64, "u64", "", {}}, {KR_VAR_FLOAT, "f", "", {}}, {KR_VAR_DOUBLE, "d", "", {}},
+        {KR_VAR_TEXT, "t", "", {}}};
     // A constant holds all 64 bits of its value, which setVar can't write.
     const SourceFields constant{2, {}, 1, {{KR_VAR_INT64, "big", "", {{0, "4294967297"}}}}};
+    const ViewBuilder page = blackPage().dataSection({internalSource(variables), constant});
     KorelView view;
-    ASSERT_TRUE(loadInto(view, blackPage().dataSection({internalSource(variables), constant})));
+    ASSERT_TRUE(view.load(page.bytes().data(), uint32_t(page.size())));
     EXPECT_FALSE(view.setVar("i32", 5));
     ASSERT_TRUE(view.startView(false));
     EXPECT_FALSE(view.setVar("unknown", 5));
@@ -79,8 +68,7 @@ TEST_F(Facade, ValuesConvertByTheVariablesType)
     EXPECT_EQ(readAs(view, "big", "1"), Value("1"));
     EXPECT_EQ(readAs(view, "big", 0L), Value(4294967297L));
     // A second start fails, and the variables are closed to the host although the view runs on.
-    EXPECT_FALSE(view.startView(false));
-    EXPECT_FALSE(view.setVar("i32", 1L));
+    EXPECT_FALSE(view.startView(false) || view.setVar("i32", 1L));
     EXPECT_TRUE(view.stopView());
     long value = kUntouched;
     EXPECT_FALSE(view.getVar("i32", value) || view.setVar("i32", 1L));
@@ -88,25 +76,32 @@ TEST_F(Facade, ValuesConvertByTheVariablesType)
 }
 
 // Drawn through a texture, the view asks its sources in the first frames after the start and
-// then only when the host forces a rendering; drawn directly, in every frame.
+// then only when the host forces a rendering; drawn directly, in every frame, with the page
+// placed by the position and zoom in the host's matrices.
 TEST_F(Facade, PlaneModeRunsTheDataCycleOnlyWhileItRenders)
 {
     PluginDirs dirs;
     dirs.copy(PluginDirs::Place::HomeBin, examplePlugin());
     const SourceFields example{100, {{0, "0"}, {0, "label"}}, 1, {{KR_VAR_INT32, "EX_RUNS", "", {{0, "RUNS"}}}}};
     for (const auto mode : {Korel2D::eRenderDirect, Korel2D::eRenderPlane}) {
+        const ViewBuilder page = blackPage().rect(box(0, 0, 10, 10)).dataSection({example});
         KorelView view;
-        ASSERT_TRUE(loadInto(view, blackPage().dataSection({example})));
+        ASSERT_TRUE(view.load(page.bytes().data(), uint32_t(page.size())));
         view.setRenderMode(mode);
+        view.setPosition(100.7, 50);
+        view.setZoom(2);
         ASSERT_TRUE(view.startView(false));
         long runs[2] = {0, 0}; // after ten plain draws, and after one forced
-        for (int frame = 0; frame < 10; ++frame)
-            view.draw(false);
-        view.getVar("EX_RUNS", runs[0]);
-        view.draw(true);
-        view.getVar("EX_RUNS", runs[1]);
+        for (int frame = 0; frame < 11; ++frame) {
+            view.draw(frame == 10);
+            view.getVar("EX_RUNS", runs[frame / 10]);
+        }
         const bool plane = mode == Korel2D::eRenderPlane;
         EXPECT_EQ(std::make_pair(runs[0], runs[1]), std::make_pair(plane ? 4L : 10L, plane ? 5L : 11L)) << "mode " << mode;
+        if (plane) // how the plane is shown: planeTest
+            continue;
+        const Ink ink = Frame::grab().ink();
+        EXPECT_EQ(ink, (Ink{ink.lit, 100, 50, 120, 70})) << ink.x0 << "," << ink.y0 << " " << ink.x1 << "," << ink.y1;
     }
 }
 
@@ -116,13 +111,10 @@ TEST_F(Facade, PointerFindsTheTopmostElement)
 {
     ActionFields press = act(KR_ACTION_INPUT, "pressed"), release = act(KR_ACTION_INPUT, "released");
     release.mouseAction = KR_MOUSE_ACTION_RELEASE;
-    ViewBuilder b = blackPage();
-    b.rect(box(0, 0, 40, 40), "under").rect(box(20, 20, 60, 60), "over");
-    ButtonFields push;
-    push.x0 = push.y0 = 100, push.x1 = 180, push.y1 = 130;
-    b.actions({press, release}).button(push, "push");
-    b.dataSection({internalSource({variable(KR_VAR_FLOAT, "pressed"), variable(KR_VAR_FLOAT, "released")}),
-                   SourceFields{2, {}, 1, {variable(KR_VAR_INT32, "k")}}});
+    ViewBuilder b = blackPage().rect(box(0, 0, 40, 40), "under").rect(box(20, 20, 60, 60), "over");
+    b.actions({press, release}).button({100, 100, 180, 130}, "push");
+    b.dataSection({internalSource({{KR_VAR_FLOAT, "pressed", "", {}}, {KR_VAR_FLOAT, "released", "", {}}}),
+                   SourceFields{2, {}, 1, {{KR_VAR_INT32, "k", "", {}}}}});
     TempFile file(b.bytes());
     KorelView view;
     std::string name = "none";
@@ -137,30 +129,15 @@ TEST_F(Facade, PointerFindsTheTopmostElement)
 
     ASSERT_TRUE(view.startView(false));
     view.draw(false); // places the elements as the pointer finds them
-    const struct { int button; double pressed, released; } rows[] = {
-        {Korel2D::eMouseLeft, 1, 1}, {7, 1, 1}, {Korel2D::eMouseRight, 0, 0}};
+    const struct { Korel2D::eMouseButton button; double pressed, released; } rows[] = {
+        {Korel2D::eMouseLeft, 1, 1}, {Korel2D::eMouseButton(7), 1, 1}, {Korel2D::eMouseRight, 0, 0}};
     for (const auto& row : rows) {
         view.setVar("pressed", 0.0), view.setVar("released", 0.0);
-        const auto button = Korel2D::eMouseButton(row.button);
-        view.setEvent(button, Korel2D::eEventPress, 140, 115);
-        view.setEvent(button, Korel2D::eEventRelease, -1000, -1000); // reaches the pressed element
-        double pressed = -1, released = -1;
-        EXPECT_TRUE(view.getVar("pressed", pressed) && view.getVar("released", released));
-        EXPECT_EQ(std::make_pair(pressed, released), std::make_pair(row.pressed, row.released)) << "button " << row.button;
+        view.setEvent(row.button, Korel2D::eEventPress, 140, 115);
+        view.setEvent(row.button, Korel2D::eEventRelease, -1000, -1000); // reaches the pressed element
+        EXPECT_EQ(readAs(view, "pressed", 0.0), Value(row.pressed)) << "button " << row.button;
+        EXPECT_EQ(readAs(view, "released", 0.0), Value(row.released)) << "button " << row.button;
     }
-}
-
-// The position and zoom place the page in the host's matrices.
-TEST_F(Facade, DrawPlacesThePage)
-{
-    KorelView view;
-    ASSERT_TRUE(loadInto(view, blackPage().rect(box(0, 0, 10, 10))));
-    view.setPosition(100.7, 50);
-    view.setZoom(2);
-    EXPECT_TRUE(view.draw(false));
-    const Ink ink = Frame::grab().ink();
-    EXPECT_EQ(ink, (Ink{ink.lit, 100, 50, 120, 70})) << ink.x0 << "," << ink.y0 << " " << ink.x1 << "," << ink.y1;
-    EXPECT_EQ(view.width() + view.height(), 700);
 }
 
 } // namespace

@@ -8,13 +8,11 @@
 #include "StoredView.h"
 #include "ViewFixture.h"
 
-#include <gtest/gtest.h>
-
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
-#include <limits>
 #include <random>
 #include <string>
 #include <unistd.h>
@@ -31,47 +29,24 @@ struct RandomEdits {
     int below(int n) { return int(rng() % unsigned(n)); }
     float number()
     {
-        constexpr float inf = std::numeric_limits<float>::infinity();
-        static const float special[] = {0, -1, -250.5f, 1e30f, -1e30f, std::nanf(""), inf, -inf, 2.5f};
+        static const float special[] = {0, -1, -250.5f, 1e30f, -1e30f, NAN, HUGE_VALF, -HUGE_VALF, 2.5f};
         return below(3) ? std::uniform_real_distribution<float>(-600, 600)(rng) : special[below(9)];
     }
     int whole()
     {
-        static const int special[] = {0, -7, 1, 30, 1000, std::numeric_limits<int>::max(),
-                                      std::numeric_limits<int>::min()};
+        static const int special[] = {0, -7, 1, 30, 1000, INT_MAX, INT_MIN};
         return special[below(7)];
     }
     std::string text() { return std::string(size_t(below(301)), char('A' + below(26))); }
-    // A pointer of no number, far off, on one of the element's grab points or near its box.
+    // A pointer anywhere, of no number even, on one of the element's grab points or near its box.
     float pointer(const ELEMENT_STRUCT* e, int axis)
     {
-        static const float far[] = {std::nanf(""), 1e30f, -1e30f};
+        const float low = e->bounds[axis], high = e->bounds[axis + 2];
         switch (below(4)) {
-        case 0: return far[below(3)];
+        case 0: return number();
         case 1: return e->grabPoints[below(10)][axis];
-        default:
-            return e->bounds[axis] + (e->bounds[axis + 2] - e->bounds[axis]) *
-                                         std::uniform_real_distribution<float>(-1, 2)(rng);
+        default: return low + (high - low) * std::uniform_real_distribution<float>(-1, 2)(rng);
         }
-    }
-
-    // The element's edit as a tool might call it, modifiers and all, with any code in any phase.
-    void editElement()
-    {
-        int count = 0;
-        ELEMENT_STRUCT* e = pick(krObjGetAll(view, &count), &count);
-        if (!e || !e->edit)
-            return;
-        setShift(below(2));
-        setCtrl(below(2));
-        KR_EDIT_VALUE v = {};
-        v.x = pointer(e, 0), v.y = pointer(e, 1), v.width = number();
-        for (float& c : v.color)
-            c = below(2) ? number() : float(below(2));
-        v.number = below(2) ? whole() : below(20);
-        const std::string t = text(); // without a terminator when it fills the field
-        memcpy(v.string, t.data(), std::min(t.size() + 1, sizeof v.string));
-        e->edit(e, e->stickies, below(131), below(5), &v);
     }
 
     // One entry of a list the interface hands out, or null for an empty one.
@@ -82,13 +57,27 @@ struct RandomEdits {
         return one;
     }
 
-    void applyOne()
+    // An element's own edit as a tool might call it, modifiers and all, with any code in any
+    // phase; then one through the object interface.
+    void editOnce()
     {
         int count = 0;
         ELEMENT_STRUCT* e = pick(krObjGetAll(view, &count), &count);
         ACTION_STRUCT* a = pick(krActionGetAll(e, &count), &count);
         DD_DATA_TYPE_STRUCT* s = pick(krDataSourceGetAll(view, &count), &count);
         VARIABLE_STRUCT* v = pick(krVarGetAll(s, &count), &count);
+        if (e && e->edit) {
+            setShift(below(2));
+            setCtrl(below(2));
+            KR_EDIT_VALUE value = {};
+            value.x = pointer(e, 0), value.y = pointer(e, 1), value.width = number();
+            for (float& c : value.color)
+                c = below(2) ? number() : float(below(2));
+            value.number = below(2) ? whole() : below(20);
+            const std::string t = text(); // without a terminator when it fills the field
+            memcpy(value.string, t.data(), std::min(t.size() + 1, sizeof value.string));
+            e->edit(e, e->stickies, below(131), below(5), &value);
+        }
         switch (below(10)) {
         case 0: {
             OBJ_ATTR attr;
@@ -116,28 +105,11 @@ struct RandomEdits {
     }
 };
 
-TEST(EditRoundTrip, RandomEditsOfEverySampleComeBackAsSaved)
-{
-    const std::vector<std::string> samples = samplePaths();
-    const std::string path = "/tmp/krEdited" + std::to_string(getpid()) + ".k2d";
-    for (unsigned round = 0; round < 100; ++round) {
-        const std::string& sample = samples[round % samples.size()];
-        FileView edited(sample);
-        ASSERT_EQ(edited.result, 0) << sample;
-        RandomEdits edits{std::mt19937(round), &edited.view};
-        for (int i = 0; i < 100; ++i)
-            edits.applyOne();
-        ASSERT_EQ(saveFile(path.c_str(), edited.view.elements, edited.view.dataTypes, &edited.view), 0);
-        FileView back(path);
-        ASSERT_EQ(back.result, 0) << "round " << round << " of " << sample;
-        ASSERT_EQ(firstStoredDifference(&edited.view, &back.view), "") << "round " << round << " of " << sample;
-    }
-    remove(path.c_str());
-}
-
 using EditGarbage = ViewTest;
 
-// 10,000 edits in all: each sample and damaged copies of it, every edit drawn and saved.
+// 10,000 rounds in all, on each sample and damaged copies of it: an edit through the element's
+// own interface and one through the object interface, drawn and saved; the file saved from the
+// sound copy then brings back every stored field.
 TEST_F(EditGarbage, RandomEditsOfSoundAndDamagedFilesDrawAndSave)
 {
     constexpr int kCopies = 25, kEdits = 50; // the first copy sound, the others damaged
@@ -158,10 +130,15 @@ TEST_F(EditGarbage, RandomEditsOfSoundAndDamagedFilesDrawAndSave)
                 continue;
             RandomEdits edits{std::mt19937(unsigned(copy)), loaded.view};
             for (int i = 0; i < kEdits; ++i, ++edited) {
-                edits.editElement();
+                edits.editOnce();
                 ASSERT_EQ(krWindowClear(window, loaded.view), 0);
                 ASSERT_EQ(krViewDraw(window, loaded.view, 0, 0, 1), 0);
                 saveFile(path.c_str(), loaded.view->elements, loaded.view->dataTypes, loaded.view);
+            }
+            FileView back(path);
+            ASSERT_EQ(back.result, 0) << "copy " << copy << " of " << sample;
+            if (copy == 0) { // a damaged copy need not come back field for field
+                EXPECT_EQ(firstStoredDifference(loaded.view, &back.view), "") << sample;
             }
         }
     }

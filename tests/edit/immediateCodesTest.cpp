@@ -17,9 +17,6 @@ enum Page { kRect, kCircle, kLine, kPoly, kText, kImage, kButton, kSlider, kGrap
 
 ViewBuilder page(Page p)
 {
-    ImageFields white;
-    white.x0 = white.y0 = 100, white.x1 = white.y1 = 200, white.width = white.height = 2;
-    white.pixels.assign(16, 255);
     switch (p) {
     case kRect: return blackPage().rect({100, 100, 300, 200, 1, 2});
     case kCircle: return blackPage().circle({200, 150}); // radius 50, white outline, pale yellow
@@ -27,7 +24,7 @@ ViewBuilder page(Page p)
     case kPoly: return blackPage().cpoly({1, 1, 3, 0, {1, 1, 1, 1}, 1, {0, 1, 0, 1}, 0, 0,
                                           {{0, 100, 100}, {1, 300, 100}, {2, 200, 250}}});
     case kText: return blackPage().text({});
-    case kImage: return blackPage().image(white);
+    case kImage: return blackPage().image({100, 100, 200, 200, {1, 1, 1, 1}, 2, 2, 0, std::vector<uint8_t>(16, 255)});
     case kButton: return blackPage().button({100, 100, 300, 200});
     case kSlider: return blackPage().slider({200, 150, 40, 200});
     case kGraph: return blackPage().graph({0, 100, 100, 200, 100});
@@ -67,20 +64,15 @@ const CodeCase kCases[] = {
     {"stroke alpha", kRect, KR_EDIT_STROKE_ALPHA, 0, {0, 0, 0, 0.5f}, 150, 95, 250, 105, {128, 128, 128}, 100, kAll},
     {"fill pattern", kRect, KR_EDIT_FILL_STYLE, 0, {0, 0, 0, 0, 0, 0, 5}, 150, 130, 250, 170, kRed, 400, 3600},
     {"circle fill", kCircle, KR_EDIT_FILL, 0, {0, 0, 0, 0, 1, 0, 1}, 190, 140, 210, 160, kGreen, 400, kAll},
-    {"arc end at the top: no upper right quarter", kCircle, KR_HANDLE_ARC_END, 0, {200, 200}, 215, 165, 235, 185,
-     kPale, 0, 0},
-    {"arc start at the top: the upper right quarter only", kCircle, KR_HANDLE_ARC_START, 0, {200, 200}, 165, 115,
-     185, 135, kPale, 0, 0},
+    {"arc end at the top: no upper right", kCircle, KR_HANDLE_ARC_END, 0, {200, 200}, 215, 165, 235, 185, kPale, 0, 0},
+    {"arc start at the top", kCircle, KR_HANDLE_ARC_START, 0, {200, 200}, 165, 115, 185, 135, kPale, 0, 0},
     {"line colour", kLine, KR_EDIT_STROKE, 0, {0, 0, 0, 1, 0, 0}, 150, 145, 250, 155, kRed, 100, kAll},
-    {"line end in an update", kLine, KR_HANDLE_POINT, KR_EDIT_UPDATE, {100, 250}, 195, 195, 205, 205, kLineGreen, 5,
-     kAll},
-    {"line end outside one", kLine, KR_HANDLE_POINT, KR_EDIT_BEGIN, {100, 250}, 150, 145, 250, 155, kLineGreen, 100,
-     kAll},
+    {"line end, update", kLine, KR_HANDLE_POINT, KR_EDIT_UPDATE, {100, 250}, 195, 195, 205, 205, kLineGreen, 5, kAll},
+    {"line end, begin", kLine, KR_HANDLE_POINT, KR_EDIT_BEGIN, {100, 250}, 150, 145, 250, 155, kLineGreen, 100, kAll},
     {"polygon point of id 2", kPoly, KR_HANDLE_POINT + 2, KR_EDIT_END, {200, 120}, 190, 150, 210, 200, kGreen, 0, 0},
     {"text colour", kText, KR_EDIT_STROKE, 0, {0, 0, 0, 1, 0, 0}, 50, 80, 150, 120, kRed, 50, kAll},
     {"image tint", kImage, KR_EDIT_FILL, 0, {0, 0, 0, 0, 0, 1}, 120, 120, 180, 180, kBlue, 3600, kAll},
-    {"button face, shaded", kButton, KR_EDIT_FILL, 0, {0, 0, 0, 0, 0, 1}, 150, 130, 250, 170, {0, 0, 179}, 4000,
-     kAll},
+    {"button face, shaded", kButton, KR_EDIT_FILL, 0, {0, 0, 0, 0, 0, 1}, 150, 130, 250, 170, {0, 0, 179}, 4000, kAll},
     {"slider face", kSlider, KR_EDIT_FILL, 0, {0, 0, 0, 0, 0, 1}, 180, 50, 220, 250, kBlue, 100, kAll},
     {"graph outline", kGraph, KR_EDIT_STROKE, 0, {0, 0, 0, 1, 0, 0}, 98, 120, 102, 180, kRed, 50, kAll},
 };
