@@ -87,6 +87,17 @@ template <class Record> StyleFields shapeStyle(void* data)
     return f;
 }
 
+// The bevelled kinds (button, slider): the face is the fill, the lit edge the stroke, the dark
+// edge its shade.
+inline StyleFields bevelStyle(float face[4], float lit[4], float shade[4])
+{
+    StyleFields f;
+    f.fill = face;
+    f.stroke = lit;
+    f.shade = shade;
+    return f;
+}
+
 // Applies one immediate code to the fields a kind has.
 void applyStyleCode(const StyleFields& fields, int code, const KR_EDIT_VALUE* value);
 

@@ -36,15 +36,10 @@ int buttonSetPickSticky(ELEMENT_STRUCT* element)
     return buttonSetAttr(element);
 }
 
-// The face is the fill; the light edge the stroke, the dark edge its shade.
 static StyleFields buttonStyle(void* data)
 {
-    BUTTON_STRUCT* b = static_cast<BUTTON_STRUCT*>(data);
-    StyleFields f;
-    f.fill = b->color0;
-    f.stroke = b->color1;
-    f.shade = b->color2;
-    return f;
+    BUTTON_STRUCT* r = static_cast<BUTTON_STRUCT*>(data);
+    return bevelStyle(r->color0, r->color1, r->color2);
 }
 
 int editButton(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)

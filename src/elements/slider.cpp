@@ -57,15 +57,10 @@ static void applySlider(ELEMENT_STRUCT* element, const void* saved, int code, co
     s->height = 2 * std::fabs(cy - y);
 }
 
-// The face is the fill; the lit bevel the stroke, the dark one its shade.
 static StyleFields sliderStyle(void* data)
 {
-    SLIDER_STRUCT* s = static_cast<SLIDER_STRUCT*>(data);
-    StyleFields f;
-    f.fill = s->faceColor;
-    f.stroke = s->lightColor;
-    f.shade = s->darkColor;
-    return f;
+    SLIDER_STRUCT* r = static_cast<SLIDER_STRUCT*>(data);
+    return bevelStyle(r->faceColor, r->lightColor, r->darkColor);
 }
 
 int editSlider(ELEMENT_STRUCT* element, STICKY_STRUCT* stickies, int code, int phase, void* value)
