@@ -659,6 +659,15 @@ KOREL2D_API int KPutFFloat(FILE* stream, float value);
 /** Writes the n bytes at buffer as they stand. @return 0, or -1 when they couldn't be written. */
 KOREL2D_API int KPutFString(const char* buffer, FILE* stream, int n);
 
+/** Writes the MD5 digest (RFC 1321) of the rest of the stream as 32 lowercase hexadecimal digits
+ *  and a terminator into hex (33 chars). The stream stays open, read to its end.
+ *  @return 0; -1 for a null argument or a read error, hex then empty (unless it is null). */
+KOREL2D_API int getMd5(FILE* stream, char hex[33]);
+/** Compares the MD5 digest of the rest of the stream with digest, exactly: the digits given must
+ *  be lowercase. The stream stays open, read to its end.
+ *  @return 1 when they are equal; 0 when not, or for a null argument or a read error. */
+KOREL2D_API int filesMatch(FILE* stream, const char* digest);
+
 /* ================================================================ 8. handles, edits and objects */
 
 /** Phases of an element's edit for the handle codes 1 to 16. */

@@ -4,7 +4,7 @@
 set -e
 PACKAGES="cmake g++ make pkg-config libgl-dev libegl-dev libglu1-mesa-dev libx11-dev libgl1-mesa-dri \
   xvfb xauth libtinyxml-dev zlib1g-dev libfreetype-dev libfontconfig-dev fonts-liberation2 \
-  libpng-dev libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev doxygen clang libclang-rt-14-dev"
+  libpng-dev libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev libssl-dev doxygen clang libclang-rt-14-dev"
 missing=""
 for p in $PACKAGES; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
