@@ -1,0 +1,82 @@
+// The XML view files: one vocabulary of typed attributes over TinyXML. Every value is read and
+// written through the operation named for its type, so each type has exactly one form in a file.
+// Nothing above this layer touches TinyXML beyond the element pointer a handle carries.
+#pragma once
+
+#include "Korel2D.h"
+#include "base/planeMath.h"
+
+#include <string>
+#include <tinyxml.h>
+
+// A handle of one element, copied by value; it owns nothing. The null handle means "no such
+// element" and is how iteration ends. An element made from a name belongs to its document once
+// appended; one never appended stays allocated.
+class XmlElement {
+public:
+    explicit XmlElement(const std::string& name) : element_(new TiXmlElement(name)) {}
+    XmlElement(TiXmlElement* element = nullptr) : element_(element) {}
+
+    // On the null handle these give "" and the null handle, so a walk of a document that
+    // failed to load simply finds nothing.
+    std::string name() const { return element_ ? element_->ValueStr() : std::string(); }
+    bool valid() const { return element_ != nullptr; }
+    XmlElement firstElement() const { return element_ ? element_->FirstChildElement() : nullptr; }
+    XmlElement nextElement() const { return element_ ? element_->NextSiblingElement() : nullptr; }
+    TiXmlElement* data() const { return element_; }
+    // The tree takes ownership of the child.
+    void appendElement(XmlElement& child) { element_->LinkEndChild(child.element_); }
+
+    // Setting an attribute the element has replaces its value in place, keeping the order of
+    // the attributes. A `get` of a missing or unreadable attribute gives the type's default.
+    void setAttributeString(const std::string& name, const std::string& value);
+    std::string getAttributeString(const std::string& name) const; // default ""
+    void setAttributeInt(const std::string& name, int value);
+    // Decimal, 0x hexadecimal or 0 octal, up to the first unusable character; default 0.
+    int getAttributeInt(const std::string& name) const;
+    // "0x" and the value as unsigned hexadecimal; getAttributeInt reads it back.
+    void setAttributeHex(const std::string& name, int value);
+    // Six significant digits, as a default output stream writes them; default 0.0.
+    void setAttributeDouble(const std::string& name, double value);
+    double getAttributeDouble(const std::string& name) const;
+    // "true" or "false"; only the exact text "true" reads as true.
+    void setAttributeBool(const std::string& name, bool value);
+    bool getAttributeBool(const std::string& name) const;
+    // "#rrggbbaa" or "none"; default opaque white, not none. The first character isn't looked
+    // at, and pairs missing from a short text read as 0.
+    void setAttributeColor(const std::string& name, const Color& value);
+    Color getAttributeColor(const std::string& name) const;
+    // The affine part as six numbers in the order m00 m10 m01 m11 m02 m12; default the identity.
+    void setAttributeMatrix(const std::string& name, const Matrix2<double>& value);
+    Matrix2<double> getAttributeMatrix(const std::string& name) const;
+    // A KR_POS_ word as one of nine names; anything unknown is the centre.
+    void setAttributePosition(const std::string& name, int value);
+    int getAttributePosition(const std::string& name) const;
+
+private:
+    const char* text(const std::string& name) const { return element_ ? element_->Attribute(name.c_str()) : nullptr; }
+
+    TiXmlElement* element_;
+};
+
+// One document and its whole tree, freed with it. A new document starts with the declaration
+// <?xml version="1.0" ?> so that a written file begins with it.
+class XmlDocument {
+public:
+    XmlDocument();
+
+    // The tree takes ownership of the element.
+    void appendElement(XmlElement& element) { document_.LinkEndChild(element.data()); }
+    // The first element of the document (the declaration is no element); null if there is none.
+    XmlElement root() { return document_.FirstChildElement(); }
+
+    void write(const std::string& fileName) const { document_.SaveFile(fileName); }
+    // Replaces the tree by the file's. False for a file that can't be read or parsed; the tree
+    // is then empty, except that what the parser built before an error stays, so a file cut
+    // short still gives its first part. A file nested too deep for the parser's recursion to
+    // be safe is refused unparsed.
+    bool read(const std::string& fileName);
+
+private:
+    TiXmlDocument document_;
+};

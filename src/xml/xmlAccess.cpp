@@ -1,0 +1,223 @@
+// The typed attributes of the XML view files and the document that holds them.
+#include "xml/xml.h"
+
+#include "base/truncate.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <locale>
+#include <sstream>
+
+namespace {
+
+// TinyXML parses each nested element in a recursion of its own, so a hostile file of deep
+// nesting would exhaust the stack; views nest groups a few levels deep.
+constexpr int maxDepth = 1000;
+
+// Index + 1 is the KR_POS_ word; the last, the centre, also stands for every unknown value.
+const char* const positionWords[] = {"leftUpper",   "centerUpper", "rightUpper",
+                                     "rightCenter", "rightLower",  "centerLower",
+                                     "leftLower",   "leftCenter",  "center"};
+static_assert(sizeof positionWords / sizeof *positionWords == size_t(KR_POS_CENTRE), "one word per position");
+
+// Whether the markup opens more than maxDepth elements that it hasn't closed. It skips what the
+// parser skips, ending each construct where the parser ends it (comments at "-->", CDATA at
+// "]]>", other "<!" and "<?" at the first ">"), steps over quoted attribute values and doesn't
+// count self-closing tags. It judges nothing else: a count too high refuses only garbage, and
+// the parser still judges what passes.
+bool nestsTooDeep(const std::string& bytes)
+{
+    const size_t n = bytes.size();
+    auto past = [&](size_t from, const char* end) {
+        const size_t at = bytes.find(end, from);
+        return at == std::string::npos ? n : at + std::strlen(end);
+    };
+    int depth = 0;
+    for (size_t i = bytes.find('<'); i < n; i = bytes.find('<', i)) {
+        if (bytes.compare(i, 4, "<!--") == 0) {
+            i = past(i + 4, "-->");
+        } else if (bytes.compare(i, 9, "<![CDATA[") == 0) {
+            i = past(i + 9, "]]>");
+        } else if (bytes.compare(i, 2, "<!") == 0 || bytes.compare(i, 2, "<?") == 0) {
+            i = past(i + 2, ">");
+        } else {
+            size_t end = i + 1;
+            for (char quote = 0; end < n && (quote || bytes[end] != '>'); ++end)
+                if (bytes[end] == quote)
+                    quote = 0;
+                else if (!quote && (bytes[end] == '"' || bytes[end] == '\''))
+                    quote = bytes[end];
+            if (bytes[i + 1] == '/')
+                depth = std::max(depth - 1, 0); // a stray closer can't hide openers that follow
+            else if (end < n && bytes[end - 1] != '/' && ++depth > maxDepth)
+                return true;
+            i = end;
+        }
+    }
+    return false;
+}
+
+// One colour component as the file holds it: truncated, not rounded, so that the value read
+// back from two digits (digits / 255) writes the same digits again. Clamped so that garbage
+// still fits two digits.
+int componentDigits(float component)
+{
+    return std::clamp(truncToInt(double(component) * 255.0), 0, 255);
+}
+
+} // namespace
+
+void XmlElement::setAttributeString(const std::string& name, const std::string& value)
+{
+    element_->SetAttribute(name, value);
+}
+
+std::string XmlElement::getAttributeString(const std::string& name) const
+{
+    const char* value = text(name);
+    return value ? value : "";
+}
+
+void XmlElement::setAttributeInt(const std::string& name, int value)
+{
+    element_->SetAttribute(name, std::to_string(value));
+}
+
+int XmlElement::getAttributeInt(const std::string& name) const
+{
+    const char* value = text(name);
+    // Wrapped to 32 bits, so that the 0xffffffff of setAttributeHex reads back as -1.
+    return value ? int(uint32_t(std::strtol(value, nullptr, 0))) : 0;
+}
+
+void XmlElement::setAttributeHex(const std::string& name, int value)
+{
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "0x%x", unsigned(value));
+    element_->SetAttribute(name.c_str(), digits);
+}
+
+void XmlElement::setAttributeDouble(const std::string& name, double value)
+{
+    // The classic locale, whatever the host made the global one: the file needs a point.
+    std::ostringstream out;
+    out.imbue(std::locale::classic());
+    out << value;
+    element_->SetAttribute(name, out.str());
+}
+
+double XmlElement::getAttributeDouble(const std::string& name) const
+{
+    double value = 0.0;
+    if (element_)
+        element_->QueryDoubleAttribute(name.c_str(), &value);
+    return value;
+}
+
+void XmlElement::setAttributeBool(const std::string& name, bool value)
+{
+    element_->SetAttribute(name.c_str(), value ? "true" : "false");
+}
+
+bool XmlElement::getAttributeBool(const std::string& name) const
+{
+    const char* value = text(name);
+    return value && std::strcmp(value, "true") == 0;
+}
+
+void XmlElement::setAttributeColor(const std::string& name, const Color& value)
+{
+    if (value.none()) {
+        element_->SetAttribute(name.c_str(), "none");
+        return;
+    }
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "#%02x%02x%02x%02x", componentDigits(value.r()), componentDigits(value.g()),
+                  componentDigits(value.b()), componentDigits(value.a()));
+    element_->SetAttribute(name.c_str(), digits);
+}
+
+Color XmlElement::getAttributeColor(const std::string& name) const
+{
+    Color color;
+    const char* value = text(name);
+    if (!value)
+        return color;
+    if (std::strcmp(value, "none") == 0) {
+        color.setNone(true);
+        return color;
+    }
+    // The first character is the writer's "#" and isn't looked at. Pairs past the end of a
+    // short text read as 0: "#ff0000" is red of alpha 0, not opaque red.
+    const std::string digits = value;
+    for (size_t i = 0; i < 4; ++i) {
+        const size_t at = 1 + 2 * i;
+        const std::string pair = at < digits.size() ? digits.substr(at, 2) : std::string();
+        color[int(i)] = float(std::strtol(pair.c_str(), nullptr, 16) / 255.0);
+    }
+    return color;
+}
+
+void XmlElement::setAttributeMatrix(const std::string& name, const Matrix2<double>& value)
+{
+    // Six decimals of a huge number are many digits: the text is sized to what it needs.
+    const auto& m = value.m;
+    const char* format = "%f %f %f %f %f %f";
+    const int length = std::snprintf(nullptr, 0, format, m[0][0], m[1][0], m[0][1], m[1][1], m[0][2], m[1][2]);
+    std::string text(size_t(length) + 1, '\0');
+    std::snprintf(&text[0], text.size(), format, m[0][0], m[1][0], m[0][1], m[1][1], m[0][2], m[1][2]);
+    text.resize(size_t(length));
+    element_->SetAttribute(name, text);
+}
+
+Matrix2<double> XmlElement::getAttributeMatrix(const std::string& name) const
+{
+    Matrix2<double> matrix;
+    const char* value = text(name);
+    if (!value)
+        return matrix;
+    // Numbers missing at the end of the text are 0, not the identity's.
+    auto& m = matrix.m;
+    m[0][0] = m[1][0] = m[0][1] = m[1][1] = m[0][2] = m[1][2] = 0.0;
+    std::sscanf(value, "%lf %lf %lf %lf %lf %lf", &m[0][0], &m[1][0], &m[0][1], &m[1][1], &m[0][2], &m[1][2]);
+    return matrix;
+}
+
+void XmlElement::setAttributePosition(const std::string& name, int value)
+{
+    const int index = value >= KR_POS_UPPER_LEFT && value <= KR_POS_CENTRE ? value - 1 : KR_POS_CENTRE - 1;
+    element_->SetAttribute(name.c_str(), positionWords[index]);
+}
+
+int XmlElement::getAttributePosition(const std::string& name) const
+{
+    const char* value = text(name);
+    for (int position = KR_POS_UPPER_LEFT; value && position < KR_POS_CENTRE; ++position)
+        if (std::strcmp(value, positionWords[position - 1]) == 0)
+            return position;
+    return KR_POS_CENTRE;
+}
+
+XmlDocument::XmlDocument()
+{
+    document_.LinkEndChild(new TiXmlDeclaration("1.0", "", ""));
+}
+
+bool XmlDocument::read(const std::string& fileName)
+{
+    document_.Clear();
+    FILE* file = std::fopen(fileName.c_str(), "rb");
+    if (!file)
+        return false;
+    std::string bytes;
+    char chunk[1 << 16];
+    for (size_t got; (got = std::fread(chunk, 1, sizeof chunk, file)) > 0;)
+        bytes.append(chunk, got);
+    // The same open file is parsed, so what was counted is what the parser reads.
+    const bool loaded = !nestsTooDeep(bytes) && document_.LoadFile(file, TIXML_DEFAULT_ENCODING);
+    std::fclose(file);
+    return loaded;
+}

@@ -1,0 +1,117 @@
+// The typed attributes of the XML view files as they stand on disk and come back, and the
+// refusal of documents nested too deep for the parser.
+#include "xml/xml.h"
+
+#include "GlContext.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+// Each type writes its one form, a value set again keeps its place, and the file reads back.
+TEST(XmlAttributes, EachTypeWritesItsFormAndReadsBack)
+{
+    XmlElement e("e");
+    e.setAttributeDouble("x", 0.0);
+    e.setAttributeString("s", "a&b");
+    e.setAttributeInt("i", -5);
+    e.setAttributeHex("h", -1);
+    e.setAttributeDouble("big", 1234567.0);
+    e.setAttributeBool("b", true);
+    e.setAttributeColor("c", Color(0.5f, 1.0f, 0.0f, 0.25f));
+    Color none;
+    none.setNone(true);
+    e.setAttributeColor("n", none);
+    e.setAttributeColor("g", Color(NAN, 1e30f, -1, 0.5f)); // garbage still makes two digits each
+    e.setAttributeMatrix("m", Matrix2<double>(1.5, -2, 3, 4, 5, 6.25));
+    for (int position : {0, 42, int(KR_POS_LEFT)})
+        e.setAttributePosition("p" + std::to_string(position), position);
+    e.setAttributeDouble("x", 12.5);
+    XmlDocument document;
+    document.appendElement(e);
+    k2dtest::TempFile file({}, ".xml");
+    document.write(file.path());
+    std::ifstream in(file.path(), std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}),
+              "<?xml version=\"1.0\" ?>\n<e x=\"12.5\" s=\"a&amp;b\" i=\"-5\" h=\"0xffffffff\" big=\"1.23457e+06\" "
+              "b=\"true\" c=\"#7fff003f\" n=\"none\" g=\"#00ff007f\" "
+              "m=\"1.500000 4.000000 -2.000000 5.000000 3.000000 6.250000\" "
+              "p0=\"center\" p42=\"center\" p8=\"leftCenter\" />\n");
+    XmlDocument back;
+    ASSERT_TRUE(back.read(file.path()));
+    EXPECT_EQ(back.root().getAttributeString("s") + std::to_string(back.root().getAttributeInt("h")), "a&b-1");
+    EXPECT_TRUE(back.root().getAttributeColor("n").none());
+    e.setAttributeMatrix("m", Matrix2<double>(1e300, 0, 0, 0, 0, 0)); // hundreds of digits, all written
+    EXPECT_EQ(e.getAttributeMatrix("m").m[0][0], 1e300);
+}
+
+// Texts the writer doesn't make, and missing attributes, read as documented; every value of a
+// colour component reads and writes back to its own digits.
+TEST(XmlAttributes, ForeignTextsReadAsDocumented)
+{
+    XmlDocument document; // frees the element
+    XmlElement e("e");
+    document.appendElement(e);
+    EXPECT_TRUE(e.getAttributeColor("v") == Color() && !e.getAttributeColor("v").none());
+    EXPECT_EQ(e.getAttributeMatrix("v").m[0][0], 1.0);
+    auto with = [&](const std::string& text) { return e.setAttributeString("v", text), e; };
+    const std::pair<const char*, int> ints[] = {{"0x00ff", 255}, {"010", 8}, {"12abc", 12}, {"-7", -7}};
+    for (const auto& [text, value] : ints)
+        EXPECT_EQ(with(text).getAttributeInt("v"), value) << text;
+    const std::pair<const char*, int> positions[] = {{"Center", 9}, {"LeftUpper", 9}, {"rightLower", 5}};
+    for (const auto& [text, position] : positions)
+        EXPECT_EQ(with(text).getAttributePosition("v"), position) << text;
+    EXPECT_FALSE(with("True").getAttributeBool("v") || with("1").getAttributeBool("v"));
+    EXPECT_EQ(with("2.5 and more").getAttributeDouble("v"), 2.5);
+    const std::pair<const char*, Color> colors[] = {{"#ff000080", Color(1, 0, 0, 128 / 255.0f)},
+        {"#ff0000", Color(1, 0, 0, 0)}, {"xff000080", Color(1, 0, 0, 128 / 255.0f)}, {"#ff", Color(1, 0, 0, 0)}};
+    for (const auto& [text, color] : colors)
+        EXPECT_TRUE(with(text).getAttributeColor("v") == color && !e.getAttributeColor("v").none()) << text;
+    for (int v = 0; v < 256; ++v) {
+        char digits[16];
+        std::snprintf(digits, sizeof digits, "#%02x%02x%02x%02x", v, 255 - v, v ^ 0x5a, v);
+        with(digits).setAttributeColor("v", e.getAttributeColor("v"));
+        EXPECT_EQ(e.getAttributeString("v"), digits);
+    }
+    const std::pair<const char*, Matrix2<double>> matrices[] = {{"2 0 0 2", Matrix2<double>(2, 0, 0, 0, 2, 0)},
+        {"", Matrix2<double>(0, 0, 0, 0, 0, 0)}, {"1 2 3 4 5 6", Matrix2<double>(1, 3, 5, 2, 4, 6)}};
+    for (const auto& [text, matrix] : matrices)
+        for (int i = 0; i < 9; ++i)
+            EXPECT_EQ(with(text).getAttributeMatrix("v").m[i / 3][i % 3], matrix.m[i / 3][i % 3]) << text << i;
+}
+
+// A deep document is refused unparsed, whatever comments, CDATA, quoted values and self-closing
+// tags do to a naive count; a normal one isn't. Each read replaces the tree of the one before.
+TEST(XmlDocumentRead, RefusesNestingDeeperThanAThousand)
+{
+    XmlDocument document;
+    auto read = [&](const std::string& level, int depth) {
+        std::string open, close;
+        for (int i = 0; i < depth; ++i)
+            open += level, close += "</a>";
+        const std::string text = open + close;
+        k2dtest::TempFile file({text.begin(), text.end()}, ".xml");
+        return document.read(file.path());
+    };
+    for (const char* level : {"<a>", "<a><b/><c t='x'/>", "<a t=\"/>\">", "<a><!-- <a><a> -->",
+                              "<a><![CDATA[<a><a>]]>", "<a><?p x?><!x>"})
+        for (int depth : {1000, 1001}) {
+            EXPECT_EQ(read(level, depth), depth == 1000) << level << depth;
+            int walked = 0; // through the first "a" among each level's children
+            for (XmlElement e = document.root(); e.valid(); ++walked)
+                for (e = e.firstElement(); e.valid() && e.name() != "a";)
+                    e = e.nextElement();
+            EXPECT_EQ(walked, depth == 1000 ? 1000 : 0) << level;
+        }
+    ASSERT_TRUE(read("<a><!-- a comment is no element -->", 1));
+    EXPECT_FALSE(document.root().firstElement().valid());
+    EXPECT_FALSE(read("<a>", 100000));
+    EXPECT_FALSE(document.root().valid());
+}
+
+} // namespace
