@@ -235,6 +235,9 @@ bool Path::isCommand(const std::string& token) const
 std::vector<PathPoints> Path::pointsFromString(const std::string& text) const
 {
     PathParser parser(*this);
+    bool isLetter[256] = {};
+    for (const std::string& command : commands_)
+        isLetter[static_cast<unsigned char>(command[0])] = true;
     std::string token;
     const auto take = [&] {
         if (!token.empty())
@@ -246,7 +249,7 @@ std::vector<PathPoints> Path::pointsFromString(const std::string& text) const
     for (const char c : text) {
         if (c == ' ' || c == ',') {
             take();
-        } else if (isCommand(std::string(1, c))) {
+        } else if (isLetter[static_cast<unsigned char>(c)]) {
             take();
             token = c;
             take();

@@ -16,9 +16,9 @@ class Path {
 public:
     // A curve takes at most this many steps, however long its chord.
     static constexpr int kMaxCurveSteps = 100000;
-    // One text yields at most this many points in all: a few bytes of curve text may ask for
-    // kMaxCurveSteps points, and a text is as long as its file.
-    static constexpr size_t kMaxPoints = size_t(1) << 20;
+    // One text yields at most this many points in all, more than an outline drawn by hand has:
+    // a few bytes of curve text may ask for kMaxCurveSteps points, and a text is as long as its file.
+    static constexpr size_t kMaxPoints = size_t(1) << 18;
 
     Path();
 
