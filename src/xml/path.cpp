@@ -189,8 +189,12 @@ private:
     {
         const int steps = curveSteps(p0_, end);
         const double step = 1.0 / steps;
-        for (int i = 0; i < steps && points_ < Path::kMaxPoints; ++i)
-            add(pointAt(i * step));
+        // Written in place: a long chord makes this the one loop of the parser that counts.
+        const size_t count = std::min(size_t(steps), Path::kMaxPoints - points_), first = list_.size();
+        list_.resize(first + count);
+        for (size_t i = 0; i < count; ++i)
+            list_[first + i] = pointAt(double(i) * step);
+        points_ += count;
         add(end);
     }
 

@@ -18,7 +18,7 @@ public:
     static constexpr int kMaxCurveSteps = 100000;
     // One text yields at most this many points in all, more than an outline drawn by hand has:
     // a few bytes of curve text may ask for kMaxCurveSteps points, and a text is as long as its file.
-    static constexpr size_t kMaxPoints = size_t(1) << 18;
+    static constexpr size_t kMaxPoints = size_t(1) << 17;
 
     Path();
 
