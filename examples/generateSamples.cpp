@@ -8,7 +8,7 @@
 // memory and sends in datagrams, and controls.k2d, buttons, a slider and a knob worked by the
 // pointer. Usage: korel2d-samples [--seeds] OUTPUT_DIR
 // With --seeds it also writes small views of each element kind, each action type and every
-// variable type: the seed corpus of the fuzzing harnesses.
+// variable type, and a few path texts: the seed corpus of the fuzzing harnesses.
 #include "Korel2D.h"
 #include "KshmSegment.h"
 #include "ViewBuilder.h"
@@ -1150,6 +1150,19 @@ std::vector<uint8_t> segmentSeed()
     return image;
 }
 
+// Outline texts of the path element, for its harness: every command, absolute and relative,
+// curves that reflect their control points, arcs of both flags, a chord past the step bound.
+std::vector<NamedView> pathSeeds()
+{
+    const std::string texts[] = {"M 0 0 L 10 0 l 5 5 H 3 h 2 V 4 v 1 Z", "M10,20C0,10 10,10 10,0S20,-5 20,0s5 5 10 0",
+                                 "m 5 5 Q 5 5 10 0 T 20 0 q 1 1 2 0 t 4 4 z",
+                                 "M 0 0 A 5 5 30 1 0 10 0 a 1 2 -45 0 1 -3 4 M 1e9 0 c 0 0 0 0 -1e9 0"};
+    std::vector<NamedView> seeds;
+    for (const std::string& text : texts)
+        seeds.emplace_back("path-" + std::to_string(seeds.size()), std::vector<uint8_t>(text.begin(), text.end()));
+    return seeds;
+}
+
 std::vector<NamedView> seedViews()
 {
     constexpr int kActionTypes = KR_ACTION_BLINK + 1;
@@ -1158,6 +1171,8 @@ std::vector<NamedView> seedViews()
         seeds.emplace_back("action-" + std::to_string(type), actionSeed(type));
     seeds.emplace_back("source-every-type", everyTypeSeed());
     seeds.emplace_back("segment-directory", segmentSeed());
+    const std::vector<NamedView> paths = pathSeeds();
+    seeds.insert(seeds.end(), paths.begin(), paths.end());
     return seeds;
 }
 
