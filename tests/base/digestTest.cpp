@@ -94,60 +94,49 @@ TEST(Md5, MisuseIsReportedWordForWordAndChangesNothing)
     EXPECT_TRUE(getMd5(nullptr, text) == -1 && !*text && !filesMatch(nullptr, text));
 }
 
-// Exact-size buffers, so that the sanitizer sees any byte written or read past them.
-std::string encode(const std::string& plain, int perLine)
-{
-    const int n = plain.size();
-    std::vector<char> code(Base64::getSize(n) + (perLine ? n / 3 / perLine : 0));
-    const auto* bytes = reinterpret_cast<const unsigned char*>(plain.data());
-    EXPECT_EQ(Base64::encode(bytes, code.data(), n, perLine), static_cast<int>(code.size())) << perLine;
-    return std::string(code.begin(), code.end());
-}
-
-// Any text decodes into 3 bytes per 4 characters and no further.
-int decode(const std::string& code, std::string* plain = nullptr)
-{
-    const std::vector<char> text(code.begin(), code.end());
-    std::vector<unsigned char> out(3 * (text.size() / 4));
-    const int n = Base64::decode(text.data(), out.data(), text.size());
-    EXPECT_TRUE(n >= -1 && n <= static_cast<int>(out.size())) << code;
-    if (plain && n > 0)
-        plain->assign(out.begin(), out.begin() + n);
-    return n;
-}
-
 TEST(Base64, EncodesAndDecodesTheStandardsVectorsAndNoisyText)
 {
     const char* rows[][2] = {{"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"foob", "Zm9vYg=="},
         {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"}};
     for (const auto& [plain, code] : rows) {
-        std::string back;
-        EXPECT_TRUE(encode(plain, 0) == code && decode(code, &back) == int(strlen(plain)) && back == plain) << code;
+        const int n = strlen(plain);
+        char text[16] = {}; unsigned char back[16] = {};
+        EXPECT_EQ(Base64::encode(reinterpret_cast<const unsigned char*>(plain), text, n, 0), Base64::getSize(n));
+        EXPECT_EQ(Base64::decode(code, back, strlen(code)), n) << code;
+        EXPECT_TRUE(!strcmp(text, code) && !strcmp(reinterpret_cast<char*>(back), plain)) << code;
     }
     for (const auto& [n, size] : {std::pair{0, 0}, {1, 4}, {3, 4}, {128, 172}, {-3, 0}})
         EXPECT_EQ(Base64::getSize(n), size) << n;
-    EXPECT_EQ(encode("foobar", 1), "Zm9v\nYmFy\n");
-    char noisy[] = " Zm 9v\n==\t";
+    char lines[16] = {}, noisy[] = " Zm 9v\n==\t";
+    EXPECT_EQ(Base64::encode(reinterpret_cast<const unsigned char*>("foobar"), lines, 6, 1), 10);
+    EXPECT_STREQ(lines, "Zm9v\nYmFy\n");
     EXPECT_EQ(std::string(noisy, Base64::strip(noisy, sizeof noisy - 1)), "Zm9v==");
     // Noise is skipped anywhere; a text cut inside a group fails, a short group ends the text.
     const std::pair<std::string, int> decoded[] = {{"YW\nJj", 3}, {"YWJ", 0}, {"Zg==Zg==", 1},
         {"Zm9v\n\n\n\n", -1}, {"Zm9vYm=\n", -1}, {"=AAAZg==", 1}};
     for (const auto& [code, n] : decoded)
-        EXPECT_EQ(decode(code), n) << code;
+        EXPECT_EQ(Base64::decode(code.data(), reinterpret_cast<unsigned char*>(lines), code.size()), n) << code;
 }
 
-// Random texts decode inside their bounds; what was encoded, at any line length, decodes back.
+// Any text decodes into 3 bytes per 4 characters and no further, reading none past its length
+// (exact-size buffers, for the sanitizer); what was encoded, at any line length, decodes back.
 TEST(Base64, DecodesAnyTextInsideItsBoundsAndInvertsEncoding)
 {
     std::mt19937 random(11);
     for (int i = 0; i < 3000; ++i) {
-        std::string text(random() % 40, '\0');
+        std::vector<char> text(random() % 40);
         std::generate(text.begin(), text.end(), [&] { return "AZaz09+/=\n \x80Q"[random() % 13]; });
-        decode(text);
-        std::string plain(random() % 300, '\0'), back;
+        std::vector<unsigned char> out(3 * (text.size() / 4));
+        const int got = Base64::decode(text.data(), out.data(), text.size());
+        ASSERT_TRUE(got >= -1 && got <= static_cast<int>(out.size())) << got;
+        std::vector<unsigned char> plain(random() % 300);
         std::generate(plain.begin(), plain.end(), std::ref(random));
-        ASSERT_EQ(decode(encode(plain, random() % 4), &back), static_cast<int>(plain.size()));
-        ASSERT_EQ(back, plain);
+        const int perLine = random() % 4, n = plain.size();
+        std::vector<char> code(Base64::getSize(n) + (perLine ? n / 3 / perLine : 0));
+        ASSERT_EQ(Base64::encode(plain.data(), code.data(), n, perLine), static_cast<int>(code.size()));
+        std::vector<unsigned char> back(3 * (code.size() / 4));
+        ASSERT_EQ(Base64::decode(code.data(), back.data(), code.size()), n);
+        ASSERT_TRUE(std::equal(plain.begin(), plain.end(), back.begin()));
     }
 }
 
