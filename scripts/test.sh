@@ -2,7 +2,7 @@
 # Installs what is missing, builds the library twice (plain, and with AddressSanitizer and
 # UBSan) and runs the whole test suite in both builds; the tests of data sources and the data
 # thread also run under ThreadSanitizer. Builds the API reference when doxygen is there and,
-# where clang is installed, runs each fuzzing harness for a minute. Ends with ctest's summary.
+# where clang is installed, runs each fuzzing harness for half a minute. Ends with ctest's summary.
 set -e
 cd "$(dirname "$0")/.."
 sh scripts/setup.sh
@@ -37,8 +37,8 @@ run_suite build-asan --repeat until-pass:3
 echo "== data sources and the data thread, ThreadSanitizer build =="
 run_suite build-tsan -R '^data\.'
 if command -v clang++ >/dev/null 2>&1; then
-  echo "== fuzzing harnesses, 60 seconds each, clang with AddressSanitizer + UBSan =="
-  sh scripts/fuzz.sh 60
+  echo "== fuzzing harnesses, 30 seconds each, clang with AddressSanitizer + UBSan =="
+  sh scripts/fuzz.sh 30
 fi
 echo "== test suite, plain build =="
 run_suite build
