@@ -74,6 +74,7 @@ TEST(DefinitionSection, EqualThingsShareOneEntryNumberedByFirstUse)
     for (IMAGE_STRUCT*& image : images)
         image = add<IMAGE_STRUCT>(&list, KR_IMAGE);
     std::tie(images[0]->width, images[0]->height, images[1]->width, images[1]->height) = std::make_tuple(2, 8, 4, 4);
+    images[1]->fillStyle = 62; // past the table: its first pattern, as for images[0]
     for (IMAGE_STRUCT* image : images)
         image->texture = txCreate(image->width, image->height, pixels.data());
     TEXT_STRUCT* texts[2] = {add<TEXT_STRUCT>(&list, KR_TEXT), add<TEXT_STRUCT>(&list, KR_TEXT)};
@@ -96,7 +97,7 @@ TEST(DefinitionSection, EqualThingsShareOneEntryNumberedByFirstUse)
     EXPECT_EQ(s.names(), "stroke1 stroke2 stroke3 pattern4 pattern5 bitmap6 stroke7 font8 font9 stroke10 ");
     const std::pair<int32_t, int> ids[] = {{lines[0]->strokeStyleId, 1}, {lines[9]->strokeStyleId, 1},
         {custom->strokeStyleId, 2}, {rect->strokeStyleId, 3}, {rect->fillStyleId, 4}, {circle->strokeStyleId, 1},
-        {circle->fillStyleId, 4}, {images[0]->fillStyleId, 5}, {images[0]->imageId, 6}, {images[1]->imageId, 6},
+        {circle->fillStyleId, 4}, {images[1]->fillStyleId, 5}, {images[0]->imageId, 6}, {images[1]->imageId, 6},
         {texts[0]->strokeStyleId, 7}, {texts[1]->fillStyleId, 5}, {texts[0]->fontId, 8}, {texts[1]->fontId, 8},
         {graph->gridStyleId, 1}, {graph->fontId, 9}, {th[0]->styleId, 10}, {th[1]->styleId, 1}};
     for (size_t i = 0; i < std::size(ids); ++i)
