@@ -122,6 +122,8 @@ TEST(DefinitionSection, LookUpsFindTableNumbersAndDamageStaysHarmless)
         calcFill(n, bytes, &style);
         EXPECT_EQ(style, n < 59 ? n : 100);
     }
+    for (int outside : {-1, 60}) // numbers past the table have the digest of the first pattern
+        EXPECT_EQ(memcmp(getPatternHash(outside), getPatternHash(0), 16), 0) << outside;
     calcStroke(99, &factor, &stipple, &style);
     calcFill(99, bytes, &style);
     EXPECT_EQ(std::make_tuple(factor, stipple, style, std::vector<uint8_t>(bytes, bytes + sizeof bytes)),
