@@ -115,7 +115,7 @@ const PatternTable& patterns()
 }
 
 constexpr uint16_t kLineStyles[kLineStyleCount] = {0xFFFF, 0xAAAA, 0xCCCC, 0xF0F0, 0xFF00,
-                                      0x8888, 0x8080, 0x8181, 0xEEEE, 0x0C0F};
+                                                   0x8888, 0x8080, 0x8181, 0xEEEE, 0x0C0F};
 
 // Negative numbers count as large unsigned ones and fall back to the solid fill.
 int patternIndex(int number)

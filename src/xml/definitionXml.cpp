@@ -21,7 +21,7 @@ constexpr int kCustomStyle = 100;
 // Pattern numbers from here on are custom; those between the table's end and this one fall
 // back to the table's first pattern, as getPattern does.
 constexpr int kFirstCustomPattern = 65;
-// A "bitmap" larger than this many pixels (a 8192 x 8192 picture) is taken for damage: its
+// A "bitmap" larger than this many pixels (an 8192 x 8192 picture) is taken for damage: its
 // buffer alone would be 256 MiB.
 constexpr int64_t kMaxPixels = int64_t(1) << 26;
 
