@@ -2,11 +2,11 @@
 // the records, and what the reader makes of it, damaged entries included.
 #include "xml/viewXml.h"
 
-#include "base/base64.h"
 #include "graphics/graphics.h"
 
+#include "GlContext.h"
+
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <cstring>
 #include <tuple>
@@ -130,37 +130,31 @@ TEST(DefinitionSection, LookUpsFindTableNumbersAndDamageStaysHarmless)
               std::make_tuple(0, 0, 100, std::vector<uint8_t>(sizeof bytes)));
 
     const uint8_t eight[8] = {1, 2, 3, 4, 5, 6, 7, 8};
-    uint8_t stream[64];
-    uLongf length = sizeof stream;
-    compress(stream, &length, eight, sizeof eight);
-    char zlibText[128] = {};
-    Base64::encode(stream, zlibText, int(length), 0);
-    const std::tuple<int, int, int, const char*, const char*, int> bitmaps[] = {{1, 2, 2, "zlib", zlibText, 8},
-        {2, 2, 2, "none", "AQIDBAUG", 6}, {3, 2, 2, "zlib", "AQIDBAUG", 0}, {4, 2, 2, "none", "AQIDBA!!!", 0},
-        {5, 65537, 65537, "none", "", -1}, {6, -2, -3, "none", "", -1}, {7, 0, 5, "zlib", "", -1}};
-    for (const auto& [id, width, height, compression, data, given] : bitmaps) { // given: pixel bytes, -1 none
-        XmlElement e("bitmap");
-        e.setAttributeInt("id", id), e.setAttributeInt("width", width), e.setAttributeInt("height", height);
-        e.setAttributeString("compression", compression), e.setAttributeString("data", data);
-        s.section.appendElement(e);
-    }
-    for (const std::string& data : {std::string("/w=="), std::string(200, '/')}) { // short; ones beyond 128 bytes
-        XmlElement e("pattern");
-        e.setAttributeInt("id", int(data.size())), e.setAttributeString("data", data), s.section.appendElement(e);
-    }
-    XmlElement font("font");
-    font.setAttributeString("type", "bitmap"), s.section.appendElement(font);
-    loadDefinition(s.section);
-    for (const auto& [id, width, height, compression, data, given] : bitmaps) {
+    int32_t id;
+    saveImage(s.section, 2, 1, eight, &id); // a zlib stream of 8 bytes, read as 2 x 2 below
+    const std::string hand = "<definition><bitmap id='1' width='2' height='2' compression='zlib' data='" +
+        s.section.firstElement().getAttributeString("data") + "'/>"
+        "<bitmap id='2' width='2' height='2' compression='none' data='AQIDBAUG'/>" // raw and short
+        "<bitmap id='3' width='2' height='2' compression='zlib' data='AQIDBAUG'/>" // not zlib
+        "<bitmap id='4' width='2' height='2' compression='none' data='AQIDBA!!!'/>" // ends inside a group
+        "<bitmap id='5' width='65537' height='65537'/><bitmap id='6' width='-2' height='-3'/><bitmap id='7'/>"
+        "<pattern id='8' data='/w=='/><pattern id='9' data='" + std::string(200, '/') + "'/>"
+        "<font id='10' type='bitmap'/></definition>";
+    k2dtest::TempFile file(std::vector<uint8_t>(hand.begin(), hand.end()), ".xml");
+    XmlDocument document;
+    ASSERT_TRUE(document.read(file.path()));
+    loadDefinition(document.root());
+    const int given[] = {8, 6, 0, 0, -1, -1, -1}; // pixel bytes the entry supplies; -1: no picture
+    for (int i = 0; i < 7; ++i) {
         std::vector<uint8_t> expected(16);
-        std::copy(eight, eight + std::max(given, 0), expected.begin());
-        const auto found = xmlRead.mapImage.find(id);
-        EXPECT_TRUE(given < 0 ? found == xmlRead.mapImage.end() : found->second.pixels == expected) << id;
+        std::copy(eight, eight + std::max(given[i], 0), expected.begin());
+        const auto found = xmlRead.mapImage.find(i + 1);
+        EXPECT_TRUE(given[i] < 0 ? found == xmlRead.mapImage.end() : found->second.pixels == expected) << i + 1;
     }
-    calcFill(4, bytes, &style);
+    calcFill(8, bytes, &style);
     EXPECT_TRUE(style == 100 && bytes[0] == 0xff && bytes[1] == 0 && bytes[127] == 0);
-    calcFill(200, bytes, &style); // the first 172 characters: 128 bytes of ones, the solid fill
-    EXPECT_TRUE(style == 0 && xmlRead.mapFont[0].type == 1);
+    calcFill(9, bytes, &style); // the first 172 characters: 128 bytes of ones, the solid fill
+    EXPECT_TRUE(style == 0 && xmlRead.mapFont[10].type == 1);
 }
 
 } // namespace
