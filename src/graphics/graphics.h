@@ -26,6 +26,9 @@ KOREL2D_API void kvColor4f(float r, float g, float b, float a);
 KOREL2D_API void setStipple(int number, const uint8_t* pattern);
 // The 128-byte bitmap of fill pattern 0..59; other numbers give pattern 0.
 KOREL2D_API const uint8_t* getPattern(int number);
+// The 16-byte MD5 digest of fill pattern 0..59, by which a pattern met as bytes is matched back
+// to its number; other numbers give pattern 0's. The digests are made once, at the first call.
+KOREL2D_API const uint8_t* getPatternHash(int number);
 // Stipple factor and pattern of line style 0..9; others are solid. Result 0.
 KOREL2D_API int getLineStipple(int style, int32_t* factor, uint16_t* pattern);
 KOREL2D_API void setRgbColorIndex(uint32_t* table);
@@ -61,3 +64,5 @@ void tkVertex2f(float x, float y);
 // Fill patterns 0..59, each a 32 x 32 polygon stipple of 32 rows of 4 bytes.
 constexpr int kFillPatternCount = 60;
 constexpr int kFillPatternBytes = 128;
+// Line styles 0..9.
+constexpr int kLineStyleCount = 10;

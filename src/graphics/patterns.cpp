@@ -1,6 +1,9 @@
 // The line styles and fill patterns that style numbers in view files refer to. Stored views
 // depend on every bit, so the patterns are generated from their defining rules, once, at first use.
 #include "graphics/graphics.h"
+#include "base/md5.h"
+
+#include <array>
 
 namespace {
 
@@ -111,20 +114,38 @@ const PatternTable& patterns()
     return table;
 }
 
-constexpr uint16_t kLineStyles[10] = {0xFFFF, 0xAAAA, 0xCCCC, 0xF0F0, 0xFF00,
-                                      0x8888, 0x8080, 0x8181, 0xEEEE, 0x0C0F};
+constexpr uint16_t kLineStyles[kLineStyleCount] = {0xFFFF, 0xAAAA, 0xCCCC, 0xF0F0, 0xFF00,
+                                                   0x8888, 0x8080, 0x8181, 0xEEEE, 0x0C0F};
+
+// Negative numbers count as large unsigned ones and fall back to the solid fill.
+int patternIndex(int number)
+{
+    return unsigned(number) < kFillPatternCount ? number : 0;
+}
 
 } // namespace
 
 const uint8_t* getPattern(int number)
 {
-    // Negative numbers count as large unsigned ones and fall back to the solid fill.
-    return patterns().bytes[unsigned(number) < kFillPatternCount ? number : 0];
+    return patterns().bytes[patternIndex(number)];
+}
+
+const uint8_t* getPatternHash(int number)
+{
+    // A function-local static: the first caller digests, concurrent first callers wait for it.
+    static const std::array<Md5Hash, kFillPatternCount> digests = [] {
+        std::array<Md5Hash, kFillPatternCount> table;
+        Md5 md5;
+        for (int n = 0; n < kFillPatternCount; ++n)
+            table[n] = md5.getMd5(getPattern(n), kFillPatternBytes);
+        return table;
+    }();
+    return digests[patternIndex(number)].bytes;
 }
 
 int getLineStipple(int style, int32_t* factor, uint16_t* pattern)
 {
     *factor = 1;
-    *pattern = kLineStyles[unsigned(style) < 10 ? style : 0];
+    *pattern = kLineStyles[unsigned(style) < kLineStyleCount ? style : 0];
     return 0;
 }
