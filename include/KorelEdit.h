@@ -625,7 +625,7 @@ KOREL2D_API int variableInsertAfter(VARIABLE_STRUCT* variable, VARIABLE_STRUCT* 
 /** Unlinks and destroys the variable with its parameter slots and value buffer. */
 KOREL2D_API int delVariable(VARIABLE_STRUCT** head, VARIABLE_STRUCT* variable);
 
-/* ================================================================ 7. binary view files */
+/* ================================================================ 7. view files, binary and XML */
 
 /** Reads a whole binary view file into the two lists (appended) and the view's page fields.
  *  @return 0, or -1 for a file that can't be read or isn't a view file (reason in the log). */
@@ -658,6 +658,20 @@ KOREL2D_API int KPutFInt(int32_t value, FILE* stream);
 KOREL2D_API int KPutFFloat(FILE* stream, float value);
 /** Writes the n bytes at buffer as they stand. @return 0, or -1 when they couldn't be written. */
 KOREL2D_API int KPutFString(const char* buffer, FILE* stream, int n);
+
+/** Reads an XML view file: the page fields into `view`, the sources appended to `dataTypes`, the
+ *  elements to `elements`. The sources are taken as stored, not matched against the installed
+ *  ones. Loads and saves on several threads take turns. Pictures and fonts are made in the
+ *  current GL context.
+ *  @return 0; -1, adding nothing, for a file that can't be read or has no root element. */
+KOREL2D_API int loadFileXml(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes,
+                            VIEW_STRUCT* view);
+/** Writes the view as an XML view file, replacing any file at `path`: the page fields of `view`,
+ *  the data sources, the shared strokes, patterns, pictures and fonts, the element tree. The
+ *  elements' style, font and picture numbers are rewritten for this file. Each of the lists may
+ *  be null. @return 0, also when the file could not be written. */
+KOREL2D_API int saveFileXml(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* dataTypes,
+                            const VIEW_STRUCT* view);
 
 /** Writes the MD5 digest (RFC 1321) of the rest of the stream as 32 lowercase hexadecimal digits
  *  and a terminator into hex (33 chars). The stream stays open, read to its end.

@@ -101,6 +101,13 @@ void dataSaveXml(XmlElement& section, const DD_DATA_TYPE_STRUCT* dataTypes);
 // Appends the "datasource" children of the section to the list; `mode` has no effect.
 int dataLoadXml(const XmlElement& section, DD_DATA_TYPE_STRUCT** dataTypes, int mode);
 
+// ------------------------------------------------------------------ frame
+
+// The sections of a document's root, in document order, by name; unknown ones are skipped.
+// Leaves xmlRead filled (loadFileXml empties it); the caller holds xmlFileLock.
+void loadSections(const XmlElement& root, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes,
+                  VIEW_STRUCT* view);
+
 // ------------------------------------------------------------------ geometry
 
 // Writes one element (with its children and actions) into `parent`, coordinates less

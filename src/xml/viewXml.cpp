@@ -1,0 +1,129 @@
+// The frame of an XML view file: root, header and the order of the sections. The sections
+// themselves are written and read by the data-source, style-table and element code.
+#include "xml/viewXml.h"
+
+#include <cstdio>
+
+namespace {
+
+// Fixed texts of the header, kept as files of earlier releases have them.
+const char* const kRootName = "Korel2D";
+const char* const kHeaderDate = "24.05.2008";
+
+XmlElement makeHeader(const std::string& path, const VIEW_STRUCT& view)
+{
+    XmlElement header("header");
+    header.setAttributeString("date", kHeaderDate);
+    header.setAttributeString("name", path);
+    header.setAttributeDouble("x", view.x);
+    header.setAttributeDouble("y", view.y);
+    header.setAttributeDouble("width", view.width);
+    header.setAttributeDouble("height", view.height);
+    header.setAttributeColor("pagecolor", Color(view.pageColor[0], view.pageColor[1], view.pageColor[2], 1.0f));
+    return header;
+}
+
+void readHeader(const XmlElement& header, VIEW_STRUCT* view)
+{
+    view->x = float(header.getAttributeDouble("x"));
+    view->y = float(header.getAttributeDouble("y"));
+    view->width = float(header.getAttributeDouble("width"));
+    view->height = float(header.getAttributeDouble("height"));
+    const Color page = header.getAttributeColor("pagecolor");
+    for (int i = 0; i < 3; ++i)
+        view->pageColor[i] = page[i];
+}
+
+void emptyReadTables()
+{
+    xmlRead = XmlReadTables();
+}
+
+} // namespace
+
+int saveFileXml(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* dataTypes, const VIEW_STRUCT* view)
+{
+    if (!path)
+        return 0;
+    std::lock_guard<std::mutex> hold(xmlFileLock);
+    static const VIEW_STRUCT noPage = {};
+    XmlDocument document;
+    xmlWrite = XmlWriteTables();
+
+    const int release = KGet_releasenr();
+    char version[32];
+    std::snprintf(version, sizeof version, "%d.%d", release / 100, release % 100);
+    XmlElement root(kRootName);
+    root.setAttributeString("version", version);
+    document.appendElement(root);
+
+    XmlElement header = makeHeader(path, view ? *view : noPage);
+    root.appendElement(header);
+    XmlElement editor("editor");
+    root.appendElement(editor);
+
+    XmlElement data("data");
+    dataSaveXml(data, dataTypes);
+    root.appendElement(data);
+
+    // Numbers the definitions and writes them into the records, which the geometry then writes.
+    XmlElement definition("definition");
+    for (ELEMENT_STRUCT* element = elements; element; element = element->next)
+        definitionSaveXml(element, definition);
+    root.appendElement(definition);
+
+    XmlElement geometry("geometry");
+    xmlWrite.wx = xmlWrite.wy = 0.0;
+    for (ELEMENT_STRUCT* element = elements; element; element = element->next)
+        elementSaveXml(element, geometry);
+    root.appendElement(geometry);
+
+    document.write(path);
+    xmlWrite = XmlWriteTables();
+    return 0;
+}
+
+void loadSections(const XmlElement& root, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes,
+                  VIEW_STRUCT* view)
+{
+    for (XmlElement section = root.firstElement(); section.valid(); section = section.nextElement()) {
+        const std::string name = section.name();
+        if (name == "header") {
+            if (view)
+                readHeader(section, view);
+        } else if (name == "data") {
+            if (dataTypes)
+                dataLoadXml(section, dataTypes, 0);
+        } else if (name == "definition") {
+            // A later section wins: strokes, patterns and pictures start over, fonts are
+            // replaced number by number.
+            xmlRead.mapStrokeStyle.clear();
+            xmlRead.mapFillStyle.clear();
+            xmlRead.mapImage.clear();
+            loadDefinition(section);
+        } else if (name == "geometry" && elements) {
+            xmlRead.wx = xmlRead.wy = 0.0;
+            for (XmlElement node = section.firstElement(); node.valid(); node = node.nextElement())
+                elementLoadXml(node, elements);
+        }
+    }
+}
+
+int loadFileXml(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes, VIEW_STRUCT* view)
+{
+    if (!path)
+        return -1;
+    std::lock_guard<std::mutex> hold(xmlFileLock);
+    XmlDocument document;
+    document.read(path);
+    // A document the parser gave up on midway still has its root: what was read before the
+    // error loads, as far as it goes.
+    const XmlElement root = document.root();
+    if (!root.valid())
+        return -1;
+    emptyReadTables();
+    loadSections(root, elements, dataTypes, view);
+    // Pictures have their own copies in the texture store by now.
+    emptyReadTables();
+    return 0;
+}

@@ -1,0 +1,107 @@
+// The frame of XML view files: what a save puts on disk, and what a load takes from any file.
+#include "xml/viewXml.h"
+
+#include "GlContext.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+std::string fileText(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+k2dtest::TempFile xmlFile(const std::string& text)
+{
+    return k2dtest::TempFile(std::vector<uint8_t>(text.begin(), text.end()), ".xml");
+}
+
+TEST(XmlFrame, SaveWritesTheSectionsInOrderAndTheHeaderReadsBack)
+{
+    VIEW_STRUCT view = {};
+    view.x = -5;
+    view.width = 1234.5678f;
+    view.height = 600;
+    view.pageColor[1] = 0.5f;
+    view.pageColor[2] = 1.0f;
+    k2dtest::TempFile file({}, ".xml");
+    ASSERT_EQ(saveFileXml(file.path().c_str(), nullptr, nullptr, &view), 0);
+    EXPECT_EQ(fileText(file.path()),
+              "<?xml version=\"1.0\" ?>\n<Korel2D version=\"3.4\">\n    <header date=\"24.05.2008\" name=\"" +
+                  file.path() +
+                  "\" x=\"-5\" y=\"0\" width=\"1234.57\" height=\"600\" pagecolor=\"#007fffff\" />\n"
+                  "    <editor />\n    <data />\n    <definition />\n    <geometry />\n</Korel2D>\n");
+
+    VIEW_STRUCT back = {};
+    ELEMENT_STRUCT* elements = nullptr;
+    DD_DATA_TYPE_STRUCT* sources = nullptr;
+    ASSERT_EQ(loadFileXml(file.path().c_str(), &elements, &sources, &back), 0);
+    EXPECT_TRUE(back.x == -5 && back.width == 1234.57f && back.height == 600 && !elements && !sources);
+    EXPECT_TRUE(back.pageColor[0] == 0 && back.pageColor[1] == 127 / 255.0f && back.pageColor[2] == 1);
+}
+
+// The reader takes the first element as root whatever its name, skips what it doesn't know,
+// and drops the page colour's alpha; without one the page is white.
+TEST(XmlFrame, AnyRootAndUnknownSectionsLoad)
+{
+    struct Case {
+        const char* text;
+        float page[3];
+    } cases[] = {
+        {"<View><junk a=\"1\"><x/></junk><header pagecolor=\"#10203000\" height=\"7\"/><editor/></View>",
+         {16 / 255.0f, 32 / 255.0f, 48 / 255.0f}},
+        {"<Korel2D><header height=\"7\"/></Korel2D>", {1, 1, 1}},
+    };
+    for (const Case& c : cases) {
+        k2dtest::TempFile file = xmlFile(c.text);
+        VIEW_STRUCT view = {};
+        EXPECT_EQ(loadFileXml(file.path().c_str(), nullptr, nullptr, &view), 0) << c.text;
+        EXPECT_TRUE(view.height == 7 && view.pageColor[0] == c.page[0] && view.pageColor[1] == c.page[1] &&
+                    view.pageColor[2] == c.page[2])
+            << c.text;
+    }
+}
+
+// A later definition section starts the strokes, patterns and pictures over; fonts are kept
+// and replaced by number.
+TEST(XmlFrame, SecondDefinitionEmptiesAllButFonts)
+{
+    const std::string first = "<definition><stroke id=\"1\" factor=\"2\" data=\"0xff\"/>"
+                              "<pattern id=\"2\" data=\"\"/><bitmap id=\"3\" width=\"1\" height=\"1\"/>"
+                              "<font id=\"4\" family=\"A\"/><font id=\"5\" family=\"B\"/></definition>";
+    k2dtest::TempFile file = xmlFile("<Korel2D>" + first + "<definition><font id=\"5\" family=\"C\"/></definition></Korel2D>");
+    XmlDocument document;
+    ASSERT_TRUE(document.read(file.path()));
+    xmlRead = XmlReadTables();
+    loadSections(document.root(), nullptr, nullptr, nullptr);
+    EXPECT_TRUE(xmlRead.mapStrokeStyle.empty() && xmlRead.mapFillStyle.empty() && xmlRead.mapImage.empty());
+    ASSERT_EQ(xmlRead.mapFont.size(), 2u);
+    EXPECT_TRUE(xmlRead.mapFont[4].family == "A" && xmlRead.mapFont[5].family == "C");
+}
+
+// Nothing to walk: -1, and the lists and the page stay as they were.
+TEST(XmlFrame, UnreadableFilesAddNothing)
+{
+    std::string deep;
+    for (int i = 0; i < 100000; ++i)
+        deep += "<a>";
+    const std::string texts[] = {"", "<?xml version=\"1.0\" ?>\n", "just text", deep};
+    auto loadsNothing = [](const std::string& path) {
+        VIEW_STRUCT view = {};
+        view.width = 42;
+        ELEMENT_STRUCT* elements = nullptr;
+        DD_DATA_TYPE_STRUCT* sources = nullptr;
+        EXPECT_EQ(loadFileXml(path.c_str(), &elements, &sources, &view), -1) << path.substr(0, 40);
+        EXPECT_TRUE(view.width == 42 && !elements && !sources) << path.substr(0, 40);
+    };
+    loadsNothing("/nonexistent/view.xml");
+    for (const std::string& text : texts)
+        loadsNothing(xmlFile(text).path());
+}
+
+} // namespace
