@@ -190,6 +190,28 @@ void writeElement(ViewBuilder& b, Lcg& random, int block, int slot, int k, const
 
 } // namespace
 
+std::vector<ActionFields> mixedActionPair(int k)
+{
+    ActionFields move;
+    move.id = 2 * k;
+    move.type = KR_ACTION_MOVE_X;
+    move.var = "position" + std::to_string(k % 50);
+    move.a1 = 100, move.b1 = 200;
+    ActionFields colour;
+    colour.id = 2 * k + 1;
+    colour.type = KR_ACTION_FILL_COLOR;
+    colour.var = "level" + std::to_string(k % 50);
+    colour.blocks[KR_THRESHOLDS_COLOR].min = 0, colour.blocks[KR_THRESHOLDS_COLOR].max = 100;
+    for (int band = 0; band < 3; ++band) {
+        ThresholdFields t;
+        t.lower = float(band * 33), t.upper = float(band * 33 + 33);
+        t.value = band;
+        t.color[0] = 0.3f * float(band);
+        colour.blocks[KR_THRESHOLDS_COLOR].entries.push_back(t);
+    }
+    return {move, colour};
+}
+
 std::vector<uint8_t> mixedView(const MixedActions& actions, const std::vector<SourceFields>& sources)
 {
     Lcg random;

@@ -79,6 +79,9 @@ constexpr int kMixedWidth = 1024, kMixedHeight = 768;
 constexpr int kMixedElements = 10000, kMixedGroups = 110;
 using MixedActions = std::function<std::vector<korelgen::ActionFields>(int k)>;
 std::vector<uint8_t> mixedView(const MixedActions& actions, const std::vector<korelgen::SourceFields>& sources = {});
+// The actions the mixed panel is loaded with: element k moved by a variable and its fill
+// coloured from three bands of another.
+std::vector<korelgen::ActionFields> mixedActionPair(int k);
 
 // Keeps each benchmark's real seconds per iteration, the median where runs are repeated.
 class SummaryReporter : public benchmark::ConsoleReporter {

@@ -7,46 +7,13 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <string>
-#include <vector>
-
-namespace {
-
-using namespace korelgen;
-using korelbench::Lcg;
-using korelbench::ViewFile;
-
-// Moves the element by a variable and colours its fill from three bands of it.
-std::vector<ActionFields> twoActions(int k)
-{
-    ActionFields move;
-    move.id = 2 * k;
-    move.type = KR_ACTION_MOVE_X;
-    move.var = "position" + std::to_string(k % 50);
-    move.a1 = 100, move.b1 = 200;
-    ActionFields colour;
-    colour.id = 2 * k + 1;
-    colour.type = KR_ACTION_FILL_COLOR;
-    colour.var = "level" + std::to_string(k % 50);
-    colour.blocks[KR_THRESHOLDS_COLOR].min = 0, colour.blocks[KR_THRESHOLDS_COLOR].max = 100;
-    for (int band = 0; band < 3; ++band) {
-        ThresholdFields t;
-        t.lower = float(band * 33), t.upper = float(band * 33 + 33);
-        t.value = band;
-        t.color[0] = 0.3f * float(band);
-        colour.blocks[KR_THRESHOLDS_COLOR].entries.push_back(t);
-    }
-    return {move, colour};
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
-    ViewFile file(korelbench::mixedView(twoActions));
+    korelbench::ViewFile file(korelbench::mixedView(korelbench::mixedActionPair));
     if (file.path.empty()) {
         std::fprintf(stderr, "korel2d_bench_mixed: cannot write the view file\n");
         return 1;

@@ -6,7 +6,7 @@
 set -e
 root=$(cd "$(dirname "$0")/.." && pwd)
 build="$root/build-bench"
-programs="rects mixed live text graph latency expression calculator pick"
+programs="rects mixed xml live text graph latency expression calculator pick"
 
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DKOREL2D_TESTS=OFF -DKOREL2D_TOOLS=OFF >/dev/null
 for p in $programs; do
