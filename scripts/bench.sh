@@ -3,10 +3,11 @@
 # README's performance section: medians of five repetitions, each beside its reference.
 # Arguments go to every benchmark program, e.g. --benchmark_filter=Draw. Without DISPLAY the runs
 # go under Xvfb (GLX, the reference setup); KOREL2D_BENCH_EGL=1 takes Mesa's surfaceless EGL instead.
+# KOREL2D_BENCH_PROGRAMS names the programs to run, e.g. "xml mixed"; all of them by default.
 set -e
 root=$(cd "$(dirname "$0")/.." && pwd)
 build="$root/build-bench"
-programs="rects mixed xml live text graph latency expression calculator pick"
+programs="${KOREL2D_BENCH_PROGRAMS:-rects mixed xml live text graph latency expression calculator pick}"
 
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DKOREL2D_TESTS=OFF -DKOREL2D_TOOLS=OFF >/dev/null
 for p in $programs; do

@@ -60,6 +60,27 @@ bool nestsTooDeep(const std::string& bytes)
     return false;
 }
 
+// Line ends as the parser's own file loading leaves them, so that a value spanning lines reads
+// the same whichever way the bytes came: CR LF and a lone CR become LF. Files of our writer have
+// no CR, and the search for the first is all they cost.
+void normalizeLineEnds(std::string& bytes)
+{
+    size_t in = bytes.find('\r');
+    if (in == std::string::npos)
+        return;
+    size_t out = in;
+    while (in < bytes.size()) {
+        if (bytes[in] == '\r') {
+            bytes[out++] = '\n';
+            if (++in < bytes.size() && bytes[in] == '\n')
+                ++in;
+        } else {
+            bytes[out++] = bytes[in++];
+        }
+    }
+    bytes.resize(out);
+}
+
 // One colour component as the file holds it: truncated, not rounded, so that the value read
 // back from two digits (digits / 255) writes the same digits again. Clamped so that garbage
 // still fits two digits.
@@ -212,12 +233,23 @@ bool XmlDocument::read(const std::string& fileName)
     FILE* file = std::fopen(fileName.c_str(), "rb");
     if (!file)
         return false;
+    // Read straight into the string that is parsed: the parser's own file loading would read
+    // the whole file a second time into a copy of its own.
+    constexpr size_t chunk = 1 << 16;
     std::string bytes;
-    char chunk[1 << 16];
-    for (size_t got; (got = std::fread(chunk, 1, sizeof chunk, file)) > 0;)
-        bytes.append(chunk, got);
-    // The same open file is parsed, so what was counted is what the parser reads.
-    const bool loaded = !nestsTooDeep(bytes) && document_.LoadFile(file, TIXML_DEFAULT_ENCODING);
+    for (size_t got = 0;;) {
+        bytes.resize(got + chunk);
+        const size_t read = std::fread(&bytes[got], 1, chunk, file);
+        got += read;
+        if (read == 0) {
+            bytes.resize(got);
+            break;
+        }
+    }
     std::fclose(file);
-    return loaded;
+    if (nestsTooDeep(bytes))
+        return false;
+    normalizeLineEnds(bytes);
+    document_.Parse(bytes.c_str(), nullptr, TIXML_DEFAULT_ENCODING);
+    return !document_.Error();
 }

@@ -98,4 +98,14 @@ TEST(XmlDocumentRead, RefusesNestingDeeperThanAThousand)
     EXPECT_TRUE(!read("<a>", 100000) && !document.root().valid());
 }
 
+// Line ends of other systems in a value spanning lines read as LF, each CR LF as one.
+TEST(XmlDocumentRead, LineEndsReadAsLineFeeds)
+{
+    const std::string text = "<e v=\"a\r\nb\rc\n\r\n\" />\r";
+    k2dtest::TempFile file({text.begin(), text.end()}, ".xml");
+    XmlDocument document;
+    ASSERT_TRUE(document.read(file.path()));
+    EXPECT_EQ(document.root().getAttributeString("v"), "a\nb\nc\n\n");
+}
+
 } // namespace
