@@ -1,7 +1,6 @@
 // Loading a panel as a real one mixes it: every kind but pictures, nested in groups, each element
 // animated by two actions. Held against reading the same bytes; the summary prints the rate.
 #include "Korel2D.h"
-#include "ViewBuilder.h"
 #include "benchCommon.h"
 
 #include <benchmark/benchmark.h>
