@@ -220,7 +220,7 @@ std::string parseArguments(int argc, char** argv, Options* o)
     if (!o->save.empty() && !o->edit)
         return "--save goes with --edit only";
     if (!o->xmlOut.empty() && (o->edit || o->dump || o->vars || !o->png.empty() || !o->script.empty()))
-        return "--save-xml goes with no other option";
+        return "--save-xml goes with none of --edit, --dump, --vars, --png and --events";
     return "";
 }
 
