@@ -1186,7 +1186,8 @@ std::vector<NamedView> seedViews()
 const char* const kXmlSamples[] = {"everykind", "sources"};
 
 // Each XML sample cut in half, with every attribute a huge negative number, and with its data
-// section twice: start points for the fuzzer away from the well-formed files.
+// section twice: start points for the fuzzer away from the well-formed files. Read from the
+// working directory, the output directory once writeXmlForms has run.
 std::vector<NamedView> xmlSeeds()
 {
     std::vector<NamedView> seeds;
