@@ -6,10 +6,12 @@
 // a tinted picture on the same signals, and stripchart.k2d, a time graph and an xy graph, sliders
 // and a scrolling tape on them, and feed.k2d, a panel on what korel2d-feed writes into shared
 // memory and sends in datagrams, and controls.k2d, buttons, a slider and a knob worked by the
-// pointer. Usage: korel2d-samples [--seeds] OUTPUT_DIR
+// pointer. everykind.xml and sources.xml are the XML form of their binary namesakes.
+// Usage: korel2d-samples [--seeds] OUTPUT_DIR
 // With --seeds it also writes small views of each element kind, each action type and every
-// variable type, and a few path texts: the seed corpus of the fuzzing harnesses.
-#include "Korel2D.h"
+// variable type, a few path texts and damaged copies of the XML samples: the seed corpus of the
+// fuzzing harnesses.
+#include "KorelEdit.h"
 #include "KshmSegment.h"
 #include "ViewBuilder.h"
 #include "panelPalette.h"
@@ -20,9 +22,13 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 using namespace korelgen;
 using namespace samplepanel;
@@ -1176,6 +1182,37 @@ std::vector<NamedView> seedViews()
     return seeds;
 }
 
+// The binary samples that also ship in XML form.
+const char* const kXmlSamples[] = {"everykind", "sources"};
+
+// Each XML sample cut in half, with every attribute a huge negative number, and with its data
+// section twice: start points for the fuzzer away from the well-formed files. Read from the
+// working directory, the output directory once writeXmlForms has run.
+std::vector<NamedView> xmlSeeds()
+{
+    std::vector<NamedView> seeds;
+    for (const char* name : kXmlSamples) {
+        std::ifstream in(std::string(name) + ".xml", std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        std::string huge;
+        size_t at = 0;
+        for (size_t open, close; (open = text.find("=\"", at)) != std::string::npos &&
+                                 (close = text.find('"', open + 2)) != std::string::npos;
+             at = close + 1)
+            huge += text.substr(at, open - at) + "=\"-9e99\"";
+        huge += text.substr(at);
+        const size_t first = text.find("<data"), after = text.find("<definition");
+        std::string twice = text;
+        if (first != std::string::npos && after != std::string::npos)
+            twice.insert(first, text, first, after - first);
+        const std::pair<const char*, std::string> damaged[] = {
+            {"cut", text.substr(0, text.size() / 2)}, {"huge", huge}, {"twice", twice}};
+        for (const auto& [what, bytes] : damaged)
+            seeds.emplace_back(std::string("xml-") + name + "-" + what, std::vector<uint8_t>(bytes.begin(), bytes.end()));
+    }
+    return seeds;
+}
+
 bool writeFile(const std::string& path, const std::vector<uint8_t>& bytes)
 {
     FILE* file = std::fopen(path.c_str(), "wb");
@@ -1191,6 +1228,34 @@ bool writeFile(const std::string& path, const std::vector<uint8_t>& bytes)
     return true;
 }
 
+// The XML forms are what the library's own reader and writer make of the binary files, so that
+// they say exactly what the binary ones do: this is why the generator links the library. They
+// are written from the output directory under their bare names, as the header keeps the name
+// they were saved under and the files must not depend on where they were made.
+bool writeXmlForms(const std::string& dir)
+{
+    if (chdir(dir.c_str()) != 0) {
+        std::fprintf(stderr, "korel2d-samples: cannot enter %s: %s\n", dir.c_str(), std::strerror(errno));
+        return false;
+    }
+    for (const char* name : kXmlSamples) {
+        const std::string binary = std::string(name) + ".k2d", xml = std::string(name) + ".xml";
+        VIEW_STRUCT view = {};
+        const bool loaded = loadFile(binary.c_str(), &view.elements, &view.dataTypes, &view) == 0;
+        if (loaded)
+            saveFileXml(xml.c_str(), view.elements, view.dataTypes, &view);
+        elementDeleteAll(&view.elements);
+        while (view.dataTypes)
+            delDataType(&view.dataTypes, view.dataTypes, 0);
+        if (!loaded || access(xml.c_str(), R_OK) != 0) {
+            std::fprintf(stderr, "korel2d-samples: cannot turn %s/%s into XML\n", dir.c_str(), binary.c_str());
+            return false;
+        }
+        std::printf("wrote %s/%s\n", dir.c_str(), xml.c_str());
+    }
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -1200,6 +1265,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: korel2d-samples [--seeds] OUTPUT_DIR\n");
         return 2;
     }
+    const std::string dir = argv[argc - 1];
     std::vector<NamedView> views = {
         {"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()},
         {"readouts.k2d", readouts()}, {"stripchart.k2d", stripChart()}, {"feed.k2d", feed()},
@@ -1209,10 +1275,18 @@ int main(int argc, char** argv)
         views.insert(views.end(), seeds.begin(), seeds.end());
     }
     for (const auto& [name, bytes] : views) {
-        std::string path = std::string(argv[argc - 1]) + "/" + name;
+        std::string path = dir + "/" + name;
         if (!writeFile(path, bytes))
             return 1;
         std::printf("wrote %s\n", path.c_str());
     }
+    if (!writeXmlForms(dir))
+        return 1;
+    if (withSeeds)
+        for (const auto& [name, bytes] : xmlSeeds()) {
+            if (!writeFile(name, bytes))
+                return 1;
+            std::printf("wrote %s/%s\n", dir.c_str(), name.c_str());
+        }
     return 0;
 }

@@ -3,8 +3,8 @@
 # and runs each harness for SECONDS, side by side, from the seed corpus that the sample
 # generator writes and the regression corpus tests/fuzz/regression/ (textimage makes its views
 # from any bytes, expression reads them as the text of an expression and path as an outline
-# text: to these three they are merely bytes).
-# Usage: sh scripts/fuzz.sh [SECONDS [HARNESS...]]  (default: 60 seconds, harnesses load draw textimage expression live path)
+# text: to these three they are merely bytes; xml reads them as an XML view file).
+# Usage: sh scripts/fuzz.sh [SECONDS [HARNESS...]]  (default: 60 seconds, harnesses load draw textimage expression live path xml)
 # Inputs that find new code stay in build-fuzz/corpus/HARNESS/ for the next run; a crash is
 # written to build-fuzz/crashes/ and makes the script fail: once fixed, copy it into the
 # regression corpus.
@@ -13,7 +13,7 @@ cd "$(dirname "$0")/.."
 root=$(pwd)
 seconds=${1:-60}
 [ $# -gt 0 ] && shift
-harnesses=${*:-load draw textimage expression live path}
+harnesses=${*:-load draw textimage expression live path xml}
 build="$root/build-fuzz"
 
 targets=korel2d-samples

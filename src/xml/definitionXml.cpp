@@ -120,7 +120,8 @@ void loadPattern(const XmlElement& e)
         decodeBase64(e.getAttributeString("data"), size_t(Base64::getSize(kFillPatternBytes)));
     FillPattern& pattern = xmlRead.mapFillStyle[e.getAttributeInt("id")];
     memset(pattern.bytes, 0, sizeof pattern.bytes);
-    memcpy(pattern.bytes, bytes.data(), std::min(bytes.size(), sizeof pattern.bytes));
+    // Not memcpy: an empty text decodes to no buffer at all.
+    std::copy_n(bytes.begin(), std::min(bytes.size(), sizeof pattern.bytes), pattern.bytes);
 }
 
 // Pixels that the text does not supply, whole or through zlib, stay zero.
@@ -140,7 +141,7 @@ void loadBitmap(const XmlElement& e)
         uLongf length = uLongf(size);
         uncompress(image.pixels.data(), &length, decoded.data(), uLong(decoded.size()));
     } else {
-        memcpy(image.pixels.data(), decoded.data(), std::min(decoded.size(), size));
+        std::copy_n(decoded.begin(), std::min(decoded.size(), size), image.pixels.begin());
     }
     xmlRead.mapImage[e.getAttributeInt("id")] = std::move(image);
 }

@@ -1,11 +1,13 @@
 #include "fuzzView.h"
 
-#include "Korel2D.h"
+#include "KorelEdit.h"
 #include "OffscreenGl.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+
+#include <unistd.h>
 
 namespace k2dfuzz {
 namespace {
@@ -70,6 +72,27 @@ bool runView(const uint8_t* data, size_t size, int frames)
     expectZero(krViewStop(view), "krViewStop");
     krViewFree(view);
     return true;
+}
+
+int loadXmlView(const uint8_t* data, size_t size)
+{
+    // One name per process: the harnesses of a fuzzing run share their working directory.
+    static const std::string path = "input-" + std::to_string(getpid()) + ".xml";
+    FILE* file = std::fopen(path.c_str(), "wb");
+    if (!file || std::fwrite(data, 1, size, file) != size || std::fclose(file) != 0) {
+        std::fprintf(stderr, "fuzz: cannot write %s\n", path.c_str());
+        std::abort();
+    }
+    VIEW_STRUCT view = {};
+    if (loadFileXml(path.c_str(), &view.elements, &view.dataTypes, &view) != 0)
+        return -1;
+    int loaded = 0;
+    for (; view.dataTypes; ++loaded)
+        delDataType(&view.dataTypes, view.dataTypes, 0);
+    for (const ELEMENT_STRUCT* e = view.elements; e; e = e->next)
+        ++loaded;
+    elementDeleteAll(&view.elements);
+    return loaded;
 }
 
 } // namespace k2dfuzz

@@ -1,7 +1,8 @@
 // Runs a harness over files instead of under the fuzzer, so that compilers without libFuzzer
-// replay the regression corpus too, or sweeps the damaged copies of every sample view of a
+// replay the regression corpus too (the drawing harness, or for *.xml the XML one), or sweeps the damaged copies of every sample view of a
 // directory. Usage: korel2d-fuzz-replay FILE_OR_DIRECTORY... | --sweep DIRECTORY | --long-sweep DIRECTORY
-// (--long-sweep runs every cut for 100 frames, not one in 97: minutes a sample).
+// | --xml-sweep DIRECTORY (--long-sweep runs every cut for 100 frames, not one in 97: minutes a
+// sample; --xml-sweep loads the damaged copies of the XML view files).
 #include "fuzzView.h"
 #include "sampleSweep.h"
 
@@ -67,6 +68,7 @@ void leaveScratch(const std::string& scratch)
 // The test run's sweep runs one cut in this many for 100 frames, the long sweep every cut.
 constexpr size_t kSomeCutsLong = 97, kEveryCutLong = 1;
 
+// longCutStride 0: the XML sweep.
 int sweep(const char* dir, size_t longCutStride)
 {
     constexpr int kSweepSide = 8;
@@ -78,7 +80,7 @@ int sweep(const char* dir, size_t longCutStride)
     k2dfuzz::prepareProcess();
     if (!k2dfuzz::prepareDrawing(kSweepSide))
         return 1;
-    const int status = k2dfuzz::sweepSamples(samples, longCutStride);
+    const int status = longCutStride ? k2dfuzz::sweepSamples(samples, longCutStride) : k2dfuzz::sweepXmlSamples(samples);
     leaveScratch(scratch);
     return status;
 }
@@ -91,6 +93,8 @@ int main(int argc, char** argv)
         return sweep(argv[2], kSomeCutsLong);
     if (argc == 3 && std::strcmp(argv[1], "--long-sweep") == 0)
         return sweep(argv[2], kEveryCutLong);
+    if (argc == 3 && std::strcmp(argv[1], "--xml-sweep") == 0)
+        return sweep(argv[2], 0);
     std::vector<std::pair<std::string, std::vector<uint8_t>>> inputs;
     for (const fs::path& file : inputFiles(argc, argv)) {
         std::ifstream in(file, std::ios::binary);
@@ -111,7 +115,10 @@ int main(int argc, char** argv)
     for (const auto& [name, bytes] : inputs) {
         std::printf("replay: %s (%zu bytes)\n", name.c_str(), bytes.size());
         std::fflush(stdout);
-        LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+        if (fs::path(name).extension() == ".xml")
+            k2dfuzz::loadXmlView(bytes.data(), bytes.size());
+        else
+            LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
     }
     std::printf("replay: %zu inputs ran\n", inputs.size());
     leaveScratch(scratch);

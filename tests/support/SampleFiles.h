@@ -22,11 +22,13 @@ inline std::vector<std::string> samplePaths()
 }
 
 // A view as the reader makes it from a file, before sources are matched to libraries: cheap
-// enough to load tens of thousands of times.
+// enough to load tens of thousands of times. The binary reader unless another is given.
 struct FileView {
+    using Reader = int (*)(const char*, ELEMENT_STRUCT**, DD_DATA_TYPE_STRUCT**, VIEW_STRUCT*);
     VIEW_STRUCT view = {};
     const int result;
-    explicit FileView(const std::string& path) : result(loadFile(path.c_str(), &view.elements, &view.dataTypes, &view))
+    explicit FileView(const std::string& path, Reader read = loadFile)
+        : result(read(path.c_str(), &view.elements, &view.dataTypes, &view))
     {
     }
     ~FileView()

@@ -1,5 +1,6 @@
 // korel2d-view: shows a view file in a GLX window, or renders it off-screen into a PNG file
-// when asked to or when no X display answers, or lists its records as text; or edits it.
+// when asked to or when no X display answers, or lists its records as text; or edits it; or
+// writes it as an XML view file.
 #include "KorelEdit.h"
 #include "OffscreenGl.h"
 #include "dumpView.h"
@@ -15,11 +16,14 @@
 #include <X11/keysym.h>
 
 #include <algorithm>
+#include <cctype>
+#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -52,6 +56,7 @@ struct Options {
     bool help = false;
     bool edit = false;
     std::string save;   // empty: the view file itself
+    std::string xmlOut; // the file of --save-xml
     std::string script; // the file of --events
     std::vector<ScriptEvent> events;
 };
@@ -124,6 +129,13 @@ const std::vector<ValuedOption>& valuedOptions()
              o->save = value;
              return !o->save.empty();
          }},
+        {"--save-xml", "OUT", "OUT must be a file name",
+         "write the view as an XML view file to OUT and quit; nothing is drawn\n"
+         "(default off)",
+         [](const char* value, Options* o) {
+             o->xmlOut = value;
+             return !o->xmlOut.empty();
+         }},
     };
     return options;
 }
@@ -131,7 +143,8 @@ const std::vector<ValuedOption>& valuedOptions()
 const char* const kSynopsis = "usage: korel2d-view FILE [--png OUT] [--frames N] [--size WxH] [--zoom Z] [--events SCRIPT]\n"
                               "       korel2d-view FILE --edit [--save OUT] [--events SCRIPT] [--png OUT ...]\n"
                               "       korel2d-view FILE --dump [--png OUT ...]\n"
-                              "       korel2d-view FILE --vars [--anim] [--frames N] [--png OUT ...]\n";
+                              "       korel2d-view FILE --vars [--anim] [--frames N] [--png OUT ...]\n"
+                              "       korel2d-view FILE --save-xml OUT\n";
 
 // Each option with what its value must be, what it does and its default.
 std::string helpText()
@@ -139,7 +152,8 @@ std::string helpText()
     const std::string indent(15, ' ');
     std::string text = std::string(kSynopsis) +
                        "Shows the view file FILE running: in a window where an X display answers, else\n"
-                       "off-screen into a PNG file.\n";
+                       "off-screen into a PNG file. --dump and --save-xml also read an XML view file:\n"
+                       "one whose name ends in .xml or whose first non-blank character is '<'.\n";
     for (const ValuedOption& option : valuedOptions()) {
         std::string head = std::string("  ") + option.name + " " + option.placeholder;
         // A head too long for the column puts its rule on the next line.
@@ -205,6 +219,8 @@ std::string parseArguments(int argc, char** argv, Options* o)
         return "--edit goes with neither --dump nor --vars";
     if (!o->save.empty() && !o->edit)
         return "--save goes with --edit only";
+    if (!o->xmlOut.empty() && (o->edit || o->dump || o->vars || !o->png.empty() || !o->script.empty()))
+        return "--save-xml goes with none of --edit, --dump, --vars, --png and --events";
     return "";
 }
 
@@ -370,10 +386,63 @@ std::unique_ptr<Editor> editorFor(const Options& o, WINDOW_STRUCT* window, VIEW_
     return std::make_unique<Editor>(window, view, o.save.empty() ? o.file : o.save);
 }
 
+// By its name, or by its first non-blank byte: a binary view file begins with a number.
+bool isXmlFile(const std::string& file)
+{
+    const std::string suffix = ".xml";
+    if (file.size() >= suffix.size() && file.compare(file.size() - suffix.size(), suffix.size(), suffix) == 0)
+        return true;
+    std::ifstream in(file, std::ios::binary);
+    char c = 0;
+    while (in.get(c) && std::isspace(static_cast<unsigned char>(c)))
+        ;
+    return in && c == '<';
+}
+
+// The page and the lists as a file stores them, read by the reader alone: sources aren't
+// matched to plug-ins, nothing is prepared for drawing.
+struct StoredView {
+    VIEW_STRUCT view = {};
+    StoredView() = default;
+    StoredView(const StoredView&) = delete;
+    StoredView& operator=(const StoredView&) = delete;
+    ~StoredView()
+    {
+        elementDeleteAll(&view.elements);
+        while (view.dataTypes)
+            delDataType(&view.dataTypes, view.dataTypes, 0);
+    }
+    // False, with the reason on stderr, when the file doesn't load.
+    bool read(const std::string& file)
+    {
+        if (!isXmlFile(file)) {
+            if (!readPage(file, &view))
+                return false;
+            const bool loaded = loadFile(file.c_str(), &view.elements, &view.dataTypes, &view) == 0;
+            std::string log = takeLibraryLog();
+            if (!loaded)
+                reportLoadFailure(file, log.empty() ? "not a view file" : log);
+            return loaded;
+        }
+        if (loadFileXml(file.c_str(), &view.elements, &view.dataTypes, &view) == 0)
+            return true;
+        std::ifstream in(file);
+        reportLoadFailure(file, in ? "no XML element in it" : std::strerror(errno));
+        return false;
+    }
+};
+
 // No GL context is made: the library keeps the pictures of image records in its own store.
-// The page is read first only for its clearer report of a file that fails.
+// The page of a binary file is read first only for its clearer report of a file that fails.
 int dumpToStdout(const Options& o)
 {
+    if (isXmlFile(o.file)) {
+        StoredView stored;
+        if (!stored.read(o.file))
+            return kFailed;
+        dumpView(&stored.view, stdout);
+        return kDone;
+    }
     VIEW_STRUCT page = {};
     if (!readPage(o.file, &page))
         return kFailed;
@@ -381,6 +450,29 @@ int dumpToStdout(const Options& o)
     if (!view)
         return kFailed;
     dumpView(view.get(), stdout);
+    return kDone;
+}
+
+// The writer reports nothing, so the file is checked first by opening it, and afterwards by
+// reading it back.
+int saveAsXml(const Options& o)
+{
+    StoredView stored;
+    if (!stored.read(o.file))
+        return kFailed;
+    FILE* out = std::fopen(o.xmlOut.c_str(), "wb");
+    if (!out) {
+        std::fprintf(stderr, "korel2d-view: cannot write %s: %s\n", o.xmlOut.c_str(), std::strerror(errno));
+        return kFailed;
+    }
+    std::fclose(out);
+    saveFileXml(o.xmlOut.c_str(), stored.view.elements, stored.view.dataTypes, &stored.view);
+    StoredView back;
+    if (loadFileXml(o.xmlOut.c_str(), &back.view.elements, &back.view.dataTypes, &back.view) != 0) {
+        std::fprintf(stderr, "korel2d-view: cannot write %s: it does not read back\n", o.xmlOut.c_str());
+        return kFailed;
+    }
+    std::printf("korel2d-view: wrote %s\n", o.xmlOut.c_str());
     return kDone;
 }
 
@@ -714,6 +806,8 @@ int main(int argc, char** argv)
         int status = dumpToStdout(o);
         return status != kDone || o.png.empty() ? status : showOrRender(o);
     }
+    if (!o.xmlOut.empty())
+        return saveAsXml(o);
     if (o.vars)
         return runAndPrintVariables(o);
     return showOrRender(o);

@@ -3,7 +3,8 @@
 # expressions MATCH0, MATCH1, ... With PICTURE, the checker (CHECK) then inspects that PNG as a
 # picture of the sample SAMPLE (the panel unless named) at ZOOM.
 # NO_DISPLAY hides any X server from the tool; KOREL_HOME, if given, is where it finds plug-ins.
-# ABSENT names a file that the tool must not have written.
+# ABSENT names a file that the tool must not have written; SAME, a file whose namesake in WORK
+# the tool must have written byte for byte.
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
 string(REPLACE "|" ";" args "${ARGS}")
@@ -21,6 +22,13 @@ if(NOT status STREQUAL EXPECT)
 endif()
 if(ABSENT AND EXISTS ${WORK}/${ABSENT})
   message(FATAL_ERROR "${ABSENT} was written")
+endif()
+if(SAME)
+  get_filename_component(name ${SAME} NAME)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${WORK}/${name} ${SAME} RESULT_VARIABLE different)
+  if(different)
+    message(FATAL_ERROR "${name} differs from ${SAME}")
+  endif()
 endif()
 if(MATCH_COUNT GREATER 0)
   math(EXPR last "${MATCH_COUNT} - 1")

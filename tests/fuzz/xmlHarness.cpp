@@ -1,0 +1,20 @@
+// XML view files from bytes: written to a file in the working directory (a scratch directory
+// under scripts/fuzz.sh), loaded into fresh lists and freed.
+#include "fuzzView.h"
+
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    k2dfuzz::prepareProcess();
+    // Pictures and fonts are made in the current GL context, as a host's load makes them.
+    if (!k2dfuzz::prepareDrawing(8))
+        std::exit(1);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    k2dfuzz::loadXmlView(data, size);
+    return 0;
+}
