@@ -16,6 +16,8 @@ namespace {
 // TinyXML parses each nested element in a recursion of its own, so a hostile file of deep
 // nesting would exhaust the stack; views nest groups a few levels deep.
 constexpr int maxDepth = 1000;
+// Zero bytes behind a text to parse: more than the longest step of the parser past a character.
+constexpr size_t kParserSlack = 8;
 
 // Index + 1 is the KR_POS_ word; the last, the centre, also stands for every unknown value.
 const char* const positionWords[] = {"leftUpper",   "centerUpper", "rightUpper",
@@ -250,6 +252,11 @@ bool XmlDocument::read(const std::string& fileName)
     if (nestsTooDeep(bytes))
         return false;
     normalizeLineEnds(bytes);
+    // The parser takes a UTF-8 lead byte's word for the length of its character and steps over
+    // whatever follows, a terminator too. So the text ends at its first zero byte, as the parser
+    // would see it, and zeros behind it stop any step there instead of past the buffer.
+    bytes.resize(std::min(bytes.size(), bytes.find('\0')));
+    bytes.append(kParserSlack, '\0');
     document_.Parse(bytes.c_str(), nullptr, TIXML_DEFAULT_ENCODING);
     return !document_.Error();
 }

@@ -99,13 +99,18 @@ TEST(XmlDocumentRead, RefusesNestingDeeperThanAThousand)
 }
 
 // Line ends of other systems in a value spanning lines read as LF, each CR LF as one.
-TEST(XmlDocumentRead, LineEndsReadAsLineFeeds)
+// Line ends become line feeds, as the parser's own file loading makes them; a zero byte ends
+// the text even where a UTF-8 lead byte before it promises more.
+TEST(XmlDocumentRead, TextReadsUpToItsFirstZeroWithLineFeeds)
 {
-    const std::string text = "<e v=\"a\r\nb\rc\n\r\n\" />\r";
-    k2dtest::TempFile file({text.begin(), text.end()}, ".xml");
+    const std::string lines = "<e v=\"a\r\nb\rc\n\r\n\" />\r";
+    const std::string lead = std::string("<?xml version=\"1.0\" ?><e v=\"x\"> \xc3") + '\0' + "<beyond/></e>";
+    k2dtest::TempFile linesFile({lines.begin(), lines.end()}, ".xml"), leadFile({lead.begin(), lead.end()}, ".xml");
     XmlDocument document;
-    ASSERT_TRUE(document.read(file.path()));
+    ASSERT_TRUE(document.read(linesFile.path()));
     EXPECT_EQ(document.root().getAttributeString("v"), "a\nb\nc\n\n");
+    document.read(leadFile.path());
+    EXPECT_TRUE(document.root().getAttributeString("v") == "x" && !document.root().firstElement().valid());
 }
 
 } // namespace
