@@ -662,14 +662,33 @@ KOREL2D_API int KPutFString(const char* buffer, FILE* stream, int n);
 /** Reads an XML view file: the page fields into `view`, the sources appended to `dataTypes`, the
  *  elements to `elements`. The sources are taken as stored, not matched against the installed
  *  ones. Loads and saves on several threads take turns. Pictures and fonts are made in the
- *  current GL context.
- *  @return 0; -1, adding nothing, for a file that can't be read or has no root element. */
+ *  current GL context. What goes wrong is told in one line on standard output, "loadFileXml: ",
+ *  the path and the reason: a file it can't load; a document broken at a line and column, of
+ *  which what stands before the error loads; the number of elements of unknown names skipped.
+ *  @return 0; -1, adding nothing, for a file that can't be read, is nested deeper than 1000
+ *  elements or has no root element. */
 KOREL2D_API int loadFileXml(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes,
                             VIEW_STRUCT* view);
+
+/** @typedef XML_LOAD_REPORT
+ *  What a load of an XML view file found beside what it loaded, for a tool that must refuse
+ *  what loadFileXml takes in part. */
+typedef struct XML_LOAD_REPORT {
+    int32_t result;          /* that of loadFileXml: 0 or -1 */
+    int32_t broken;          /* 1: the document has an error at line, column (from 1) */
+    int32_t line, column;
+    int32_t unknownElements; /* elements of no known name, skipped with their content */
+    char reason[128];        /* why the result is -1 or the document broken; "" otherwise */
+} XML_LOAD_REPORT;
+/** loadFileXml, which also fills `report` when it isn't null. @return as loadFileXml. */
+KOREL2D_API int loadFileXmlReport(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes,
+                                  VIEW_STRUCT* view, XML_LOAD_REPORT* report);
 /** Writes the view as an XML view file, replacing any file at `path`: the page fields of `view`,
  *  the data sources, the shared strokes, patterns, pictures and fonts, the element tree. The
  *  elements' style, font and picture numbers are rewritten for this file. Each of the lists may
- *  be null. @return 0, also when the file could not be written. */
+ *  be null. A tree of groups nested deeper than loadFileXml reads (about 990 levels) is refused:
+ *  nothing is written and one line on standard output, "saveFileXml: ", the path and the reason,
+ *  tells it. @return 0, also when the file could not be written. */
 KOREL2D_API int saveFileXml(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* dataTypes,
                             const VIEW_STRUCT* view);
 

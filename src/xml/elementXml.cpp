@@ -4,4 +4,7 @@
 
 void elementSaveXml(ELEMENT_STRUCT*, XmlElement&) {}
 
-void elementLoadXml(const XmlElement&, ELEMENT_STRUCT**) {}
+ELEMENT_STRUCT* elementLoadXml(const XmlElement&, ELEMENT_STRUCT**)
+{
+    return nullptr;
+}

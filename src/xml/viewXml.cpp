@@ -39,12 +39,60 @@ void emptyReadTables()
     xmlRead = XmlReadTables();
 }
 
+// Levels of the document above and below the deepest element: root and "geometry"; "action",
+// "threshold" and "threshold-value".
+constexpr int kLevelsAroundElements = 2 + 3;
+
+// Whether a group of the list holds elements more than `levels` deep. Looks no deeper than
+// that, so a tree of any depth is judged in bounded recursion.
+bool nestedDeeperThan(const ELEMENT_STRUCT* list, int levels)
+{
+    if (!list)
+        return false;
+    if (levels <= 0)
+        return true;
+    for (const ELEMENT_STRUCT* element = list; element; element = element->next)
+        if (element->child && nestedDeeperThan(element->child, levels - 1))
+            return true;
+    return false;
+}
+
+void setReport(XML_LOAD_REPORT* report, int result, const std::string& reason)
+{
+    if (!report)
+        return;
+    report->result = result;
+    std::snprintf(report->reason, sizeof report->reason, "%s", reason.c_str());
+}
+
+// The reason of a load that gives nothing, in the words of the one line printed for it.
+std::string unreadableReason(const XmlDocument& document)
+{
+    switch (document.problem()) {
+    case XmlReadProblem::CannotOpen:
+        return "cannot open";
+    case XmlReadProblem::TooDeep:
+        return "nested deeper than " + std::to_string(kXmlMaxDepth) + " elements";
+    case XmlReadProblem::Broken:
+        return document.errorText();
+    case XmlReadProblem::None:
+        break;
+    }
+    return "no root element";
+}
+
 } // namespace
 
 int saveFileXml(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* dataTypes, const VIEW_STRUCT* view)
 {
     if (!path)
         return 0;
+    // The tree holds one level per group; a file the reader would refuse is not written.
+    if (nestedDeeperThan(elements, kXmlMaxDepth - kLevelsAroundElements - 1)) {
+        std::printf("saveFileXml: %s: groups nested deeper than %d levels\n", path,
+                    kXmlMaxDepth - kLevelsAroundElements);
+        return 0;
+    }
     std::lock_guard<std::mutex> hold(xmlFileLock);
     static const VIEW_STRUCT noPage = {};
     XmlDocument document;
@@ -109,21 +157,50 @@ void loadSections(const XmlElement& root, ELEMENT_STRUCT** elements, DD_DATA_TYP
     }
 }
 
-int loadFileXml(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes, VIEW_STRUCT* view)
+int loadFileXmlReport(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes,
+                      VIEW_STRUCT* view, XML_LOAD_REPORT* report)
 {
-    if (!path)
+    if (report)
+        *report = XML_LOAD_REPORT();
+    if (!path) {
+        setReport(report, -1, "no file name");
         return -1;
+    }
     std::lock_guard<std::mutex> hold(xmlFileLock);
     XmlDocument document;
     document.read(path);
     // A document the parser gave up on midway still has its root: what was read before the
     // error loads, as far as it goes.
     const XmlElement root = document.root();
-    if (!root.valid())
+    if (!root.valid()) {
+        const std::string reason = unreadableReason(document);
+        std::printf("loadFileXml: %s: %s\n", path, reason.c_str());
+        setReport(report, -1, reason);
         return -1;
+    }
+    if (document.problem() == XmlReadProblem::Broken) {
+        std::printf("loadFileXml: %s: %s at line %d, column %d\n", path, document.errorText().c_str(),
+                    document.errorRow(), document.errorColumn());
+        setReport(report, 0, document.errorText());
+        if (report) {
+            report->broken = 1;
+            report->line = document.errorRow();
+            report->column = document.errorColumn();
+        }
+    }
     emptyReadTables();
     loadSections(root, elements, dataTypes, view);
+    const int unknown = xmlRead.unknownElements;
+    if (unknown > 0)
+        std::printf("loadFileXml: %s: %d unknown elements skipped\n", path, unknown);
+    if (report)
+        report->unknownElements = unknown;
     // Pictures have their own copies in the texture store by now.
     emptyReadTables();
     return 0;
+}
+
+int loadFileXml(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** dataTypes, VIEW_STRUCT* view)
+{
+    return loadFileXmlReport(path, elements, dataTypes, view, nullptr);
 }

@@ -50,6 +50,8 @@ struct XmlReadTables {
     // Sum of the offsets of the groups around the element being read; added to its coordinates.
     double wx = 0.0;
     double wy = 0.0;
+    // Elements of the geometry of no known name, skipped with their content; told once a load.
+    int unknownElements = 0;
 };
 
 // ------------------------------------------------------------------ writer tables
@@ -114,5 +116,13 @@ void loadSections(const XmlElement& root, ELEMENT_STRUCT** elements, DD_DATA_TYP
 // xmlWrite.wx, wy.
 void elementSaveXml(ELEMENT_STRUCT* element, XmlElement& parent);
 // Reads one element of the geometry and appends what it makes to the list (the view's, or a
-// group's children), coordinates plus xmlRead.wx, wy.
-void elementLoadXml(const XmlElement& node, ELEMENT_STRUCT** list);
+// group's children), coordinates plus xmlRead.wx, wy. Gives what it made (for a "path" the
+// element of its last sub-path), or null for a name of no kind, counted in unknownElements.
+ELEMENT_STRUCT* elementLoadXml(const XmlElement& node, ELEMENT_STRUCT** list);
+
+// ------------------------------------------------------------------ actions
+
+// Writes the list that starts at `action` as "action" children of `parent`.
+void actionSaveXml(const ACTION_STRUCT* action, XmlElement& parent);
+// Appends the "action" children of `node` to the list; their ids count from 0. Result 0.
+int actionLoadXml(const XmlElement& node, ACTION_STRUCT** list);

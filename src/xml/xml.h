@@ -59,6 +59,19 @@ private:
     TiXmlElement* element_;
 };
 
+// TinyXML parses each nested element in a recursion of its own, so a hostile file of deep
+// nesting would exhaust the stack; views nest groups a few levels deep. The reader refuses a
+// document that opens more elements than this, and the writer a tree that would need more.
+constexpr int kXmlMaxDepth = 1000;
+
+// Why a read gave less than a whole document.
+enum class XmlReadProblem {
+    None,
+    CannotOpen, // the file can't be opened or read
+    TooDeep,    // refused unparsed: nested deeper than kXmlMaxDepth
+    Broken      // the parser stopped at an error; what it built before stays
+};
+
 // One document and its whole tree, freed with it. A new document starts with the declaration
 // <?xml version="1.0" ?> so that a written file begins with it.
 class XmlDocument {
@@ -76,7 +89,13 @@ public:
     // short still gives its first part. A file nested too deep for the parser's recursion to
     // be safe is refused unparsed.
     bool read(const std::string& fileName);
+    // What the last read found, and for a broken document the parser's words and place.
+    XmlReadProblem problem() const { return problem_; }
+    std::string errorText() const { return document_.ErrorDesc(); }
+    int errorRow() const { return document_.ErrorRow(); }
+    int errorColumn() const { return document_.ErrorCol(); }
 
 private:
     TiXmlDocument document_;
+    XmlReadProblem problem_ = XmlReadProblem::None;
 };

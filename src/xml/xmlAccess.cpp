@@ -13,9 +13,6 @@
 
 namespace {
 
-// TinyXML parses each nested element in a recursion of its own, so a hostile file of deep
-// nesting would exhaust the stack; views nest groups a few levels deep.
-constexpr int maxDepth = 1000;
 // Zero bytes behind a text to parse: more than the longest step of the parser past a character.
 constexpr size_t kParserSlack = 8;
 
@@ -25,7 +22,7 @@ const char* const positionWords[] = {"leftUpper",   "centerUpper", "rightUpper",
                                      "leftLower",   "leftCenter",  "center"};
 static_assert(sizeof positionWords / sizeof *positionWords == size_t(KR_POS_CENTRE), "one word per position");
 
-// Whether the markup opens more than maxDepth elements that it hasn't closed. It skips what the
+// Whether the markup opens more than kXmlMaxDepth elements that it hasn't closed. It skips what the
 // parser skips, ending each construct where the parser ends it (comments at "-->", CDATA at
 // "]]>", other "<!" and "<?" at the first ">"), steps over quoted attribute values and doesn't
 // count self-closing tags. It judges nothing else: a count too high refuses only garbage, and
@@ -54,7 +51,7 @@ bool nestsTooDeep(const std::string& bytes)
                     quote = bytes[end];
             if (bytes[i + 1] == '/')
                 depth = std::max(depth - 1, 0); // a stray closer can't hide openers that follow
-            else if (end < n && bytes[end - 1] != '/' && ++depth > maxDepth)
+            else if (end < n && bytes[end - 1] != '/' && ++depth > kXmlMaxDepth)
                 return true;
             i = end;
         }
@@ -232,6 +229,7 @@ XmlDocument::XmlDocument()
 bool XmlDocument::read(const std::string& fileName)
 {
     document_.Clear();
+    problem_ = XmlReadProblem::CannotOpen;
     FILE* file = std::fopen(fileName.c_str(), "rb");
     if (!file)
         return false;
@@ -248,7 +246,11 @@ bool XmlDocument::read(const std::string& fileName)
             break;
         }
     }
+    const bool readError = std::ferror(file);
     std::fclose(file);
+    if (readError)
+        return false;
+    problem_ = XmlReadProblem::TooDeep;
     if (nestsTooDeep(bytes))
         return false;
     normalizeLineEnds(bytes);
@@ -258,5 +260,6 @@ bool XmlDocument::read(const std::string& fileName)
     bytes.resize(std::min(bytes.size(), bytes.find('\0')));
     bytes.append(kParserSlack, '\0');
     document_.Parse(bytes.c_str(), nullptr, TIXML_DEFAULT_ENCODING);
-    return !document_.Error();
+    problem_ = document_.Error() ? XmlReadProblem::Broken : XmlReadProblem::None;
+    return problem_ == XmlReadProblem::None;
 }
