@@ -196,7 +196,8 @@ const char* xmlName(uint32_t kind)
     case KR_CPOLY: return "polygon";
     case KR_CIRCLE:
     case KR_ARC: return "ellipse";
-    case KR_TEXT: return "text";
+    case KR_TEXT:
+    case KR_TEXT_OLD: return "text";
     case KR_LINE: return "line";
     case KR_GROUP: return "group";
     case KR_BUTTON: return "button";
@@ -368,7 +369,8 @@ void elementSaveXml(ELEMENT_STRUCT* element, XmlElement& parent)
     case KR_CPOLY: writePoly(e, static_cast<POLY_STRUCT*>(data), element->type == KR_CPOLY); break;
     case KR_CIRCLE:
     case KR_ARC: writeCircle(e, static_cast<CIRCLE_STRUCT*>(data)); break;
-    case KR_TEXT: writeText(e, static_cast<TEXT_STRUCT*>(data)); break;
+    case KR_TEXT:
+    case KR_TEXT_OLD: writeText(e, static_cast<TEXT_STRUCT*>(data)); break;
     case KR_LINE: writeLine(e, static_cast<LINE_STRUCT*>(data)); break;
     case KR_GROUP: writeGroup(e, element); break;
     default: writeRectFamily(e, element); break;
