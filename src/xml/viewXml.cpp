@@ -43,8 +43,8 @@ void emptyReadTables()
 // "threshold" and "threshold-value".
 constexpr int kLevelsAroundElements = 2 + 3;
 
-// Whether a group of the list holds elements more than `levels` deep. Looks no deeper than
-// that, so a tree of any depth is judged in bounded recursion.
+// Whether the list, its groups' children included, is more than `levels` levels deep. Looks no
+// deeper than that, so a tree of any depth is judged in bounded recursion.
 bool nestedDeeperThan(const ELEMENT_STRUCT* list, int levels)
 {
     if (!list)
@@ -88,8 +88,8 @@ int saveFileXml(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT*
     if (!path)
         return 0;
     // The tree holds one level per group; a file the reader would refuse is not written.
-    if (nestedDeeperThan(elements, kXmlMaxDepth - kLevelsAroundElements - 1)) {
-        std::printf("saveFileXml: %s: groups nested deeper than %d levels\n", path,
+    if (nestedDeeperThan(elements, kXmlMaxDepth - kLevelsAroundElements)) {
+        std::printf("saveFileXml: %s: elements nested deeper than %d levels\n", path,
                     kXmlMaxDepth - kLevelsAroundElements);
         return 0;
     }

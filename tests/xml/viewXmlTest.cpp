@@ -121,4 +121,41 @@ TEST(XmlFrame, LoadsSayWhatTheyCouldNotTake)
         loadSays(xmlFile(c.text).path(), c.result, c.elements, c.says);
 }
 
+// A tree nested as deep as the reader takes is written and read back whole, with the deepest
+// action's thresholds; one level more is refused with a line, and nothing is written.
+TEST(XmlFrame, SaveRefusesTreesTooDeepToReadBack)
+{
+    for (int depth : {994, 995}) {
+        ELEMENT_STRUCT* tree = elementCreate(KR_LINE);
+        ACTION_STRUCT* action = createAction();
+        action->type = KR_ACTION_STROKE_WIDTH;
+        appendTh(&action->widthThresholds, createTh());
+        appendAction(&tree->actions, action);
+        for (int level = 0; level < depth; ++level) {
+            ELEMENT_STRUCT* group = elementCreate(KR_GROUP);
+            elementAppend(tree, &group->child);
+            tree = group;
+        }
+        k2dtest::TempFile file({}, ".xml");
+        std::remove(file.path().c_str());
+        testing::internal::CaptureStdout();
+        saveFileXml(file.path().c_str(), tree, nullptr, nullptr);
+        const std::string said = testing::internal::GetCapturedStdout();
+        elementDeleteAll(&tree);
+        if (depth == 995) {
+            EXPECT_EQ(said, "saveFileXml: " + file.path() + ": elements nested deeper than 995 levels\n");
+            EXPECT_EQ(fileText(file.path()), "");
+            continue;
+        }
+        EXPECT_EQ(said, "");
+        ASSERT_EQ(loadFileXml(file.path().c_str(), &tree, nullptr, nullptr), 0);
+        const ELEMENT_STRUCT* deepest = tree;
+        for (int level = 0; level < depth && deepest; ++level)
+            deepest = deepest->child;
+        ASSERT_TRUE(deepest && deepest->type == KR_LINE);
+        EXPECT_TRUE(deepest->actions && deepest->actions->widthThresholds);
+        elementDeleteAll(&tree);
+    }
+}
+
 } // namespace
