@@ -75,7 +75,8 @@ std::string parseArguments(int argc, char** argv, Options* o)
     const std::string base = o->out.substr(o->out.rfind('/') + 1);
     if (base.empty() || base == "." || base == "..")
         return "OUT " + o->out + " names a directory, not a file";
-    o->to = to.empty() ? (endsWith(o->out, ".xml") ? Form::Xml : Form::Binary) : to == "xml" ? Form::Xml : Form::Binary;
+    const bool xml = to.empty() ? endsWith(o->out, ".xml") : to == "xml";
+    o->to = xml ? Form::Xml : Form::Binary;
     return "";
 }
 
@@ -151,7 +152,7 @@ bool readForm(const std::string& path, Form* form, std::string* reason)
 // the log; other messages beside what loaded (a bad font) are no failure.
 bool loadBinary(const std::string& path, StoredView* stored, std::string* reason)
 {
-    takeLibraryLog();
+    getLogMsg(nullptr, 0);
     VIEW_STRUCT& v = stored->view;
     const int result = loadFile(path.c_str(), &v.elements, &v.dataTypes, &v);
     const std::string log = takeLibraryLog();
