@@ -1,5 +1,6 @@
 # Runs the shell line RUN in a fresh directory WORK, after the shell line PREPARE has made its
-# files there; both see the converter as $CONVERT and the shipped samples under $EXAMPLES.
+# files there; both see the converter as $CONVERT, the demo host as $VIEW, its picture checker as
+# $CHECK and the shipped samples under $EXAMPLES.
 # The status must be EXPECT and standard error must match MATCH. A run that fails must leave WORK
 # as PREPARE made it: the same files with the same bytes, no OUT, no temporary file.
 # SAME holds pairs A=B of files in WORK that must have the same bytes afterwards.
@@ -16,6 +17,8 @@ file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
 set(ENV{CONVERT} ${CONVERT})
 set(ENV{EXAMPLES} ${EXAMPLES})
+set(ENV{VIEW} ${VIEW})
+set(ENV{CHECK} ${CHECK})
 
 # Every file and directory under WORK with the digest of its bytes.
 function(snapshot result)
