@@ -6,13 +6,16 @@
 // a tinted picture on the same signals, and stripchart.k2d, a time graph and an xy graph, sliders
 // and a scrolling tape on them, and feed.k2d, a panel on what korel2d-feed writes into shared
 // memory and sends in datagrams, and controls.k2d, buttons, a slider and a knob worked by the
-// pointer. everykind.xml and sources.xml are the XML form of their binary namesakes.
+// pointer. everykind.xml and sources.xml are the XML form of their binary namesakes, and
+// handmade.xml is an XML view written as a person would write one: outlines as path texts, a
+// circle, one picture shown twice.
 // Usage: korel2d-samples [--seeds] OUTPUT_DIR
 // With --seeds it also writes small views of each element kind, each action type and every
 // variable type, a few path texts and damaged copies of the XML samples: the seed corpus of the
 // fuzzing harnesses.
 #include "KorelEdit.h"
 #include "KshmSegment.h"
+#include "base/base64.h"
 #include "ViewBuilder.h"
 #include "panelPalette.h"
 
@@ -29,6 +32,7 @@
 #include <vector>
 
 #include <unistd.h>
+#include <zlib.h>
 
 using namespace korelgen;
 using namespace samplepanel;
@@ -1213,6 +1217,58 @@ std::vector<NamedView> xmlSeeds()
     return seeds;
 }
 
+// An 8 x 8 tile of four coloured quarters, RGBA, compressed and in Base64 as a "bitmap" holds it.
+std::string tileData()
+{
+    constexpr int side = 8;
+    const uint8_t quarters[4][4] = {{230, 60, 40, 255}, {250, 200, 40, 255}, {40, 150, 80, 255}, {40, 90, 200, 255}};
+    std::vector<uint8_t> pixels;
+    for (int row = 0; row < side; ++row)
+        for (int column = 0; column < side; ++column) {
+            const uint8_t* colour = quarters[(row < side / 2 ? 0 : 2) + (column < side / 2 ? 0 : 1)];
+            pixels.insert(pixels.end(), colour, colour + 4);
+        }
+    uLongf packedSize = compressBound(pixels.size());
+    std::vector<uint8_t> packed(packedSize);
+    compress(packed.data(), &packedSize, pixels.data(), pixels.size());
+    std::string text(size_t(Base64::getSize(int(packedSize))), '\0');
+    Base64::encode(packed.data(), &text[0], int(packedSize), 0);
+    return text;
+}
+
+// Written as text, the way a person writes a view by hand: a closed outline of two curves and an
+// arc with an open wave beside it in one "path", a "circle", and one picture in two places.
+std::string handmade()
+{
+    return R"(<?xml version="1.0" ?>
+<Korel2D version="3.4">
+    <header date="24.05.2008" name="handmade.xml" x="0" y="0" width="400" height="300" pagecolor="#203040ff" />
+    <definition>
+        <stroke name="solid" id="1" factor="1" data="0xffff" />
+        <stroke name="dashed" id="2" factor="2" data="0x0f0f" />
+        <pattern name="full" id="3" data=")" +
+           std::string(170, '/') + R"(8=" />
+        <font name="label" id="4" type="truetype" family="Arial" size="18" bold="true" italic="false" underline="false" />
+        <bitmap name="tile" id="5" width="8" height="8" compression="zlib" data=")" +
+           tileData() + R"(" />
+    </definition>
+    <geometry>
+        <path name="outline" stroke="#ffd040ff" stroke-width="3" stroke-style="1" fill="#406080ff" fill-style="3"
+              path="M 40 160 C 60 260 140 260 160 160 A 60 40 0 0 0 40 160 Z M 200 160 Q 230 240 260 160 T 320 160" />
+        <circle name="dot" x="330" y="70" r="40" stroke="#ffffffff" stroke-width="2" stroke-style="2"
+                fill="#c03030ff" fill-style="3" />
+        <group name="pictures" x="20" y="10">
+            <rect name="tile" bitmap="5" x="50" y="60" width="64" height="64" fill="#ffffffff" fill-style="3" mask="false" />
+            <rect name="tile-turned" bitmap="5" x="170" y="60" width="96" height="48"
+                  matrix="0.866025 0.5 -0.5 0.866025 0 0" fill="#ffffffff" fill-style="3" mask="false" />
+        </group>
+        <text name="title" x="200" y="280" align="center" text="made by hand" stroke="#ffffffff" fill="#ffffffff"
+              fill-style="3" font="4" />
+    </geometry>
+</Korel2D>
+)";
+}
+
 bool writeFile(const std::string& path, const std::vector<uint8_t>& bytes)
 {
     FILE* file = std::fopen(path.c_str(), "wb");
@@ -1280,6 +1336,10 @@ int main(int argc, char** argv)
             return 1;
         std::printf("wrote %s\n", path.c_str());
     }
+    const std::string handmadeText = handmade();
+    if (!writeFile(dir + "/handmade.xml", std::vector<uint8_t>(handmadeText.begin(), handmadeText.end())))
+        return 1;
+    std::printf("wrote %s/handmade.xml\n", dir.c_str());
     if (!writeXmlForms(dir))
         return 1;
     if (withSeeds)

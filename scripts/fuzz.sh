@@ -34,9 +34,12 @@ cd "$scratch/run/work"
 
 # The timeout is wall-clock time: a damaged arc may take a second of software rasterization,
 # and a busy machine makes that many.
+# A harness with a dictionary (tests/fuzz/HARNESS.dict) gets the words of its format from it.
 for h in $harnesses; do
   mkdir -p "$build/corpus/$h"
-  "$build/tests/fuzz/korel2d-fuzz-$h" -max_total_time="$seconds" -timeout=60 -print_final_stats=1 \
+  dict=
+  [ -f "$root/tests/fuzz/$h.dict" ] && dict="-dict=$root/tests/fuzz/$h.dict"
+  "$build/tests/fuzz/korel2d-fuzz-$h" -max_total_time="$seconds" -timeout=60 -print_final_stats=1 $dict \
     -artifact_prefix="$build/crashes/$h-" "$build/corpus/$h" "$build/seeds" "$root/tests/fuzz/regression" \
     >"$build/logs/$h.log" 2>&1 &
   echo $! >"$scratch/$h.pid"

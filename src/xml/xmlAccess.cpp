@@ -15,6 +15,7 @@ namespace {
 
 // Zero bytes behind a text to parse: more than the longest step of the parser past a character.
 constexpr size_t kParserSlack = 8;
+const char* const kUtf8Mark = "\xef\xbb\xbf";
 
 // Index + 1 is the KR_POS_ word; the last, the centre, also stands for every unknown value.
 const char* const positionWords[] = {"leftUpper",   "centerUpper", "rightUpper",
@@ -259,7 +260,12 @@ bool XmlDocument::read(const std::string& fileName)
     // would see it, and zeros behind it stop any step there instead of past the buffer.
     bytes.resize(std::min(bytes.size(), bytes.find('\0')));
     bytes.append(kParserSlack, '\0');
-    document_.Parse(bytes.c_str(), nullptr, TIXML_DEFAULT_ENCODING);
+    // Byte for byte: names and texts of binary views hold Latin-1 as often as UTF-8, and the
+    // parser's UTF-8 mode would take a Latin-1 letter for the start of a longer character and
+    // swallow the quote behind it. UTF-8 texts pass unchanged all the same; only a byte-order
+    // mark, which that mode would have skipped, is taken off here.
+    const size_t start = bytes.compare(0, 3, kUtf8Mark) == 0 ? 3 : 0;
+    document_.Parse(bytes.c_str() + start, nullptr, TIXML_ENCODING_LEGACY);
     problem_ = document_.Error() ? XmlReadProblem::Broken : XmlReadProblem::None;
     return problem_ == XmlReadProblem::None;
 }

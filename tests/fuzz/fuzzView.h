@@ -22,7 +22,7 @@ bool prepareDrawing(int side = 96);
 bool runView(const uint8_t* data, size_t size, int frames);
 
 // Writes the bytes to a file in the working directory, loads it as an XML view file into fresh
-// lists and frees them. Returns the number of sources and top-level elements it gave, or -1
+// lists, saves those as XML and as a binary file beside it and frees them. Returns the number of sources and top-level elements it gave, or -1
 // when it didn't load.
 int loadXmlView(const uint8_t* data, size_t size);
 

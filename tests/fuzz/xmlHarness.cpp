@@ -1,5 +1,5 @@
 // XML view files from bytes: written to a file in the working directory (a scratch directory
-// under scripts/fuzz.sh), loaded into fresh lists and freed.
+// under scripts/fuzz.sh), loaded into fresh lists, saved in both forms and freed.
 #include "fuzzView.h"
 
 #include <cstdlib>

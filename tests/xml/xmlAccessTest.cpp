@@ -29,6 +29,8 @@ TEST(XmlAttributes, EachTypeWritesItsFormAndReadsBack)
     for (int position : {0, 42, int(KR_POS_LEFT)})
         e.setAttributePosition("p" + std::to_string(position), position);
     e.setAttributeDouble("x", 12.5);
+    const std::string latin1 = "caf\xe9 & <x> \"q\" 'a'\n";
+    e.setAttributeString("s", latin1);
     XmlDocument document;
     document.appendElement(e);
     k2dtest::TempFile file({}, ".xml");
@@ -37,10 +39,12 @@ TEST(XmlAttributes, EachTypeWritesItsFormAndReadsBack)
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}),
               "<?xml version=\"1.0\" ?>\n<e h=\"0xffffffff\" big=\"1.23457e+06\" c=\"#7fff003f\" n=\"none\" "
               "g=\"#00ff007f\" m=\"1.500000 4.000000 -2.000000 5.000000 3.000000 6.250000\" "
-              "p0=\"center\" p42=\"center\" p8=\"leftCenter\" x=\"12.5\" />\n");
+              "p0=\"center\" p42=\"center\" p8=\"leftCenter\" x=\"12.5\" "
+              "s='caf\xe9 &amp; &lt;x&gt; &quot;q&quot; &apos;a&apos;&#x0A;' />\n");
     XmlDocument back;
     ASSERT_TRUE(back.read(file.path()));
     EXPECT_TRUE(back.root().getAttributeInt("h") == -1 && back.root().getAttributeColor("n").none());
+    EXPECT_EQ(back.root().getAttributeString("s"), latin1);
     e.setAttributeMatrix("m", Matrix2<double>(1e300, 0, 0, 0, 0, 0)); // hundreds of digits, all written
     EXPECT_EQ(e.getAttributeMatrix("m").m[0][0], 1e300);
 }
