@@ -2,6 +2,7 @@
 #include "xml/viewXml.h"
 
 #include "GlContext.h"
+#include "LoadedView.h"
 
 #include <gtest/gtest.h>
 
@@ -85,23 +86,39 @@ TEST(XmlFrame, SecondDefinitionEmptiesAllButFonts)
 }
 
 // Nothing to walk: -1, and the lists and the page stay as they were.
-TEST(XmlFrame, UnreadableFilesAddNothing)
+// A file that gives nothing adds nothing and says why in one line; a broken document loads up to
+// its error and says where; unknown elements are counted once.
+TEST(XmlFrame, LoadsSayWhatTheyCouldNotTake)
 {
     std::string deep;
     for (int i = 0; i < 100000; ++i)
-        deep += "<a>";
-    const std::string texts[] = {"", "<?xml version=\"1.0\" ?>\n", "just text", deep};
-    auto loadsNothing = [](const std::string& path) {
+        deep += "<group>";
+    const struct {
+        std::string text; // null for a file that isn't there
+        int result, elements;
+        std::string says; // after "loadFileXml: PATH: "
+    } cases[] = {
+        {"", -1, 0, "Error document empty.\n"},
+        {"<?xml version=\"1.0\" ?>\n", -1, 0, "no root element\n"},
+        {"just text", -1, 0, "Error document empty.\n"},
+        {deep, -1, 0, "nested deeper than 1000 elements\n"},
+        {"<Korel2D><geometry><line/><line></geometry>", 0, 2, "Error reading end tag. at line 1, column 33\n"},
+        {"<K><geometry><blob/><line/><blob><line/></blob><group><rect/><blob/></group></geometry></K>", 0, 2,
+         "3 unknown elements skipped\n"},
+    };
+    auto loadSays = [](const std::string& path, int result, int elements, const std::string& says) {
         VIEW_STRUCT view = {};
         view.width = 42;
-        ELEMENT_STRUCT* elements = nullptr;
         DD_DATA_TYPE_STRUCT* sources = nullptr;
-        EXPECT_EQ(loadFileXml(path.c_str(), &elements, &sources, &view), -1) << path.substr(0, 40);
-        EXPECT_TRUE(view.width == 42 && !elements && !sources) << path.substr(0, 40);
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(loadFileXml(path.c_str(), &view.elements, &sources, &view), result) << says;
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "loadFileXml: " + path + ": " + says);
+        EXPECT_TRUE(view.width == 42 && !sources && k2dtest::countList(view.elements) == elements) << says;
+        elementDeleteAll(&view.elements);
     };
-    loadsNothing("/nonexistent/view.xml");
-    for (const std::string& text : texts)
-        loadsNothing(xmlFile(text).path());
+    loadSays("/nonexistent/view.xml", -1, 0, "cannot open\n");
+    for (const auto& c : cases)
+        loadSays(xmlFile(c.text).path(), c.result, c.elements, c.says);
 }
 
 } // namespace
