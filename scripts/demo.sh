@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 sh scripts/setup.sh
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 # All that an install copies, and nothing of the tests; the install test builds this same list.
-TARGETS="korel2d-view korel2d-feed KrdExample"
+TARGETS="korel2d-view korel2d-feed korel2d-convert KrdExample"
 cmake --build build -j"$(nproc)" --target $TARGETS
 if [ -z "$DISPLAY" ]; then
   set -- --png korel2d-live.png --frames 300 "$@"

@@ -8,6 +8,10 @@
 #include <string>
 #include <vector>
 
+// The radius of both axes of a circle or arc read from a binary file, which stores no radii:
+// its matrix carries the size.
+constexpr float kStoredRadius = 100.0f;
+
 struct KStream {
     const uint8_t* data = nullptr;
     size_t size = 0;

@@ -142,7 +142,7 @@ void readPolyBody(Reader& in, POLY_STRUCT* p, bool closedKind)
     }
 }
 
-// Radii are not stored: the stored matrix scales an ellipse of radius 100.
+// Radii are not stored: the stored matrix scales an ellipse of radius kStoredRadius.
 void readCircleBody(Reader& in, CIRCLE_STRUCT* c)
 {
     c->x = in.real();
@@ -150,8 +150,8 @@ void readCircleBody(Reader& in, CIRCLE_STRUCT* c)
     in.reals(c->matrix, 4);
     c->start = in.real();
     c->end = in.real();
-    c->rx = 100.0f;
-    c->ry = 100.0f;
+    c->rx = kStoredRadius;
+    c->ry = kStoredRadius;
     c->strokeOn = in.integer();
     c->strokeWidth = in.real();
     c->strokeStyle = in.integer();

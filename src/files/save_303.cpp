@@ -1,5 +1,6 @@
 // Writer of revisions 303 and 304: the frame, and each element record as load_303.cpp reads it.
 #include "KorelEdit.h"
+#include "files/KStream.h"
 #include "files/Writer.h"
 
 #include <cerrno>
@@ -140,12 +141,17 @@ void writePolyBody(Writer& out, const POLY_STRUCT* p, bool closedKind)
     }
 }
 
-// The radii are not stored: the matrix carries the size.
+// The radii are not stored and read back as kStoredRadius. A rim point is
+// matrix * (rx cos a, ry sin a), so scaling the matrix's columns by rx and ry over kStoredRadius
+// keeps every point where it is drawn, whatever radii the element had.
 void writeCircleBody(Writer& out, const CIRCLE_STRUCT* c)
 {
+    const float sx = c->rx / kStoredRadius, sy = c->ry / kStoredRadius;
+    const float* m = c->matrix;
+    const float matrix[4] = {m[0] * sx, m[1] * sy, m[2] * sx, m[3] * sy};
     out.real(c->x);
     out.real(c->y);
-    out.reals(c->matrix, 4);
+    out.reals(matrix, 4);
     out.real(c->start);
     out.real(c->end);
     out.integer(c->strokeOn);

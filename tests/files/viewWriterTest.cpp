@@ -196,6 +196,29 @@ TEST_F(ViewWriter, WhatASaveChanges)
     }
 }
 
+// The file stores no radii: an ellipse and an arc whose radii aren't those a load gives are
+// drawn from their file at the size they had.
+TEST_F(ViewWriter, RadiiSurviveInTheMatrix)
+{
+    CircleFields arc;
+    arc.x = 300;
+    arc.end = 4;
+    VIEW_STRUCT* view = load(blackPage().circle({}).circle(arc));
+    ASSERT_NE(view, nullptr);
+    view->elements->next->type = KR_ARC;
+    for (ELEMENT_STRUCT* e = view->elements; e; e = e->next) {
+        CIRCLE_STRUCT* c = static_cast<CIRCLE_STRUCT*>(e->data);
+        c->rx = 50;
+        c->ry = 150;
+    }
+    setElementAttr(view->elements);
+    const Frame before = draw(view);
+    EXPECT_GT(before.ink(0, 0, 200).height(), 2 * before.ink(0, 0, 200).width()) << "the ellipse is upright";
+    LoadedView back(saved(view));
+    ASSERT_NE(back.view, nullptr);
+    EXPECT_EQ(differentPixels(before, draw(back.view)), 0);
+}
+
 // Cut at every byte and garbled in 2,000 ways in all: whatever of a sample loads comes back the
 // same. One case per sample, so that each runs within its own time limit.
 class ViewWriterDamaged : public testing::TestWithParam<std::string> {};

@@ -22,6 +22,7 @@ test -L "$LIBDIR/libKorel2D.so"
 test -n "$(find "$PREFIX/share" -name LICENSE)"
 # Installed programs find the installed library by themselves.
 env -u LD_LIBRARY_PATH "$PREFIX/bin/korel2d-view" --help >/dev/null
+env -u LD_LIBRARY_PATH "$PREFIX/bin/korel2d-convert" --help >/dev/null
 
 export PKG_CONFIG_PATH="$LIBDIR/pkgconfig"
 test "$(pkg-config --modversion korel2d)" = "3.4.1"
@@ -87,4 +88,5 @@ cmake --install "$PREFIX/demoBuild" --prefix "$PREFIX/demoInstall" >/dev/null
 test -f "$PREFIX/demoInstall/bin/libKrdExample.so"
 env -u LD_LIBRARY_PATH "$PREFIX/demoInstall/bin/korel2d-view" --help >/dev/null
 "$PREFIX/demoInstall/bin/korel2d-feed" --help >/dev/null
-echo "install check: the demo build installs whole and its korel2d-view and korel2d-feed run"
+env -u LD_LIBRARY_PATH "$PREFIX/demoInstall/bin/korel2d-convert" --help >/dev/null
+echo "install check: the demo build installs whole and its korel2d-view, korel2d-feed and korel2d-convert run"

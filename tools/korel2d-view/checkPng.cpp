@@ -2,6 +2,8 @@
 // or the readouts (examples/readouts.k2d) after their first data cycle, or the controls
 // (examples/controls.k2d) after two steps of the counter.
 // Usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls]]; exit status 0 when every check holds.
+// With --same A.png B.png [X0,Y0,X1,Y1 ...] it checks instead that two pictures of one size show
+// the same pixels, but inside the boxes named (view units at zoom 1) where they may differ.
 // Positions below are view units (y upwards), as the sample's generator lays them out.
 #include "panelPalette.h"
 
@@ -91,6 +93,22 @@ public:
                     bottom = std::max(bottom, r);
         *ink = {left / zoom_, float(height_ - 1 - bottom) / zoom_, right / zoom_, float(height_ - 1 - top) / zoom_};
         return right >= 0;
+    }
+
+    // Pixels that differ from the other picture's beyond GL's rounding, outside the boxes.
+    int differences(const Picture& other, const std::vector<Box>& allowed) const
+    {
+        int n = 0;
+        for (int r = 0; r < height_; ++r)
+            for (int col = 0; col < width_; ++col) {
+                const float x = (col + 0.5f) / zoom_, y = (height_ - 1 - r + 0.5f) / zoom_;
+                const bool free = std::any_of(allowed.begin(), allowed.end(), [&](const Box& b) {
+                    return x >= b.x0 && x <= b.x1 && y >= b.y0 && y <= b.y1;
+                });
+                const uint8_t *a = pixel(col, r), *b = other.pixel(col, r);
+                n += !free && (std::abs(a[0] - b[0]) > 2 || std::abs(a[1] - b[1]) > 2 || std::abs(a[2] - b[2]) > 2);
+            }
+        return n;
     }
 
 private:
@@ -196,8 +214,34 @@ void checkControls(const Picture& p)
 
 } // namespace
 
+// --same A.png B.png [BOX ...]
+int compare(int argc, char** argv)
+{
+    Picture a, b;
+    if (argc < 4 || !a.load(argv[2], 1) || !b.load(argv[3], 1))
+        return 2;
+    std::vector<Box> allowed;
+    for (int i = 4; i < argc; ++i) {
+        Box box;
+        if (std::sscanf(argv[i], "%f,%f,%f,%f", &box.x0, &box.y0, &box.x1, &box.y1) != 4) {
+            std::fprintf(stderr, "a box is X0,Y0,X1,Y1, not %s\n", argv[i]);
+            return 2;
+        }
+        allowed.push_back(box);
+    }
+    if (a.width() != b.width() || a.height() != b.height()) {
+        std::fprintf(stderr, "FAILED: pictures of %dx%d and %dx%d\n", a.width(), a.height(), b.width(), b.height());
+        return 1;
+    }
+    const int n = a.differences(b, allowed);
+    std::printf("%d pixels differ outside the boxes\n", n);
+    return n == 0 ? 0 : 1;
+}
+
 int main(int argc, char** argv)
 {
+    if (argc >= 2 && std::strcmp(argv[1], "--same") == 0)
+        return compare(argc, argv);
     const std::string sample = argc == 4 ? argv[3] : "panel";
     if (argc < 2 || argc > 4 || (sample != "panel" && sample != "readouts" && sample != "controls")) {
         std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls]]\n");
