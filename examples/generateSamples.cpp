@@ -1255,7 +1255,7 @@ std::string handmade()
     <geometry>
         <path name="outline" stroke="#ffd040ff" stroke-width="3" stroke-style="1" fill="#406080ff" fill-style="3"
               path="M 40 160 C 60 260 140 260 160 160 A 60 40 0 0 0 40 160 Z M 200 160 Q 230 240 260 160 T 320 160" />
-        <circle name="dot" x="330" y="70" r="40" stroke="#ffffffff" stroke-width="2" stroke-style="2"
+        <circle name="dot" x="330" y="70" r="40" start="0" end="360" stroke="#ffffffff" stroke-width="2" stroke-style="2"
                 fill="#c03030ff" fill-style="3" />
         <group name="pictures" x="20" y="10">
             <rect name="tile" bitmap="5" x="50" y="60" width="64" height="64" fill="#ffffffff" fill-style="3" mask="false" />

@@ -1,7 +1,9 @@
 // Checks that a PNG file shows a shipped sample drawn at a zoom: the panel (examples/panel.k2d)
 // or the readouts (examples/readouts.k2d) after their first data cycle, or the controls
-// (examples/controls.k2d) after two steps of the counter.
-// Usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls]]; exit status 0 when every check holds.
+// (examples/controls.k2d) after two steps of the counter, or the hand-made XML sample
+// (examples/handmade.xml) converted to binary.
+// Usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls|handmade]]; exit status 0 when every
+// check holds.
 // With --same A.png B.png [X0,Y0,X1,Y1 ...] it checks instead that two pictures of one size show
 // the same pixels, but inside the boxes named (view units at zoom 1) where they may differ.
 // Positions below are view units (y upwards), as the sample's generator lays them out.
@@ -14,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -212,6 +215,31 @@ void checkControls(const Picture& p)
     check(p.share({d.x0, d.y0 + 0.4f * h, d.x0 + 0.2f * w, d.y0 + 0.6f * h}, kGreen) == 0, "the open left of a 2");
 }
 
+// The hand-made XML sample, converted to binary: the filled outline, the circle and the four
+// quarters of the upright picture.
+void checkHandmade(const Picture& p)
+{
+    check(p.is(4, 4, {0x20 / 255.0f, 0x30 / 255.0f, 0x40 / 255.0f}), "page colour");
+    check(p.is(100, 200, {0x40 / 255.0f, 0x60 / 255.0f, 0x80 / 255.0f}), "the filled outline of curves and arc");
+    check(p.is(330, 70, {0xc0 / 255.0f, 0x30 / 255.0f, 0x30 / 255.0f}), "the circle's fill");
+    const Colour quarters[] = {{230 / 255.0f, 60 / 255.0f, 40 / 255.0f}, {250 / 255.0f, 200 / 255.0f, 40 / 255.0f},
+                               {40 / 255.0f, 150 / 255.0f, 80 / 255.0f}, {40 / 255.0f, 90 / 255.0f, 200 / 255.0f}};
+    for (int q = 0; q < 4; ++q)
+        check(p.is(q % 2 ? 86 : 54, q / 2 ? 86 : 54, quarters[q]), "quarter " + std::to_string(q) + " of the picture");
+}
+
+// The samples a picture can be checked against, with their page sizes.
+struct Sample {
+    const char* name;
+    int width, height;
+    void (*check)(const Picture&);
+};
+
+const Sample kSamples[] = {{"panel", 640, 480, checkPanel},
+                           {"readouts", 640, 480, checkReadouts},
+                           {"controls", 800, 400, checkControls},
+                           {"handmade", 400, 300, checkHandmade}};
+
 } // namespace
 
 // --same A.png B.png [BOX ...]
@@ -242,25 +270,23 @@ int main(int argc, char** argv)
 {
     if (argc >= 2 && std::strcmp(argv[1], "--same") == 0)
         return compare(argc, argv);
-    const std::string sample = argc == 4 ? argv[3] : "panel";
-    if (argc < 2 || argc > 4 || (sample != "panel" && sample != "readouts" && sample != "controls")) {
-        std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls]]\n");
+    const std::string name = argc == 4 ? argv[3] : "panel";
+    const Sample* sample = std::find_if(std::begin(kSamples), std::end(kSamples),
+                                        [&name](const Sample& s) { return name == s.name; });
+    if (argc < 2 || argc > 4 || sample == std::end(kSamples)) {
+        std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls|handmade]]\n");
         return 2;
     }
     float zoom = argc >= 3 ? std::strtof(argv[2], nullptr) : 1.0f;
     Picture picture;
     if (!picture.load(argv[1], zoom))
         return 1;
-    const bool controls = sample == "controls";
-    int width = int(std::lround((controls ? 800 : 640) * zoom)), height = int(std::lround((controls ? 400 : 480) * zoom));
+    const int width = int(std::lround(sample->width * zoom)), height = int(std::lround(sample->height * zoom));
     if (picture.width() != width || picture.height() != height) {
         std::fprintf(stderr, "FAILED: picture of %dx%d, expected %dx%d\n", picture.width(), picture.height(), width,
                      height);
         return 1;
     }
-    if (controls)
-        checkControls(picture);
-    else
-        sample == "readouts" ? checkReadouts(picture) : checkPanel(picture);
+    sample->check(picture);
     return failures == 0 ? 0 : 1;
 }
