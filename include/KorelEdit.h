@@ -686,9 +686,9 @@ KOREL2D_API int loadFileXmlReport(const char* path, ELEMENT_STRUCT** elements, D
 /** Writes the view as an XML view file, replacing any file at `path`: the page fields of `view`,
  *  the data sources, the shared strokes, patterns, pictures and fonts, the element tree. The
  *  elements' style, font and picture numbers are rewritten for this file. Each of the lists may
- *  be null. A tree of more levels than loadFileXml reads (995, groups and their elements) is refused:
- *  nothing is written and one line on standard output, "saveFileXml: ", the path and the reason,
- *  tells it. @return 0, also when the file could not be written. */
+ *  be null. A tree of more levels than loadFileXml reads (995, groups and their elements) is refused,
+ *  nothing written. A refusal or a file that can't be written whole is told in one line on
+ *  standard output, "saveFileXml: ", the path and the reason. @return 0 all the same. */
 KOREL2D_API int saveFileXml(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT* dataTypes,
                             const VIEW_STRUCT* view);
 

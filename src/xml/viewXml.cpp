@@ -2,7 +2,9 @@
 // themselves are written and read by the data-source, style-table and element code.
 #include "xml/viewXml.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -94,6 +96,7 @@ int saveFileXml(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT*
         return 0;
     }
     std::lock_guard<std::mutex> hold(xmlFileLock);
+    const ClassicNumbers numbers;
     static const VIEW_STRUCT noPage = {};
     XmlDocument document;
     xmlWrite = XmlWriteTables();
@@ -126,7 +129,8 @@ int saveFileXml(const char* path, ELEMENT_STRUCT* elements, DD_DATA_TYPE_STRUCT*
         elementSaveXml(element, geometry);
     root.appendElement(geometry);
 
-    document.write(path);
+    if (!document.write(path))
+        std::printf("saveFileXml: %s: %s\n", path, std::strerror(errno));
     xmlWrite = XmlWriteTables();
     return 0;
 }
@@ -167,6 +171,7 @@ int loadFileXmlReport(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_
         return -1;
     }
     std::lock_guard<std::mutex> hold(xmlFileLock);
+    const ClassicNumbers numbers;
     XmlDocument document;
     document.read(path);
     // A document the parser gave up on midway still has its root: what was read before the

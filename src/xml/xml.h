@@ -6,6 +6,8 @@
 #include "Korel2D.h"
 #include "base/planeMath.h"
 
+#include <clocale>
+#include <locale.h>
 #include <string>
 #include <tinyxml.h>
 
@@ -14,7 +16,7 @@
 // appended; one never appended stays allocated.
 class XmlElement {
 public:
-    explicit XmlElement(const std::string& name) : element_(new TiXmlElement(name)) {}
+    explicit XmlElement(const char* name) : element_(new TiXmlElement(name)) {}
     XmlElement(TiXmlElement* element = nullptr) : element_(element) {}
 
     // On the null handle these give "" and the null handle, so a walk of a document that
@@ -29,34 +31,48 @@ public:
 
     // Setting an attribute the element has replaces its value in place, keeping the order of
     // the attributes. A `get` of a missing or unreadable attribute gives the type's default.
-    void setAttributeString(const std::string& name, const std::string& value);
-    std::string getAttributeString(const std::string& name) const; // default ""
-    void setAttributeInt(const std::string& name, int value);
+    void setAttributeString(const char* name, const std::string& value);
+    std::string getAttributeString(const char* name) const; // default ""
+    void setAttributeInt(const char* name, int value);
     // Decimal, 0x hexadecimal or 0 octal, up to the first unusable character; default 0.
-    int getAttributeInt(const std::string& name) const;
+    int getAttributeInt(const char* name) const;
     // "0x" and the value as unsigned hexadecimal; getAttributeInt reads it back.
-    void setAttributeHex(const std::string& name, int value);
+    void setAttributeHex(const char* name, int value);
     // Six significant digits, as a default output stream writes them; default 0.0.
-    void setAttributeDouble(const std::string& name, double value);
-    double getAttributeDouble(const std::string& name) const;
+    void setAttributeDouble(const char* name, double value);
+    double getAttributeDouble(const char* name) const;
     // "true" or "false"; only the exact text "true" reads as true.
-    void setAttributeBool(const std::string& name, bool value);
-    bool getAttributeBool(const std::string& name) const;
+    void setAttributeBool(const char* name, bool value);
+    bool getAttributeBool(const char* name) const;
     // "#rrggbbaa" or "none"; default opaque white, not none. The first character isn't looked
     // at, and pairs missing from a short text read as 0.
-    void setAttributeColor(const std::string& name, const Color& value);
-    Color getAttributeColor(const std::string& name) const;
+    void setAttributeColor(const char* name, const Color& value);
+    Color getAttributeColor(const char* name) const;
     // The affine part as six numbers in the order m00 m10 m01 m11 m02 m12; default the identity.
-    void setAttributeMatrix(const std::string& name, const Matrix2<double>& value);
-    Matrix2<double> getAttributeMatrix(const std::string& name) const;
+    void setAttributeMatrix(const char* name, const Matrix2<double>& value);
+    Matrix2<double> getAttributeMatrix(const char* name) const;
     // A KR_POS_ word as one of nine names; anything unknown is the centre.
-    void setAttributePosition(const std::string& name, int value);
-    int getAttributePosition(const std::string& name) const;
+    void setAttributePosition(const char* name, int value);
+    int getAttributePosition(const char* name) const;
 
 private:
-    const char* text(const std::string& name) const { return element_ ? element_->Attribute(name.c_str()) : nullptr; }
+    const char* text(const char* name) const { return element_ ? element_->Attribute(name) : nullptr; }
 
     TiXmlElement* element_;
+};
+
+// Numbers in the files have a point whatever locale the host chose, and the parser and the
+// C library read and print them by the locale: loads and saves run their thread in the "C"
+// locale while one of these lives, and give the thread its own back at the end.
+class ClassicNumbers {
+public:
+    ClassicNumbers();
+    ~ClassicNumbers();
+    ClassicNumbers(const ClassicNumbers&) = delete;
+    ClassicNumbers& operator=(const ClassicNumbers&) = delete;
+
+private:
+    locale_t previous_;
 };
 
 // TinyXML parses each nested element in a recursion of its own, so a hostile file of deep
@@ -83,7 +99,8 @@ public:
     // The first element of the document (the declaration is no element); null if there is none.
     XmlElement root() { return document_.FirstChildElement(); }
 
-    void write(const std::string& fileName) const { document_.SaveFile(fileName); }
+    // The text TinyXML prints, written in one piece. False when the file couldn't be written whole.
+    bool write(const std::string& fileName) const;
     // Replaces the tree by the file's. False for a file that can't be read or parsed; the tree
     // is then empty, except that what the parser built before an error stays, so a file cut
     // short still gives its first part. A file nested too deep for the parser's recursion to

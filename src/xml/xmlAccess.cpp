@@ -4,17 +4,18 @@
 #include "base/truncate.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <locale>
-#include <sstream>
 
 namespace {
 
 // Zero bytes behind a text to parse: more than the longest step of the parser past a character.
 constexpr size_t kParserSlack = 8;
+// The longest "%f" text of a double: 309 integer digits, sign, point and six decimals.
+constexpr size_t kMaxFixedDigits = 320;
 const char* const kUtf8Mark = "\xef\xbb\xbf";
 
 // Index + 1 is the KR_POS_ word; the last, the centre, also stands for every unknown value.
@@ -91,77 +92,78 @@ int componentDigits(float component)
 
 } // namespace
 
-void XmlElement::setAttributeString(const std::string& name, const std::string& value)
+void XmlElement::setAttributeString(const char* name, const std::string& value)
 {
-    element_->SetAttribute(name, value);
+    element_->SetAttribute(name, value.c_str());
 }
 
-std::string XmlElement::getAttributeString(const std::string& name) const
+std::string XmlElement::getAttributeString(const char* name) const
 {
     const char* value = text(name);
     return value ? value : "";
 }
 
-void XmlElement::setAttributeInt(const std::string& name, int value)
+void XmlElement::setAttributeInt(const char* name, int value)
 {
-    element_->SetAttribute(name, std::to_string(value));
+    char digits[16];
+    *std::to_chars(digits, digits + sizeof digits - 1, value).ptr = '\0';
+    element_->SetAttribute(name, digits);
 }
 
-int XmlElement::getAttributeInt(const std::string& name) const
+int XmlElement::getAttributeInt(const char* name) const
 {
     const char* value = text(name);
     // Wrapped to 32 bits, so that the 0xffffffff of setAttributeHex reads back as -1.
     return value ? int(uint32_t(std::strtol(value, nullptr, 0))) : 0;
 }
 
-void XmlElement::setAttributeHex(const std::string& name, int value)
+void XmlElement::setAttributeHex(const char* name, int value)
 {
     char digits[16];
     std::snprintf(digits, sizeof digits, "0x%x", unsigned(value));
-    element_->SetAttribute(name.c_str(), digits);
+    element_->SetAttribute(name, digits);
 }
 
-void XmlElement::setAttributeDouble(const std::string& name, double value)
+void XmlElement::setAttributeDouble(const char* name, double value)
 {
-    // The classic locale, whatever the host made the global one: the file needs a point.
-    std::ostringstream out;
-    out.imbue(std::locale::classic());
-    out << value;
-    element_->SetAttribute(name, out.str());
+    // What a default stream writes ("%g"), with a point whatever the locale.
+    char digits[32];
+    *std::to_chars(digits, digits + sizeof digits - 1, value, std::chars_format::general, 6).ptr = '\0';
+    element_->SetAttribute(name, digits);
 }
 
-double XmlElement::getAttributeDouble(const std::string& name) const
+double XmlElement::getAttributeDouble(const char* name) const
 {
     double value = 0.0;
     if (element_)
-        element_->QueryDoubleAttribute(name.c_str(), &value);
+        element_->QueryDoubleAttribute(name, &value);
     return value;
 }
 
-void XmlElement::setAttributeBool(const std::string& name, bool value)
+void XmlElement::setAttributeBool(const char* name, bool value)
 {
-    element_->SetAttribute(name.c_str(), value ? "true" : "false");
+    element_->SetAttribute(name, value ? "true" : "false");
 }
 
-bool XmlElement::getAttributeBool(const std::string& name) const
+bool XmlElement::getAttributeBool(const char* name) const
 {
     const char* value = text(name);
     return value && std::strcmp(value, "true") == 0;
 }
 
-void XmlElement::setAttributeColor(const std::string& name, const Color& value)
+void XmlElement::setAttributeColor(const char* name, const Color& value)
 {
     if (value.none()) {
-        element_->SetAttribute(name.c_str(), "none");
+        element_->SetAttribute(name, "none");
         return;
     }
     char digits[16];
     std::snprintf(digits, sizeof digits, "#%02x%02x%02x%02x", componentDigits(value.r()), componentDigits(value.g()),
                   componentDigits(value.b()), componentDigits(value.a()));
-    element_->SetAttribute(name.c_str(), digits);
+    element_->SetAttribute(name, digits);
 }
 
-Color XmlElement::getAttributeColor(const std::string& name) const
+Color XmlElement::getAttributeColor(const char* name) const
 {
     Color color;
     const char* value = text(name);
@@ -182,19 +184,23 @@ Color XmlElement::getAttributeColor(const std::string& name) const
     return color;
 }
 
-void XmlElement::setAttributeMatrix(const std::string& name, const Matrix2<double>& value)
+void XmlElement::setAttributeMatrix(const char* name, const Matrix2<double>& value)
 {
-    // Six decimals of a huge number are many digits: the text is sized to what it needs.
+    // Six decimals ("%f") with a point whatever the locale; a huge number keeps all its digits.
     const auto& m = value.m;
-    const char* format = "%f %f %f %f %f %f";
-    const int length = std::snprintf(nullptr, 0, format, m[0][0], m[1][0], m[0][1], m[1][1], m[0][2], m[1][2]);
-    std::string text(size_t(length) + 1, '\0');
-    std::snprintf(&text[0], text.size(), format, m[0][0], m[1][0], m[0][1], m[1][1], m[0][2], m[1][2]);
-    text.resize(size_t(length));
-    element_->SetAttribute(name, text);
+    std::string text;
+    for (double entry : {m[0][0], m[1][0], m[0][1], m[1][1], m[0][2], m[1][2]}) {
+        char digits[kMaxFixedDigits];
+        const std::to_chars_result end =
+            std::to_chars(digits, digits + sizeof digits, entry, std::chars_format::fixed, 6);
+        if (!text.empty())
+            text += ' ';
+        text.append(digits, end.ptr);
+    }
+    element_->SetAttribute(name, text.c_str());
 }
 
-Matrix2<double> XmlElement::getAttributeMatrix(const std::string& name) const
+Matrix2<double> XmlElement::getAttributeMatrix(const char* name) const
 {
     Matrix2<double> matrix;
     const char* value = text(name);
@@ -207,13 +213,13 @@ Matrix2<double> XmlElement::getAttributeMatrix(const std::string& name) const
     return matrix;
 }
 
-void XmlElement::setAttributePosition(const std::string& name, int value)
+void XmlElement::setAttributePosition(const char* name, int value)
 {
     const int index = value >= KR_POS_UPPER_LEFT && value <= KR_POS_CENTRE ? value - 1 : KR_POS_CENTRE - 1;
-    element_->SetAttribute(name.c_str(), positionWords[index]);
+    element_->SetAttribute(name, positionWords[index]);
 }
 
-int XmlElement::getAttributePosition(const std::string& name) const
+int XmlElement::getAttributePosition(const char* name) const
 {
     const char* value = text(name);
     for (int position = KR_POS_UPPER_LEFT; value && position < KR_POS_CENTRE; ++position)
@@ -222,9 +228,33 @@ int XmlElement::getAttributePosition(const std::string& name) const
     return KR_POS_CENTRE;
 }
 
+ClassicNumbers::ClassicNumbers()
+{
+    static const locale_t classic = newlocale(LC_ALL_MASK, "C", locale_t(0));
+    previous_ = uselocale(classic);
+}
+
+ClassicNumbers::~ClassicNumbers()
+{
+    uselocale(previous_);
+}
+
 XmlDocument::XmlDocument()
 {
     document_.LinkEndChild(new TiXmlDeclaration("1.0", "", ""));
+}
+
+bool XmlDocument::write(const std::string& fileName) const
+{
+    // The parser's printer into one string, written at once: its printing to a FILE formats
+    // every attribute through fprintf.
+    TiXmlPrinter printer;
+    document_.Accept(&printer);
+    FILE* file = std::fopen(fileName.c_str(), "wb");
+    if (!file)
+        return false;
+    const bool written = std::fwrite(printer.CStr(), 1, printer.Size(), file) == printer.Size();
+    return std::fclose(file) == 0 && written;
 }
 
 bool XmlDocument::read(const std::string& fileName)

@@ -3,9 +3,12 @@
 
 #include "GlContext.h"
 #include "LoadedView.h"
+#include "SampleFiles.h"
+#include "StoredView.h"
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <fstream>
 #include <iterator>
 
@@ -122,9 +125,13 @@ TEST(XmlFrame, LoadsSayWhatTheyCouldNotTake)
 }
 
 // A tree nested as deep as the reader takes is written and read back whole, with the deepest
-// action's thresholds; one level more is refused with a line, and nothing is written.
-TEST(XmlFrame, SaveRefusesTreesTooDeepToReadBack)
+// action's thresholds; one level more is refused with a line, and nothing is written. A file
+// that can't be written is told as well.
+TEST(XmlFrame, SaveRefusesTreesTooDeepToReadBackAndSaysWhatFails)
 {
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(saveFileXml("/nonexistent/view.xml", nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "saveFileXml: /nonexistent/view.xml: No such file or directory\n");
     for (int depth : {994, 995}) {
         ELEMENT_STRUCT* tree = elementCreate(KR_LINE);
         ACTION_STRUCT* action = createAction();
@@ -156,6 +163,28 @@ TEST(XmlFrame, SaveRefusesTreesTooDeepToReadBack)
         EXPECT_TRUE(deepest->actions && deepest->actions->widthThresholds);
         elementDeleteAll(&tree);
     }
+}
+
+// A host in a locale that writes a comma saves and loads the same files as one in "C".
+TEST(XmlFrame, NumbersKeepTheirPointInAnyLocale)
+{
+    const std::string sample = std::string(KOREL2D_EXAMPLES_DIR) + "/everykind.k2d";
+    const k2dtest::FileView view(sample);
+    const k2dtest::TempFile file({}, ".xml");
+    auto savedText = [&view, &file] {
+        saveFileXml(file.path().c_str(), view.view.elements, view.view.dataTypes, &view.view);
+        return fileText(file.path());
+    };
+    const std::string classic = savedText();
+    const std::string host = std::setlocale(LC_ALL, nullptr);
+    if (!std::setlocale(LC_ALL, "de_DE.UTF-8"))
+        GTEST_SKIP() << "no de_DE.UTF-8 locale";
+    const std::string german = savedText();
+    const k2dtest::FileView back(xmlFile(classic).path(), loadFileXml);
+    std::setlocale(LC_ALL, host.c_str());
+    EXPECT_TRUE(german == classic) << german.substr(0, german.find("<geometry"));
+    const k2dtest::FileView again(xmlFile(classic).path(), loadFileXml);
+    EXPECT_EQ(k2dtest::firstStoredDifference(&back.view, &again.view), "");
 }
 
 } // namespace

@@ -27,7 +27,7 @@ TEST(XmlAttributes, EachTypeWritesItsFormAndReadsBack)
     e.setAttributeColor("g", Color(NAN, 1e30f, -1, 0.5f)); // garbage still makes two digits each
     e.setAttributeMatrix("m", Matrix2<double>(1.5, -2, 3, 4, 5, 6.25));
     for (int position : {0, 42, int(KR_POS_LEFT)})
-        e.setAttributePosition("p" + std::to_string(position), position);
+        e.setAttributePosition(("p" + std::to_string(position)).c_str(), position);
     e.setAttributeDouble("x", 12.5);
     const std::string latin1 = "caf\xe9 & <x> \"q\" 'a'\n";
     e.setAttributeString("s", latin1);
