@@ -5,6 +5,7 @@
 // sources are taken as stored, not matched to plug-ins, so the output doesn't depend on what is
 // installed; numbers are written in the "C" locale whatever the user's.
 #include "KorelEdit.h"
+#include "StoredLists.h"
 
 #include <cerrno>
 #include <clocale>
@@ -106,20 +107,6 @@ std::string takeLibraryLog()
     return text;
 }
 
-// The page and the lists as a file stores them, freed with this.
-struct StoredView {
-    VIEW_STRUCT view = {};
-    StoredView() = default;
-    StoredView(const StoredView&) = delete;
-    StoredView& operator=(const StoredView&) = delete;
-    ~StoredView()
-    {
-        elementDeleteAll(&view.elements);
-        while (view.dataTypes)
-            delDataType(&view.dataTypes, view.dataTypes, 0);
-    }
-};
-
 // The form of a file from its first bytes: a binary view file begins with its magic text, an XML
 // one with '<' after blanks and a byte-order mark.
 bool readForm(const std::string& path, Form* form, std::string* reason)
@@ -150,7 +137,7 @@ bool readForm(const std::string& path, Form* form, std::string* reason)
 
 // A binary file of a revision the library doesn't read loads as an empty view with the reason in
 // the log; other messages beside what loaded (a bad font) are no failure.
-bool loadBinary(const std::string& path, StoredView* stored, std::string* reason)
+bool loadBinary(const std::string& path, StoredLists* stored, std::string* reason)
 {
     getLogMsg(nullptr, 0);
     VIEW_STRUCT& v = stored->view;
@@ -163,7 +150,7 @@ bool loadBinary(const std::string& path, StoredView* stored, std::string* reason
 }
 
 // A document that breaks midway loads what stands before the break: refused all the same.
-bool loadXml(const std::string& path, StoredView* stored, std::string* reason)
+bool loadXml(const std::string& path, StoredLists* stored, std::string* reason)
 {
     XML_LOAD_REPORT report = {};
     VIEW_STRUCT& v = stored->view;
@@ -180,7 +167,7 @@ bool loadXml(const std::string& path, StoredView* stored, std::string* reason)
     return true;
 }
 
-bool load(const std::string& path, Form form, StoredView* stored, std::string* reason)
+bool load(const std::string& path, Form form, StoredLists* stored, std::string* reason)
 {
     return form == Form::Xml ? loadXml(path, stored, reason) : loadBinary(path, stored, reason);
 }
@@ -298,7 +285,7 @@ private:
     int error_ = 0;
 };
 
-bool save(const std::string& path, Form form, const StoredView& stored)
+bool save(const std::string& path, Form form, const StoredLists& stored)
 {
     const VIEW_STRUCT& v = stored.view;
     if (form == Form::Xml)
@@ -308,7 +295,7 @@ bool save(const std::string& path, Form form, const StoredView& stored)
 
 bool convert(const Options& o, Form inForm, Failure* failure)
 {
-    StoredView stored;
+    StoredLists stored;
     std::string reason;
     if (!load(o.in, inForm, &stored, &reason))
         return fail(failure, "read " + o.in, reason);
@@ -321,7 +308,7 @@ bool convert(const Options& o, Form inForm, Failure* failure)
     errno = 0;
     if (!save(scratch.name(), o.to, stored))
         return fail(failure, writeOut, errno ? std::strerror(errno) : "the file could not be written whole");
-    StoredView back;
+    StoredLists back;
     if (!load(scratch.name(), o.to, &back, &reason))
         return fail(failure, writeOut, "the written file does not read back: " + reason);
     const Counts found(back.view, o.to);

@@ -3,6 +3,7 @@
 // writes it as an XML view file.
 #include "KorelEdit.h"
 #include "OffscreenGl.h"
+#include "StoredLists.h"
 #include "dumpView.h"
 #include "editor.h"
 #include "eventScript.h"
@@ -401,17 +402,7 @@ bool isXmlFile(const std::string& file)
 
 // The page and the lists as a file stores them, read by the reader alone: sources aren't
 // matched to plug-ins, nothing is prepared for drawing.
-struct StoredView {
-    VIEW_STRUCT view = {};
-    StoredView() = default;
-    StoredView(const StoredView&) = delete;
-    StoredView& operator=(const StoredView&) = delete;
-    ~StoredView()
-    {
-        elementDeleteAll(&view.elements);
-        while (view.dataTypes)
-            delDataType(&view.dataTypes, view.dataTypes, 0);
-    }
+struct StoredView : StoredLists {
     // False, with the reason on stderr, when the file doesn't load.
     bool read(const std::string& file)
     {
