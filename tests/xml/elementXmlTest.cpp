@@ -2,9 +2,7 @@
 // back, the group offsets, fonts, paths, and damaged documents that must stay harmless.
 #include "xml/viewXml.h"
 
-#include "SampleFiles.h"
-#include "StoredView.h"
-#include "ViewFixture.h"
+#include "LoadedView.h"
 
 #include <gtest/gtest.h>
 
@@ -14,6 +12,9 @@
 #include <vector>
 
 namespace {
+
+using k2dtest::countElements;
+using k2dtest::countList;
 
 // Documents of the geometry section read from text, and a section that elements are saved to.
 struct Geometry {
@@ -39,17 +40,6 @@ struct Geometry {
 template <class Record> Record* record(ELEMENT_STRUCT* element)
 {
     return static_cast<Record*>(element->data);
-}
-
-// Elements of the list and of its groups.
-int count(const ELEMENT_STRUCT* list)
-{
-    return list ? 1 + count(list->child) + count(list->next) : 0;
-}
-
-template <class Node> int length(const Node* list)
-{
-    return list ? 1 + length(list->next) : 0;
 }
 
 // cornerX and cornerY of the kinds that keep four corners.
@@ -177,7 +167,7 @@ TEST(ElementXml, StrokeSwitchAndPoints)
     }
     ELEMENT_STRUCT* line = g.load("<polyline points=' 1 2\n3\t4 5'/>");
     const COORD_STRUCT* first = record<POLY_STRUCT>(line)->coords;
-    ASSERT_EQ(length(first), 2);
+    ASSERT_EQ(countList(first), 2);
     EXPECT_TRUE(first->id == 0 && first->next->id == 1 && first->next->x == 3 && first->next->y == 4);
     EXPECT_EQ(g.save(line).getAttributeString("points"), "1 2 3 4");
 }
@@ -195,11 +185,11 @@ TEST(ElementXml, PathMakesOneElementPerSubPath)
     // The actions are whatever the action reader makes of the children: all of them, on the last.
     ACTION_STRUCT* expected = nullptr;
     actionLoadXml(g.input.FirstChildElement(), &expected);
-    EXPECT_TRUE(length(last->actions) == length(expected) && !g.list->actions);
+    EXPECT_TRUE(countList(last->actions) == countList(expected) && !g.list->actions);
     while (expected)
         delAction(&expected, expected);
     EXPECT_EQ(g.load("<path path='5 5 L 7'><action/></path>"), nullptr);
-    EXPECT_EQ(count(g.list), 2);
+    EXPECT_EQ(countElements(g.list), 2);
 }
 
 // "mask" and "bitmap" choose the kind of a "rect"; names of no kind make nothing and are counted.
@@ -229,60 +219,13 @@ TEST(ElementXml, KindsOfDocumentsAndDamageStayHarmless)
         ELEMENT_STRUCT* again = nullptr;
         for (ELEMENT_STRUCT* e = g.list; e; e = e->next)
             elementLoadXml(g.save(e), &again);
-        EXPECT_TRUE((g.list ? int(g.list->type) : -1) == row.second && count(again) == count(g.list) &&
+        EXPECT_TRUE((g.list ? int(g.list->type) : -1) == row.second && countElements(again) == countElements(g.list) &&
                     xmlRead.unknownElements == (row.second < 0))
             << row.first.substr(0, 60);
         elementDeleteAll(&again);
     }
     Geometry g;
     EXPECT_EQ(strlen(g.load("<polygon name='" + std::string(65536, 'n') + "'/>")->name), 63u);
-}
-
-// What no XML file holds: sliders, and text sizes other than the one a load gives.
-void dropWhatXmlLoses(ELEMENT_STRUCT** list)
-{
-    for (ELEMENT_STRUCT *e = *list, *next; e; e = next) {
-        next = e->next;
-        if (e->type == KR_SLIDER)
-            elementDelete(e, list);
-        else if (e->type == KR_TEXT)
-            record<TEXT_STRUCT>(e)->textSize = 30;
-        else if (e->type == KR_GROUP)
-            dropWhatXmlLoses(&e->child);
-    }
-}
-
-using WholeView = k2dtest::ViewTest;
-
-// The sample of every kind, less what XML can't hold, keeps all its elements through an XML file
-// and draws as before, pixel for pixel.
-TEST_F(WholeView, EveryKindDrawsTheSameAfterAnXmlFile)
-{
-    k2dtest::FileView binary(std::string(KOREL2D_EXAMPLES_DIR) + "/everykind.k2d");
-    const int all = count(binary.view.elements);
-    dropWhatXmlLoses(&binary.view.elements);
-    ASSERT_LT(count(binary.view.elements), all);
-    k2dtest::TempFile xml({}, ".xml"), stored[] = {k2dtest::TempFile({}), k2dtest::TempFile({})};
-    saveFileXml(xml.path().c_str(), binary.view.elements, binary.view.dataTypes, &binary.view);
-    k2dtest::FileView back(xml.path(), loadFileXml);
-    EXPECT_EQ(count(back.view.elements), count(binary.view.elements));
-    // A second trip finds every field as the first left it: reader and writer agree.
-    saveFileXml(xml.path().c_str(), back.view.elements, back.view.dataTypes, &back.view);
-    const k2dtest::FileView again(xml.path(), loadFileXml);
-    EXPECT_EQ(k2dtest::firstStoredDifference(&back.view, &again.view), "");
-    k2dtest::Frame frames[2];
-    for (int i = 0; i < 2; ++i) {
-        const k2dtest::FileView& view = i ? back : binary;
-        saveFile(stored[i].path().c_str(), view.view.elements, view.view.dataTypes, &view.view);
-        views.push_back(krViewLoad(stored[i].path().c_str()));
-        ASSERT_NE(views.back(), nullptr);
-        frames[i] = draw(views.back(), 0, 0, 0.5f); // the whole page
-    }
-    int differ = 0;
-    for (int y = 0; y < k2dtest::kSurfaceHeight; ++y)
-        for (int x = 0; x < k2dtest::kSurfaceWidth; ++x)
-            differ += !PixelIs(frames[1], x, y, frames[0].at(x, y));
-    EXPECT_EQ(differ, 0);
 }
 
 } // namespace

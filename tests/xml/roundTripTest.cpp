@@ -104,15 +104,29 @@ void randomPoints(Random& r, COORD_STRUCT** head)
     }
 }
 
-void randomBlock(Random& r, float* min, float* max, TH_STRUCT** head, int values)
+// The threshold blocks of an action, with the number of values an entry of each takes.
+enum Block { kColour = 1, kWidth = 2, kStyle = 4, kVisible = 8, kBlink = 16 };
+const struct BlockFields {
+    Block block;
+    float ACTION_STRUCT::*min;
+    float ACTION_STRUCT::*max;
+    TH_STRUCT* ACTION_STRUCT::*list;
+    int values;
+} kBlocks[] = {{kColour, &ACTION_STRUCT::colorMin, &ACTION_STRUCT::colorMax, &ACTION_STRUCT::colorThresholds, 2},
+               {kWidth, &ACTION_STRUCT::widthMin, &ACTION_STRUCT::widthMax, &ACTION_STRUCT::widthThresholds, 20},
+               {kStyle, &ACTION_STRUCT::styleMin, &ACTION_STRUCT::styleMax, &ACTION_STRUCT::styleThresholds, 10},
+               {kVisible, &ACTION_STRUCT::visibleMin, &ACTION_STRUCT::visibleMax, &ACTION_STRUCT::visibleThresholds, 2},
+               {kBlink, &ACTION_STRUCT::blinkMin, &ACTION_STRUCT::blinkMax, &ACTION_STRUCT::blinkThresholds, 9}};
+
+void randomBlock(Random& r, ACTION_STRUCT* a, const BlockFields& b)
 {
-    *min = uniform(r, -100, 0), *max = uniform(r, 0, 100);
+    a->*b.min = uniform(r, -100, 0), a->*b.max = uniform(r, 0, 100);
     for (int i = below(r, 4); i-- > 0;) {
         TH_STRUCT* th = createTh();
         th->lower = uniform(r, -100, 100), th->upper = uniform(r, -100, 100);
-        th->value = below(r, values);
+        th->value = below(r, b.values);
         randomColour(r, th->color);
-        appendTh(head, th);
+        appendTh(&(a->*b.list), th);
     }
 }
 
@@ -128,17 +142,29 @@ ACTION_STRUCT* randomAction(Random& r, int code)
     a->mouseButton = below(r, 3), a->mouseAction = below(r, 8), a->mouseMode = below(r, 3);
     a->mouseClamp = below(r, 2), a->mouseHiddenActive = below(r, 2);
     a->visibleMode = below(r, 3), a->visibleValue = below(r, 100);
-    randomBlock(r, &a->colorMin, &a->colorMax, &a->colorThresholds, 2);
-    randomBlock(r, &a->widthMin, &a->widthMax, &a->widthThresholds, 20);
-    randomBlock(r, &a->styleMin, &a->styleMax, &a->styleThresholds, 10);
-    randomBlock(r, &a->visibleMin, &a->visibleMax, &a->visibleThresholds, 2);
-    randomBlock(r, &a->blinkMin, &a->blinkMax, &a->blinkThresholds, 9);
+    for (const BlockFields& b : kBlocks)
+        randomBlock(r, a, b);
     return a;
 }
 
 // Groups last: below a few levels they are left out.
 const uint32_t kKinds[] = {KR_GRAPH, KR_RECT,   KR_POLYLINE, KR_CIRCLE, KR_TEXT,    KR_LINE, KR_ARC,
                            KR_IMAGE, KR_BUTTON, KR_SLIDER,   KR_CPOLY,  KR_SCISSOR, KR_GROUP};
+
+// A graph's numbers but its position, and its switches.
+float GRAPH_STRUCT::*const kGraphNumbers[] = {
+    &GRAPH_STRUCT::width, &GRAPH_STRUCT::height, &GRAPH_STRUCT::ymin, &GRAPH_STRUCT::ymax, &GRAPH_STRUCT::xmin,
+    &GRAPH_STRUCT::xmax, &GRAPH_STRUCT::rate, &GRAPH_STRUCT::minspready, &GRAPH_STRUCT::minspreadx,
+    &GRAPH_STRUCT::outlineWidth, &GRAPH_STRUCT::gridxSpace, &GRAPH_STRUCT::gridySpace, &GRAPH_STRUCT::gridxRef,
+    &GRAPH_STRUCT::gridyRef, &GRAPH_STRUCT::tickxSpace, &GRAPH_STRUCT::tickySpace, &GRAPH_STRUCT::tickxRef,
+    &GRAPH_STRUCT::tickyRef, &GRAPH_STRUCT::tickWidth, &GRAPH_STRUCT::labelXmin, &GRAPH_STRUCT::labelXmax,
+    &GRAPH_STRUCT::labelYmin, &GRAPH_STRUCT::labelYmax};
+int32_t GRAPH_STRUCT::*const kGraphSwitches[] = {
+    &GRAPH_STRUCT::autoscale, &GRAPH_STRUCT::autoscalex, &GRAPH_STRUCT::bars, &GRAPH_STRUCT::gridx,
+    &GRAPH_STRUCT::gridy, &GRAPH_STRUCT::gridxAuto, &GRAPH_STRUCT::gridyAuto, &GRAPH_STRUCT::labelx,
+    &GRAPH_STRUCT::labely, &GRAPH_STRUCT::labelyr, &GRAPH_STRUCT::tickx, &GRAPH_STRUCT::ticky,
+    &GRAPH_STRUCT::tickyr, &GRAPH_STRUCT::tickxAuto, &GRAPH_STRUCT::tickyAuto, &GRAPH_STRUCT::labelFixx,
+    &GRAPH_STRUCT::labelFixy};
 
 void randomBody(Random& r, ELEMENT_STRUCT* e, int depth, int* code);
 
@@ -231,15 +257,11 @@ void randomBody(Random& r, ELEMENT_STRUCT* e, int depth, int* code)
     case KR_GRAPH: {
         auto* s = static_cast<GRAPH_STRUCT*>(e->data);
         s->type = below(r, 2);
-        for (float* v : {&s->x, &s->y, &s->width, &s->height, &s->ymin, &s->ymax, &s->xmin, &s->xmax, &s->rate,
-                         &s->minspready, &s->minspreadx, &s->outlineWidth, &s->gridxSpace, &s->gridySpace,
-                         &s->gridxRef, &s->gridyRef, &s->tickxSpace, &s->tickySpace, &s->tickxRef, &s->tickyRef,
-                         &s->tickWidth, &s->labelXmin, &s->labelXmax, &s->labelYmin, &s->labelYmax})
-            *v = uniform(r, -500, 500);
-        for (int32_t* v : {&s->autoscale, &s->autoscalex, &s->bars, &s->gridx, &s->gridy, &s->gridxAuto, &s->gridyAuto,
-                           &s->labelx, &s->labely, &s->labelyr, &s->tickx, &s->ticky, &s->tickyr, &s->tickxAuto,
-                           &s->tickyAuto, &s->labelFixx, &s->labelFixy})
-            *v = below(r, 2);
+        s->x = uniform(r, -500, 500), s->y = uniform(r, -500, 500);
+        for (float GRAPH_STRUCT::*v : kGraphNumbers)
+            s->*v = uniform(r, -500, 500);
+        for (int32_t GRAPH_STRUCT::*v : kGraphSwitches)
+            s->*v = below(r, 2);
         s->samples = 1 + below(r, 1000), s->tickxSub = below(r, 10), s->tickySub = below(r, 10);
         s->gridStyle = below(r, 10);
         randomColour(r, s->outlineColor), randomColour(r, s->backgroundColor), randomColour(r, s->gridColor);
@@ -354,8 +376,6 @@ float angle(float radians)
 }
 
 // The threshold blocks that a code writes.
-enum Block { kColour = 1, kWidth = 2, kStyle = 4, kVisible = 8, kBlink = 16 };
-
 int blocksOf(const ACTION_STRUCT* a)
 {
     switch (a->type) {
@@ -373,9 +393,11 @@ int blocksOf(const ACTION_STRUCT* a)
 // A written block: its range and entries in six digits, each upper end the next entry's lower
 // end or the range's end, colours in 8 bits a channel, visibility as 0 or 1. A block that isn't
 // written is the actual one.
-void expectBlock(bool written, Block block, float* min, float* max, TH_STRUCT** head, float actualMin,
-                 float actualMax, TH_STRUCT* actual)
+void expectBlock(bool written, const BlockFields& b, ACTION_STRUCT* e, const ACTION_STRUCT* actualAction)
 {
+    float *min = &(e->*b.min), *max = &(e->*b.max);
+    TH_STRUCT** head = &(e->*b.list);
+    TH_STRUCT* actual = actualAction->*b.list;
     if (!written) {
         while (*head)
             delTh(head, *head);
@@ -385,21 +407,21 @@ void expectBlock(bool written, Block block, float* min, float* max, TH_STRUCT** 
             th->prev = th->next = nullptr;
             appendTh(head, th);
         }
-        *min = actualMin, *max = actualMax;
+        *min = actualAction->*b.min, *max = actualAction->*b.max;
         return;
     }
     *min = float(six(*min)), *max = float(six(*max));
     for (TH_STRUCT* th = *head; th; th = th->next, actual = actual ? actual->next : nullptr) {
         th->lower = float(six(th->lower));
         th->upper = th->next ? float(six(th->next->lower)) : *max;
-        if (block == kColour) {
+        if (b.block == kColour) {
             components(th->color);
             if (actual)
                 th->value = actual->value;
         } else if (actual) {
             std::memcpy(th->color, actual->color, sizeof th->color);
         }
-        if (block == kVisible)
+        if (b.block == kVisible)
             th->value = th->value != 0;
     }
 }
@@ -444,16 +466,8 @@ void expectAction(ACTION_STRUCT* e, const ACTION_STRUCT* b)
     if (code != KR_ACTION_VISIBLE || e->visibleMode != 1)
         e->visibleValue = b->visibleValue;
     e->visibleMode = thresholded || (code == KR_ACTION_VISIBLE && e->visibleMode == 0) ? 0 : 1;
-    expectBlock(blocks & kColour, kColour, &e->colorMin, &e->colorMax, &e->colorThresholds, b->colorMin, b->colorMax,
-                b->colorThresholds);
-    expectBlock(blocks & kWidth, kWidth, &e->widthMin, &e->widthMax, &e->widthThresholds, b->widthMin, b->widthMax,
-                b->widthThresholds);
-    expectBlock(blocks & kStyle, kStyle, &e->styleMin, &e->styleMax, &e->styleThresholds, b->styleMin, b->styleMax,
-                b->styleThresholds);
-    expectBlock(blocks & kVisible, kVisible, &e->visibleMin, &e->visibleMax, &e->visibleThresholds, b->visibleMin,
-                b->visibleMax, b->visibleThresholds);
-    expectBlock(blocks & kBlink, kBlink, &e->blinkMin, &e->blinkMax, &e->blinkThresholds, b->blinkMin, b->blinkMax,
-                b->blinkThresholds);
+    for (const BlockFields& block : kBlocks)
+        expectBlock(blocks & block.block, block, e, b);
 }
 
 void expectPoints(COORD_STRUCT* c, const Offsets& o)
@@ -547,15 +561,10 @@ void expectElement(ELEMENT_STRUCT* e, const ELEMENT_STRUCT* actual, const Offset
     case KR_GRAPH: {
         auto* s = static_cast<GRAPH_STRUCT*>(data);
         s->x = o.x(s->x), s->y = o.y(s->y);
-        for (float* v : {&s->width, &s->height, &s->ymin, &s->ymax, &s->xmin, &s->xmax, &s->rate, &s->minspready,
-                         &s->minspreadx, &s->outlineWidth, &s->gridxSpace, &s->gridySpace, &s->gridxRef, &s->gridyRef,
-                         &s->tickxSpace, &s->tickySpace, &s->tickxRef, &s->tickyRef, &s->tickWidth, &s->labelXmin,
-                         &s->labelXmax, &s->labelYmin, &s->labelYmax})
-            *v = float(six(*v));
-        for (int32_t* v : {&s->autoscale, &s->autoscalex, &s->bars, &s->gridx, &s->gridy, &s->gridxAuto, &s->gridyAuto,
-                           &s->labelx, &s->labely, &s->labelyr, &s->tickx, &s->ticky, &s->tickyr, &s->tickxAuto,
-                           &s->tickyAuto, &s->labelFixx, &s->labelFixy})
-            *v = *v != 0;
+        for (float GRAPH_STRUCT::*v : kGraphNumbers)
+            s->*v = float(six(s->*v));
+        for (int32_t GRAPH_STRUCT::*v : kGraphSwitches)
+            s->*v = s->*v != 0;
         components(s->outlineColor), components(s->backgroundColor), components(s->gridColor);
         s->fontStyle = 1 | (s->fontStyle & (2 | 4));
         if (s->fontStyle > 4) // italic: a style the binary reader replaces
