@@ -2,13 +2,9 @@
 #include "xml/viewXml.h"
 
 #include "GlContext.h"
-#include "SampleFiles.h"
-#include "StoredView.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 namespace {
@@ -74,30 +70,21 @@ TEST(DataXml, SectionsReadInDocumentOrderWithDamagedCountsHarmless)
         EXPECT_EQ(describe(Loaded("<data>" + children + "</data>").view.dataTypes), expected) << children;
 }
 
-// Every source, parameter and variable of the sample comes back in order; a source without
-// parameters or variables is one empty element.
-TEST(DataXml, SampleSourcesRoundTrip)
+// A source without parameters or variables is one empty element. (The sample's sources come
+// back field by field through the round trip of whole views.)
+TEST(DataXml, SourceWithoutParametersIsOneEmptyElement)
 {
-    k2dtest::FileView sample(std::string(KOREL2D_EXAMPLES_DIR) + "/sources.k2d");
-    ASSERT_EQ(sample.result, 0);
-    DD_DATA_TYPE_STRUCT* empty = createDataType(0);
-    empty->id = 7;
-    appendDataType(&sample.view.dataTypes, empty);
-    appendVariable(&sample.view.dataTypes->variables, createVariable(0)); // its one parameter is written empty
     XmlDocument document;
     XmlElement section("data");
     document.appendElement(section);
-    dataSaveXml(section, sample.view.dataTypes);
-    k2dtest::TempFile file({}, ".xml");
-    document.write(file.path());
-    std::ifstream in(file.path(), std::ios::binary);
-    const std::string text(std::istreambuf_iterator<char>(in), {});
-    EXPECT_NE(text.find("<datasource name=\"DatasourceName\" id=\"7\" nr-data-para=\"0\" nr-var-para=\"0\" />"),
-              std::string::npos);
-    Loaded back(text);
-    VIEW_STRUCT written = {};
-    written.dataTypes = sample.view.dataTypes;
-    EXPECT_EQ(k2dtest::firstStoredDifference(&written, &back.view), "");
+    DD_DATA_TYPE_STRUCT* empty = createDataType(0);
+    empty->id = 7;
+    dataSaveXml(section, empty);
+    delDataType(&empty, empty, 0);
+    TiXmlPrinter printer;
+    section.data()->Accept(&printer);
+    EXPECT_EQ(printer.Str(), "<data>\n    <datasource name=\"DatasourceName\" id=\"7\" nr-data-para=\"0\" "
+                             "nr-var-para=\"0\" />\n</data>\n");
 }
 
 } // namespace
