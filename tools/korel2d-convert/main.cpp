@@ -5,6 +5,7 @@
 // sources are taken as stored, not matched to plug-ins, so the output doesn't depend on what is
 // installed; numbers are written in the "C" locale whatever the user's.
 #include "KorelEdit.h"
+#include "LibraryLog.h"
 #include "StoredLists.h"
 
 #include <cerrno>
@@ -94,13 +95,9 @@ bool fail(Failure* failure, const std::string& what, const std::string& reason)
 }
 
 // The library's log since it was last emptied, on one line.
-std::string takeLibraryLog()
+std::string libraryLogLine()
 {
-    char log[4096];
-    getLogMsg(log, sizeof log);
-    std::string text = log;
-    while (!text.empty() && text.back() == '\n')
-        text.pop_back();
+    std::string text = takeLibraryLog();
     for (char& c : text)
         if (c == '\n')
             c = ' ';
@@ -142,7 +139,7 @@ bool loadBinary(const std::string& path, StoredLists* stored, std::string* reaso
     getLogMsg(nullptr, 0);
     VIEW_STRUCT& v = stored->view;
     const int result = loadFile(path.c_str(), &v.elements, &v.dataTypes, &v);
-    const std::string log = takeLibraryLog();
+    const std::string log = libraryLogLine();
     if (result == 0 && (v.elements || v.dataTypes || log.empty()))
         return true;
     *reason = log.empty() ? "not a view file" : log;

@@ -2,6 +2,7 @@
 // when asked to or when no X display answers, or lists its records as text; or edits it; or
 // writes it as an XML view file.
 #include "KorelEdit.h"
+#include "LibraryLog.h"
 #include "OffscreenGl.h"
 #include "StoredLists.h"
 #include "dumpView.h"
@@ -229,17 +230,6 @@ std::string parseArguments(int argc, char** argv, Options* o)
 
 using ViewPtr = std::unique_ptr<VIEW_STRUCT, int (*)(VIEW_STRUCT*)>;
 using WindowPtr = std::unique_ptr<WINDOW_STRUCT, int (*)(WINDOW_STRUCT*)>;
-
-// What the library logged since it was last asked. At its default level it keeps errors only.
-std::string takeLibraryLog()
-{
-    char log[4096];
-    getLogMsg(log, sizeof log);
-    std::string text = log;
-    while (!text.empty() && text.back() == '\n')
-        text.pop_back();
-    return text;
-}
 
 // The reason is the library's own words where it logged any, as they name the fault.
 void reportLoadFailure(const std::string& file, const std::string& reason)
