@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <vector>
 
 static POLY_STRUCT polyDefaults(int closed)
 {
@@ -185,9 +186,72 @@ void combineCB(double coords[3], void* data[4], float weights[4], void** out)
     *out = vertex;
 }
 
+namespace {
+
+// GLU's sweep keeps the edges that span the sweep line in a list it searches end to end, and it
+// finds every crossing of a self-crossing outline before giving up on the fill. Its time thus
+// grows with the points times the edges a vertical line meets, and with the crossings times that
+// again: a few hundred points crossing everywhere take a tenth of a second, two thousand six
+// seconds, a file's worth minutes. Above this estimate (some hundredths of a second) an outline
+// isn't filled; real outlines stay far below it, a vertical line meeting them a few times.
+constexpr double kMaxTessellationWork = 2e7;
+
+// (points + the sum over the points of the edges whose x range holds theirs) times the most
+// edges at any point, from sorted edge ends. `points` takes the number of points GLU would get.
+double tessellationWork(const COORD_STRUCT* coords, size_t* points)
+{
+    std::vector<double> xs;
+    for (const COORD_STRUCT* c = coords; c; c = c->next)
+        if (!std::isnan(c->vertex[0]) && !std::isnan(c->vertex[1]))
+            xs.push_back(c->vertex[0]);
+    const size_t n = *points = xs.size();
+    std::vector<double> lows(n), highs(n);
+    for (size_t i = 0; i < n; ++i) {
+        const double next = xs[(i + 1) % n];
+        lows[i] = std::min(xs[i], next);
+        highs[i] = std::max(xs[i], next);
+    }
+    std::sort(lows.begin(), lows.end());
+    std::sort(highs.begin(), highs.end());
+    double sum = 0, most = 0;
+    for (double x : xs) {
+        const double spanning = double(std::upper_bound(lows.begin(), lows.end(), x) - lows.begin()) -
+                                double(std::lower_bound(highs.begin(), highs.end(), x) - highs.begin());
+        sum += spanning;
+        most = std::max(most, spanning);
+    }
+    return (double(n) + sum) * most;
+}
+
+void tessellate(const COORD_STRUCT* source)
+{
+    GLUtesselator* tess = gluNewTess();
+    if (!tess)
+        return;
+    using Callback = void (*)();
+    gluTessCallback(tess, GLU_TESS_VERTEX, reinterpret_cast<Callback>(&glVertex3dv));
+    gluTessCallback(tess, GLU_TESS_BEGIN, reinterpret_cast<Callback>(&tkBegin));
+    gluTessCallback(tess, GLU_TESS_END, reinterpret_cast<Callback>(&tkEnd));
+    gluTessCallback(tess, GLU_TESS_ERROR, reinterpret_cast<Callback>(&errorCB));
+    gluBeginPolygon(tess);
+    // GLU keeps pointers to the points until gluEndPolygon; the list holds its own copy after.
+    for (const COORD_STRUCT* c = source; c; c = c->next) {
+        // GLU clamps huge coordinates but not NaN, which breaks its sweep and crashes it.
+        if (std::isnan(c->vertex[0]) || std::isnan(c->vertex[1]))
+            continue;
+        double* vertex = const_cast<double*>(c->vertex);
+        gluTessVertex(tess, vertex, vertex);
+    }
+    gluEndPolygon(tess);
+    gluDeleteTess(tess);
+}
+
+} // namespace
+
 // The fill is tessellated once into a display list and replayed each frame. No combine
 // callback: a self-crossing outline fills only as far as GLU gets without new vertices,
-// which for most such shapes is nothing.
+// which for most such shapes is nothing. An outline too tangled to tessellate in good time
+// gets an empty list, so a draw doesn't try again.
 int polyMakeList(POLY_STRUCT* record, int useFill)
 {
     if (!getGlContext()) {
@@ -199,32 +263,14 @@ int polyMakeList(POLY_STRUCT* record, int useFill)
     if (record->displayList)
         glDeleteLists(record->displayList, 1);
     const COORD_STRUCT* source = useFill && record->fillCoords ? record->fillCoords : record->coords;
-
-    GLUtesselator* tess = gluNewTess();
-    if (!tess) {
-        record->displayList = 0;
-        return -1;
-    }
-    using Callback = void (*)();
-    gluTessCallback(tess, GLU_TESS_VERTEX, reinterpret_cast<Callback>(&glVertex3dv));
-    gluTessCallback(tess, GLU_TESS_BEGIN, reinterpret_cast<Callback>(&tkBegin));
-    gluTessCallback(tess, GLU_TESS_END, reinterpret_cast<Callback>(&tkEnd));
-    gluTessCallback(tess, GLU_TESS_ERROR, reinterpret_cast<Callback>(&errorCB));
-
     record->displayList = glGenLists(1);
     glNewList(record->displayList, GL_COMPILE);
-    gluBeginPolygon(tess);
-    // GLU keeps pointers to the points until gluEndPolygon; the list holds its own copy after.
-    for (const COORD_STRUCT* c = source; c; c = c->next) {
-        // GLU clamps huge coordinates but not NaN, which breaks its sweep and crashes it.
-        if (std::isnan(c->vertex[0]) || std::isnan(c->vertex[1]))
-            continue;
-        double* vertex = const_cast<double*>(c->vertex);
-        gluTessVertex(tess, vertex, vertex);
-    }
-    gluEndPolygon(tess);
+    size_t points = 0;
+    if (tessellationWork(source, &points) <= kMaxTessellationWork)
+        tessellate(source);
+    else
+        logMsg(2, "Warning polyMakeList: outline of %zu points too tangled to fill\n", points);
     glEndList();
-    gluDeleteTess(tess);
     return 0;
 }
 

@@ -6,6 +6,8 @@
 
 #include <GL/gl.h>
 
+#include <cmath>
+
 #include <string>
 #include <vector>
 
@@ -145,6 +147,33 @@ TEST_F(PolygonDraw, DisplayListMadeAtFirstDrawAndGivenBackOnFree)
     krViewFree(v);
     views.clear();
     EXPECT_FALSE(glIsList(list));
+}
+
+// An outline of many points that a vertical line meets a few times fills; one that crosses
+// itself everywhere is left unfilled at once, with a line, and its draws don't try again.
+TEST_F(PolygonDraw, TangledOutlinesAreLeftUnfilled)
+{
+    std::vector<PointFields> round, zigzag;
+    for (int i = 0; i < 20000; ++i) {
+        const double a = 2 * M_PI * i / 20000;
+        round.push_back({i, float(200 + 80 * std::cos(a)), float(150 + 80 * std::sin(a))});
+    }
+    for (int i = 0; i < 2000; ++i) // every edge spans the box and crosses most others
+        zigzag.push_back({i, float(100 + (i * 7919) % 2000 / 10.0), i % 2 ? 100.0f : 200.0f});
+    const struct { const std::vector<PointFields>& points; bool filled; } cases[] = {{round, true}, {zigzag, false}};
+    for (const auto& c : cases) {
+        setLogLevel(2);
+        takeLog();
+        VIEW_STRUCT* v = load(page().cpoly(shape(c.points)));
+        const std::string loaded = takeLog();
+        const bool filled = PixelIs(draw(v), 200, 150, kGreen);
+        draw(v);
+        const std::string drawn = takeLog();
+        setLogLevel(1);
+        EXPECT_EQ(filled, c.filled);
+        EXPECT_EQ(loaded.find("Warning polyMakeList: outline of 2000 points too tangled to fill\n") == 0, !c.filled);
+        EXPECT_EQ(drawn, "");
+    }
 }
 
 } // namespace
