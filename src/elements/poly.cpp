@@ -188,33 +188,51 @@ void combineCB(double coords[3], void* data[4], float weights[4], void** out)
 
 namespace {
 
-// GLU's sweep keeps the edges that span the sweep line in a list it searches end to end, and it
-// finds every crossing of a self-crossing outline before giving up on the fill. Its time thus
-// grows with the points times the edges a vertical line meets, and with the crossings times that
-// again: a few hundred points crossing everywhere take a tenth of a second, two thousand six
-// seconds, a file's worth minutes. Above this estimate (some hundredths of a second) an outline
-// isn't filled; real outlines stay far below it, a vertical line meeting them a few times.
+// GLU's tessellator makes the fill, but its time isn't bounded by the number of points alone:
+// its sweep keeps the edges across the sweep line in a list searched end to end and finds every
+// crossing of a self-crossing outline before giving up on the fill (2,000 points crossing
+// everywhere take 6 s), and a curve that floats have flattened into near-collinear steps makes
+// it work over and over (31,000 points of one curve took 5 s). So the fill takes at most this
+// many points of an outline, every n-th of a longer one: where an outline is that dense, a pixel
+// shows no difference, and the outline itself is drawn whole...
+constexpr size_t kMaxFilledPoints = 4096;
+// ...and is left empty when an estimate of the sweep's work passes this, some hundredths of a
+// second; real outlines stay far below it, a vertical line meeting them a few times.
 constexpr double kMaxTessellationWork = 2e7;
 
-// (points + the sum over the points of the edges whose x range holds theirs) times the most
-// edges at any point, from sorted edge ends. `points` takes the number of points GLU would get.
-double tessellationWork(const COORD_STRUCT* coords, size_t* points)
+// The points GLU gets: every stride-th one but NaN, which breaks its sweep (it clamps huge
+// coordinates itself).
+std::vector<double*> fillPoints(const COORD_STRUCT* coords)
 {
-    std::vector<double> xs;
+    std::vector<double*> all;
     for (const COORD_STRUCT* c = coords; c; c = c->next)
         if (!std::isnan(c->vertex[0]) && !std::isnan(c->vertex[1]))
-            xs.push_back(c->vertex[0]);
-    const size_t n = *points = xs.size();
+            all.push_back(const_cast<double*>(c->vertex));
+    if (all.size() <= kMaxFilledPoints)
+        return all;
+    const size_t stride = (all.size() + kMaxFilledPoints - 1) / kMaxFilledPoints;
+    std::vector<double*> kept;
+    for (size_t i = 0; i < all.size(); i += stride)
+        kept.push_back(all[i]);
+    return kept;
+}
+
+// (points + the sum over the points of the edges whose x range holds theirs) times the most
+// edges at any point, from sorted edge ends.
+double tessellationWork(const std::vector<double*>& points)
+{
+    const size_t n = points.size();
     std::vector<double> lows(n), highs(n);
     for (size_t i = 0; i < n; ++i) {
-        const double next = xs[(i + 1) % n];
-        lows[i] = std::min(xs[i], next);
-        highs[i] = std::max(xs[i], next);
+        const double x = points[i][0], next = points[(i + 1) % n][0];
+        lows[i] = std::min(x, next);
+        highs[i] = std::max(x, next);
     }
     std::sort(lows.begin(), lows.end());
     std::sort(highs.begin(), highs.end());
     double sum = 0, most = 0;
-    for (double x : xs) {
+    for (const double* point : points) {
+        const double x = point[0];
         const double spanning = double(std::upper_bound(lows.begin(), lows.end(), x) - lows.begin()) -
                                 double(std::lower_bound(highs.begin(), highs.end(), x) - highs.begin());
         sum += spanning;
@@ -223,7 +241,7 @@ double tessellationWork(const COORD_STRUCT* coords, size_t* points)
     return (double(n) + sum) * most;
 }
 
-void tessellate(const COORD_STRUCT* source)
+void tessellate(const std::vector<double*>& points)
 {
     GLUtesselator* tess = gluNewTess();
     if (!tess)
@@ -235,13 +253,8 @@ void tessellate(const COORD_STRUCT* source)
     gluTessCallback(tess, GLU_TESS_ERROR, reinterpret_cast<Callback>(&errorCB));
     gluBeginPolygon(tess);
     // GLU keeps pointers to the points until gluEndPolygon; the list holds its own copy after.
-    for (const COORD_STRUCT* c = source; c; c = c->next) {
-        // GLU clamps huge coordinates but not NaN, which breaks its sweep and crashes it.
-        if (std::isnan(c->vertex[0]) || std::isnan(c->vertex[1]))
-            continue;
-        double* vertex = const_cast<double*>(c->vertex);
+    for (double* vertex : points)
         gluTessVertex(tess, vertex, vertex);
-    }
     gluEndPolygon(tess);
     gluDeleteTess(tess);
 }
@@ -265,11 +278,11 @@ int polyMakeList(POLY_STRUCT* record, int useFill)
     const COORD_STRUCT* source = useFill && record->fillCoords ? record->fillCoords : record->coords;
     record->displayList = glGenLists(1);
     glNewList(record->displayList, GL_COMPILE);
-    size_t points = 0;
-    if (tessellationWork(source, &points) <= kMaxTessellationWork)
-        tessellate(source);
+    const std::vector<double*> points = fillPoints(source);
+    if (tessellationWork(points) <= kMaxTessellationWork)
+        tessellate(points);
     else
-        logMsg(2, "Warning polyMakeList: outline of %zu points too tangled to fill\n", points);
+        logMsg(2, "Warning polyMakeList: outline of %zu points too tangled to fill\n", points.size());
     glEndList();
     return 0;
 }
