@@ -659,6 +659,12 @@ KOREL2D_API int KPutFFloat(FILE* stream, float value);
 /** Writes the n bytes at buffer as they stand. @return 0, or -1 when they couldn't be written. */
 KOREL2D_API int KPutFString(const char* buffer, FILE* stream, int n);
 
+/** Appends the symbols of a symbol library (a text file of German keywords) to `elements`, each a
+ *  group named "SYMBOL n" of lines, rectangles, polygons, circles, arcs and texts. A file in UTF-8
+ *  is taken as such, any other as Latin-1. Lines that fit nothing are passed over.
+ *  @return 0; -1 when the file can't be read ("cannot open file" in the log). */
+KOREL2D_API int loadSymbolFile(const char* path, ELEMENT_STRUCT** elements);
+
 /** Reads an XML view file: the page fields into `view`, the sources appended to `dataTypes`, the
  *  elements to `elements`. The sources are taken as stored, not matched against the installed
  *  ones. Loads and saves on several threads take turns. Pictures and fonts are made in the

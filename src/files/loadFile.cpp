@@ -10,24 +10,6 @@
 
 namespace {
 
-struct Generation {
-    int first, last; // revisions this reader takes
-    int (*load)(KStream*, ELEMENT_STRUCT**, DD_DATA_TYPE_STRUCT**, VIEW_STRUCT*, int);
-    int (*loadConfig)(KStream*, VIEW_STRUCT*);
-};
-
-const Generation generations[] = {
-    {303, 304, loadFile_303, loadConfigFile_303},
-};
-
-const Generation* generationOf(int revision)
-{
-    for (const Generation& g : generations)
-        if (revision >= g.first && revision <= g.last)
-            return &g;
-    return nullptr;
-}
-
 struct Header {
     char magic[30];
     int32_t major, minor;
@@ -47,10 +29,6 @@ Header readHeader(KStream* stream)
 }
 
 const char* const kDashes = "-------------------------------------\n";
-
-} // namespace
-
-namespace {
 
 enum class Opened { ok, unreadable, wrongFormat };
 
@@ -89,12 +67,12 @@ int loadFile(const char* path, ELEMENT_STRUCT** elements, DD_DATA_TYPE_STRUCT** 
     case Opened::ok:
         break;
     }
-    const Generation* generation = generationOf(header.revision());
-    if (!generation) {
+    const Layout* layout = layoutOf(header.revision());
+    if (!layout) {
         logMsg(1, "loadFile: rev %d not supported\n", header.revision());
         return 0;
     }
-    generation->load(&stream, elements, dataTypes, view, header.revision());
+    loadGeneration(*layout, &stream, elements, dataTypes, view, header.revision());
     for (ELEMENT_STRUCT* e = *elements; e; e = e->next)
         definitionLoad(e);
     return 0;
@@ -117,12 +95,12 @@ int loadConfigFile(const char* path, VIEW_STRUCT* view)
     case Opened::ok:
         break;
     }
-    const Generation* generation = generationOf(header.revision());
-    if (!generation) {
+    const Layout* layout = layoutOf(header.revision());
+    if (!layout) {
         logMsg(1, "loadConfigFile: rev %d not supported\n", header.revision());
         return 0;
     }
-    return generation->loadConfig(&stream, view);
+    return loadConfigGeneration(*layout, &stream, view);
 }
 
 namespace {

@@ -1,5 +1,5 @@
-// Data-source sections of revisions 303 and 304: sources with their parameters and variables,
-// read and written.
+// Data-source sections from revision 1.11 on: sources with their parameters and variables, read
+// in every later form and written in the present one.
 #include "KorelEdit.h"
 #include "core/linkedList.h"
 #include "files/Reader.h"
@@ -10,25 +10,20 @@
 
 namespace {
 
-// The source found at run time may have more parameters than the file stored, so every
-// record gets at least this many slots.
-constexpr int32_t kMinimumSlots = 10;
 // Data parameter texts are always stored with their whole 64 bytes.
 constexpr int32_t kDataTextBytes = 64;
 constexpr size_t kDataParameterBytes = 4 + kDataTextBytes;
 // Type number, the two parameter counts and the variable count.
 constexpr size_t kSourceHeadBytes = 4 * 4;
-// Type, name and default value.
-constexpr size_t kVariableHeadBytes = 4 + 64 + 64;
-// A variable parameter with an empty text: its value and the text's size.
+// Type and name, and the default value where stored.
+constexpr size_t kVariableHeadBytes = 4 + 64;
+constexpr size_t kDefaultValueBytes = 64;
+// A variable parameter with an empty text: its value and the text's size; before 3.02 its
+// value and a fixed text.
 constexpr size_t kVariableParameterBytes = 4 + 4;
+constexpr size_t kFixedParameterBytes = 4 + kDataTextBytes;
 // Head room given to a text buffer that has to grow.
 constexpr uint32_t kTextSlack = 12;
-
-int32_t slotsFor(int32_t count)
-{
-    return count > kMinimumSlots ? count : kMinimumSlots;
-}
 
 size_t atLeastZero(int32_t count)
 {
@@ -48,7 +43,7 @@ bool readParameterText(Reader& in, PARA_STRUCT* slot)
         uint32_t capacity = uint32_t(n) + kTextSlack;
         char* grown = static_cast<char*>(realloc(slot->sval, capacity));
         if (!grown) {
-            logMsg(1, "dataLoad_303: out of memory\n");
+            logMsg(1, "dataLoad: out of memory\n");
             in.stream->abandon();
             return false;
         }
@@ -61,9 +56,13 @@ bool readParameterText(Reader& in, PARA_STRUCT* slot)
 }
 
 // Null when the file ends before the variable's fixed part and its parameters can be there.
-VARIABLE_STRUCT* readVariable(Reader& in, int32_t parameterCount)
+VARIABLE_STRUCT* readVariable(Reader& in, SourceForm form, int32_t parameterCount)
 {
-    if (!in.roomFor(kVariableHeadBytes + atLeastZero(parameterCount) * kVariableParameterBytes))
+    const bool defaultValue = form >= SourceForm::defaultAndFixedParameters;
+    const bool countedTexts = form == SourceForm::present;
+    const size_t headBytes = kVariableHeadBytes + (defaultValue ? kDefaultValueBytes : 0);
+    const size_t parameterBytes = countedTexts ? kVariableParameterBytes : kFixedParameterBytes;
+    if (!in.roomFor(headBytes + atLeastZero(parameterCount) * parameterBytes))
         return nullptr;
     VARIABLE_STRUCT* variable = createVariable(slotsFor(parameterCount));
     if (!variable) {
@@ -73,17 +72,21 @@ VARIABLE_STRUCT* readVariable(Reader& in, int32_t parameterCount)
     variable->nrPara = parameterCount;
     variable->type = in.integer();
     in.fixed(variable->name);
-    in.fixed(variable->defaultValue);
+    if (defaultValue)
+        in.fixed(variable->defaultValue);
     for (int32_t i = 0; i < parameterCount; ++i) {
-        variable->para[i].ival = in.integer();
-        if (!readParameterText(in, &variable->para[i]))
+        PARA_STRUCT* slot = &variable->para[i];
+        slot->ival = in.integer();
+        if (!countedTexts)
+            KGetFString(slot->sval, slot->size, in.stream, kDataTextBytes);
+        else if (!readParameterText(in, slot))
             break;
     }
     return variable;
 }
 
 // The counts stay as stored, whatever number of slots the record got.
-DD_DATA_TYPE_STRUCT* readSource(Reader& in)
+DD_DATA_TYPE_STRUCT* readSource(Reader& in, SourceForm form)
 {
     int32_t id = in.integer();
     int32_t dataCount = in.integer();
@@ -105,7 +108,7 @@ DD_DATA_TYPE_STRUCT* readSource(Reader& in)
     int32_t variableCount = in.integer();
     TailAppender<VARIABLE_STRUCT> variables(&source->variables);
     for (int32_t i = 0; i < variableCount; ++i) {
-        VARIABLE_STRUCT* variable = readVariable(in, variableParameterCount);
+        VARIABLE_STRUCT* variable = readVariable(in, form, variableParameterCount);
         if (!variable)
             break;
         variables.add(variable);
@@ -151,13 +154,15 @@ void writeSource(Writer& out, const DD_DATA_TYPE_STRUCT* source)
 
 } // namespace
 
-int dataLoad_303(KStream* stream, DD_DATA_TYPE_STRUCT** head, int /*revision: same layout in 303 and 304*/)
+int dataLoad(const Layout& layout, KStream* stream, DD_DATA_TYPE_STRUCT** head, int revision)
 {
+    if (layout.sources == SourceForm::old)
+        return dataLoadOld(stream, head, revision);
     Reader in{stream};
     int32_t count = in.integer();
     TailAppender<DD_DATA_TYPE_STRUCT> sources(head);
     for (int32_t i = 0; i < count && in.roomFor(kSourceHeadBytes); ++i) {
-        DD_DATA_TYPE_STRUCT* source = readSource(in);
+        DD_DATA_TYPE_STRUCT* source = readSource(in, layout.sources);
         if (!source)
             break;
         sources.add(source);
