@@ -1,5 +1,7 @@
 // Writes binary view files byte by byte, as the format stores them, so that tests don't
-// depend on the library's own writer. Big-endian throughout.
+// depend on the library's own writer. Big-endian throughout. One view description is written
+// at any revision from 1.00 on: what a revision lacks is left out, what it stored otherwise
+// (font codes, radii, colour groups, old source codes) comes from the fields marked as old.
 #pragma once
 
 #include <cstdint>
@@ -92,6 +94,11 @@ struct TextFields {
     std::string fontFamily = "Arial";
     int fontStyle = 1, underline = 0, fontSize = 30, textSize = 30, fillStyle = 0;
     std::string text = "Text";
+    // Up to 2.02: the font as a code, a line style of its own, and corners up to 1.06.
+    int fontCode = 0;
+    float strokeWidth = 1;
+    int strokeStyle = 0, antialias = 0;
+    float corners[8] = {}; // point by point
 };
 
 struct LineFields {
@@ -162,6 +169,10 @@ struct ActionFields {
     std::string translatePoly;
     int visibleMode = 0, visibleValue = 0;
     ThresholdBlockFields blocks[5];
+    // 2.03 to 3.02: the clock that the blinking entries take.
+    int blinkClock = 0;
+    // 1.00: a colour group, the first colour entry's colour and this width, instead of blocks.
+    float groupWidth = 0;
 };
 
 struct ParaFields {
@@ -185,6 +196,24 @@ struct SourceFields {
     std::vector<ParaFields> dataParams;
     int varParamCount = 0;
     std::vector<VariableFields> variables;
+};
+
+// A variable of the source section of revisions 1.00 to 1.10.
+struct OldVariableFields {
+    int type = 0;
+    std::string name;
+    int offset = 0;
+    float c = 0;                 // from 1.01 on, as are wave and frequency
+    int wave = 0, frequency = 0;
+};
+
+// A source of revisions 1.00 to 1.10: an old source code and its settings.
+struct OldSourceFields {
+    int code = 0;
+    int a = 0, b = 0, e = 0, f = 0, g = 0, h = 0, i = 0;
+    int j = 0; // from 1.02 on; read from 1.07 on
+    std::string t;
+    std::vector<OldVariableFields> variables;
 };
 
 class ViewBuilder {
@@ -213,8 +242,10 @@ public:
     // The action list that the next element record to be closed stores: the next element
     // written, or endGroup(). Without it an element stores no action.
     ViewBuilder& actions(const std::vector<ActionFields>& list);
-    // Marker 20 and a data-source section.
+    // Marker 20 and a data-source section, in the form of the builder's revision from 1.11 on.
     ViewBuilder& dataSection(const std::vector<SourceFields>& sources = {});
+    // Marker 20 and a data-source section of revisions 1.00 to 1.10.
+    ViewBuilder& oldDataSection(const std::vector<OldSourceFields>& sources);
 
     ViewBuilder& integer(int32_t value);
     ViewBuilder& real(float value);
@@ -225,7 +256,12 @@ public:
     size_t size() const { return bytes_.size(); }
 
 private:
+    bool from(int revision) const { return revision_ >= revision; }
     ViewBuilder& head(int kind, const char* name, const char* id);
+    // The end of the bodies that grew a reserved tail; `fillStyle` for the kinds that store one.
+    ViewBuilder& bodyEnd(int fillStyle = 0);
+    ViewBuilder& oldText(const TextFields& fields);
+    ViewBuilder& thresholdBlock(const ThresholdBlockFields& block);
     ViewBuilder& corners(float x0, float y0, float x1, float y1);
     ViewBuilder& color(const float rgba[4]);
     ViewBuilder& polyBody(int kind, const PolyFields& fields, const char* name, const char* id);
@@ -234,6 +270,7 @@ private:
     ViewBuilder& actionList();
     ViewBuilder& action(const ActionFields& fields);
     ViewBuilder& source(const SourceFields& fields);
+    int revision_;
     std::vector<uint8_t> bytes_;
     std::vector<ActionFields> pendingActions_;
 };
