@@ -16,6 +16,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 using namespace k2dtest;
 using namespace korelgen;
 
@@ -260,20 +262,19 @@ void placeOldestText(Description& d)
     d.text.x += float(metric[0]) * 0.5f, d.text.y += float(metric[1]) * 0.5f;
 }
 
-// The sources as the file stores them, before a load matches them with those installed (which
-// drops the plug-in types no library here provides).
-struct StoredSources {
+// A view as the file stores it, read by loadFile alone: its sources are not yet matched with
+// those installed, which would drop the plug-in types no library here provides.
+struct FileRecords {
     VIEW_STRUCT view = {};
-    explicit StoredSources(const std::vector<uint8_t>& bytes)
+    explicit FileRecords(const std::vector<uint8_t>& bytes)
     {
         TempFile file(bytes);
-        ELEMENT_STRUCT* elements = nullptr;
-        loadFile(file.path().c_str(), &elements, &view.dataTypes, &view);
-        while (elements)
-            elementDelete(elements, &elements);
+        loadFile(file.path().c_str(), &view.elements, &view.dataTypes, &view);
     }
-    ~StoredSources()
+    ~FileRecords()
     {
+        while (view.elements)
+            elementDelete(view.elements, &view.elements);
         while (view.dataTypes)
             delDataType(&view.dataTypes, view.dataTypes, 0);
     }
@@ -289,6 +290,7 @@ TEST(OlderRevisions, EveryRevisionLoadsAsItsPresentFormAndUpgradesToIt)
                 rule.apply(present, revision);
         if (revision == 100)
             placeOldestText(present);
+        setLogLevel(2);
         takeLog();
         LoadedView old(write(everything(), revision));
         const std::string oldLog = takeLog();
@@ -297,18 +299,122 @@ TEST(OlderRevisions, EveryRevisionLoadsAsItsPresentFormAndUpgradesToIt)
         ASSERT_NE(today.view, nullptr);
         takeGeneratedNames(old.view->elements, today.view->elements, revision);
         EXPECT_EQ(firstStoredDifference(old.view, today.view), "");
-        const StoredSources oldSources(write(everything(), revision)), todaysSources(write(present, 303));
-        EXPECT_EQ(firstStoredDifference(&oldSources.view, &todaysSources.view), "");
+        FileRecords oldRecords(write(everything(), revision)), todaysRecords(write(present, 303));
+        takeGeneratedNames(oldRecords.view.elements, todaysRecords.view.elements, revision);
+        EXPECT_EQ(firstStoredDifference(&oldRecords.view, &todaysRecords.view), "") << "before matching the sources";
 
         // Written back, the file is of today and loads to the same records with the same warnings.
-        TempFile upgraded({}, ".k2d");
-        ASSERT_EQ(saveFile(upgraded.path().c_str(), old.view->elements, old.view->dataTypes, old.view), 0);
+        TempFile upgraded({});
+        ASSERT_EQ(saveFile(upgraded.path().c_str(), oldRecords.view.elements, oldRecords.view.dataTypes, &oldRecords.view), 0);
         takeLog();
         VIEW_STRUCT* again = krViewLoad(upgraded.path().c_str());
         EXPECT_EQ(takeLog(), oldLog);
         EXPECT_EQ(firstStoredDifference(old.view, again), "");
         krViewFree(again);
     }
+}
+
+template <class Record> const Record* only(const LoadedView& v)
+{
+    return v.first() ? static_cast<const Record*>(v.first()->data) : nullptr;
+}
+
+TEST(OlderRevisions, GraphFontsFallBackAsTheirRevisionChecked)
+{
+    struct Case {
+        int revision, size, style;
+        const char* family;
+        const char* expected; // family, style, size
+    } const cases[] = {
+        {203, 50, 1, "Arial", "Courier [fixed] 1 10"}, {203, 12, -1, "Arial", "Courier [fixed] 1 10"},
+        {203, 0, 1, "", " 1 0"},                       {203, 40, 4, "Arial", "Arial 4 40"},
+        {204, 50, 1, "Arial", "Courier [fixed] 1 12"}, {204, 0, 1, "", "Courier [fixed] 1 12"},
+        {202, 20, 2, "Arial", "Courier [fixed] 1 10"},
+    };
+    for (const Case& c : cases) {
+        GraphFields graph;
+        graph.fontSize = c.size, graph.fontStyle = c.style, graph.fontFamily = c.family;
+        LoadedView v(ViewBuilder(c.revision / 100, c.revision % 100).page(0, 0, 400, 300, 0, 0, 0).graph(graph));
+        const GRAPH_STRUCT* g = only<GRAPH_STRUCT>(v);
+        ASSERT_NE(g, nullptr);
+        EXPECT_EQ(std::string(g->fontFamily) + " " + std::to_string(g->fontStyle) + " " + std::to_string(g->fontSize),
+                  c.expected)
+            << c.revision << " " << c.size << " " << c.style;
+    }
+}
+
+TEST(OlderRevisions, FontCodesBecomeFixedFontsPlacedAtTheirCentre)
+{
+    struct Case {
+        int code, style, size;
+    } const cases[] = {{21, GK_ITALIC, 20}, {0, GK_PLAIN, 11}, {9, GK_ITALIC, 14}, {38, GK_BOLD, 34}, {45, GK_PLAIN, 30}};
+    for (const Case& c : cases) {
+        TextFields text;
+        text.fontCode = c.code, text.align = KR_POS_UPPER_LEFT, text.matrix[1] = 0.5f, text.text = "Flow";
+        LoadedView v(ViewBuilder(1, 7).page(0, 0, 400, 300, 0, 0, 0).text(text));
+        const TEXT_STRUCT* t = only<TEXT_STRUCT>(v);
+        ASSERT_NE(t, nullptr);
+        int metric[2] = {0, 0};
+        gkFontStringMetric(t->font, t->text, metric);
+        EXPECT_EQ(std::string(t->fontFamily), "Courier [fixed]");
+        EXPECT_EQ(std::vector<int>({t->fontStyle, t->fontSize, t->textSize}),
+                  std::vector<int>({c.style, c.size, c.size}))
+            << "code " << c.code;
+        EXPECT_EQ(std::vector<float>(t->matrix, t->matrix + 4), std::vector<float>({1, 0, 0, 1}));
+        EXPECT_EQ(t->x, text.x + float(metric[0]) / 2);
+        EXPECT_EQ(t->y, text.y - float(metric[1]) / 2);
+    }
+}
+
+TEST(OlderRevisions, VectorTextOfCornersTakesTheirBoxAndTurn)
+{
+    TextFields text;
+    text.kind = KR_TEXT_OLD, text.text = "AB";
+    const double angle = 30 * M_PI / 180, l1 = 120, l2 = 40;
+    const double c = std::cos(angle), s = std::sin(angle);
+    const double xs[4] = {10, 10 - l2 * s, 10 - l2 * s + l1 * c, 10 + l1 * c};
+    const double ys[4] = {20, 20 + l2 * c, 20 + l2 * c + l1 * s, 20 + l1 * s};
+    for (int i = 0; i < 4; ++i)
+        text.corners[2 * i] = float(xs[i]), text.corners[2 * i + 1] = float(ys[i]);
+    LoadedView v(ViewBuilder(1, 5).page(0, 0, 400, 300, 0, 0, 0).text(text));
+    const TEXT_STRUCT* t = only<TEXT_STRUCT>(v);
+    ASSERT_NE(t, nullptr);
+    EXPECT_EQ(std::string(t->fontFamily) + std::to_string(t->fontSize) + std::to_string(t->textSize), "Arial3030");
+    EXPECT_NEAR(t->x, (xs[1] + xs[3]) / 2, 1e-3);
+    EXPECT_NEAR(t->y, (ys[0] + ys[2]) / 2, 1e-3);
+    int metric[2] = {0, 0};
+    gkFontStringMetric(t->font, "AB", metric);
+    EXPECT_NEAR(t->matrix[0], l1 / (metric[0] * 2.0) * c, 1e-4);
+    EXPECT_NEAR(t->matrix[3], l2 / t->textSize * c, 1e-4); // an outline font is as high as its size
+}
+
+TEST(OlderRevisions, AnAutoSourceOfTwoParametersWarnsAndRuns)
+{
+    OldSourceFields autoSource{5, 0, 0, 0, 0, 0, 0, 0, 0, "", {{KR_VAR_FLOAT, "wave", 0, 0, 2, 3}}};
+    setLogLevel(2);
+    takeLog();
+    LoadedView v(ViewBuilder(1, 3).page(0, 0, 400, 300, 0, 0, 0).oldDataSection({autoSource}).integer(-1));
+    ASSERT_NE(v.view, nullptr);
+    EXPECT_EQ(takeLog(), "Warning: nr of variable parameter mismatch\nData type 1 Auto Data\n"
+                         "Library has 4 parameters, view has 2 parameters\n");
+    VARIABLE_STRUCT* wave = v.view->dataTypes->variables;
+    const auto parameters = [wave] {
+        std::string read;
+        for (int i = 0; i < 4; ++i) {
+            int item = -1;
+            char text[64] = "";
+            krVarGetPara(wave, i, &item, text);
+            read += std::to_string(item) + "'" + text + "' ";
+        }
+        return read;
+    };
+    // The empty range is the wave's own, which the running source writes back.
+    ASSERT_EQ(krViewStartAnim(v.view), 0);
+    const std::string running = "4'' 3'' 0'0.0' 0'1.0' ";
+    for (int tries = 0; tries < 500 && parameters() != running; ++tries)
+        usleep(10000);
+    krViewStopAnim(v.view);
+    EXPECT_EQ(parameters(), running);
 }
 
 } // namespace
