@@ -353,8 +353,10 @@ int calcVecText(TEXT_STRUCT* t)
     const double length = std::hypot(baseX, baseY);
     const double height = std::hypot(t->cornerX[1] - t->cornerX[0], t->cornerY[1] - t->cornerY[0]);
     const double angle = float(std::atan2(baseY, baseX) * kRadiansToDegrees) * kDegreesToRadians;
-    const float sx = float(length) / float(double(w) * double(strlen(t->text)));
-    const float sy = float(height) / float(h);
+    // An empty text or a font that measures nothing would divide by zero: that axis keeps its scale.
+    const float widthDivisor = float(double(w) * double(strlen(t->text))), heightDivisor = float(h);
+    const float sx = widthDivisor != 0 ? float(length) / widthDivisor : 1;
+    const float sy = heightDivisor != 0 ? float(height) / heightDivisor : 1;
     float box[4];
     pointsBox(t->cornerX, t->cornerY, 4, box);
     t->x = float(box[0] + (box[2] - box[0]) * 0.5);
