@@ -9,10 +9,15 @@
 // pointer. everykind.xml and sources.xml are the XML form of their binary namesakes, and
 // handmade.xml is an XML view written as a person would write one: outlines as path texts, a
 // circle, one picture shown twice.
-// Usage: korel2d-samples [--seeds] OUTPUT_DIR
+// legacy/ holds everykind.k2d as revisions 1.00, 1.07, 2.03 and 3.01 wrote it, and symbols.sym, a
+// symbol library of three labelled symbols.
+// Usage: korel2d-samples [--seeds] OUTPUT_DIR | --reader-seeds OUTPUT_DIR REVISION...
 // With --seeds it also writes small views of each element kind, each action type and every
 // variable type, a few path texts and damaged copies of the XML samples: the seed corpus of the
-// fuzzing harnesses.
+// fuzzing harnesses. --reader-seeds writes the seeds of the harnesses of one format generation
+// each: for a REVISION such as 107, OUTPUT_DIR/g107/ holds the views of one kind each and the
+// every-kind view at that revision, less the header, which the harness supplies;
+// OUTPUT_DIR/symbols/ holds symbols.sym.
 #include "KorelEdit.h"
 #include "KshmSegment.h"
 #include "base/base64.h"
@@ -23,6 +28,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <fstream>
@@ -31,6 +37,7 @@
 #include <utility>
 #include <vector>
 
+#include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
 
@@ -441,9 +448,17 @@ void dial(ViewBuilder& b)
     b.endGroup();
 }
 
-std::vector<uint8_t> everyKind()
+using NamedView = std::pair<std::string, std::vector<uint8_t>>;
+
+// The old source code of internal variables, in files of revisions 1.00 to 1.10.
+constexpr int kOldInternalCode = 7;
+constexpr int kLastWithOldSources = 110;
+constexpr int kPresentRevision = 303;
+
+// Written at `revision`, of the form major * 100 + minor: older revisions leave out what they lacked.
+std::vector<uint8_t> everyKind(int revision = kPresentRevision)
 {
-    ViewBuilder b;
+    ViewBuilder b(revision / 100, revision % 100);
     b.page(0, 0, 640, 520, kPage.r, kPage.g, kPage.b);
 
     ActionFields alarm = action(1, KR_ACTION_STROKE_COLOR, "alarm", 0, 2, 0, 2);
@@ -510,8 +525,62 @@ std::vector<uint8_t> everyKind()
     values.variables = {{KR_VAR_FLOAT, "speed", "0", {{3, "sensor A"}, {1, "km/h"}}},
                         {KR_VAR_INT32, "alarm", "0", {{4, "sensor B"}}},
                         {KR_VAR_TEXT, "running", "no", {}}};
-    b.dataSection({link, values});
+    if (revision <= kLastWithOldSources) {
+        // No plug-ins yet: the values are internal variables.
+        OldSourceFields internal;
+        internal.code = kOldInternalCode;
+        internal.variables = {{KR_VAR_FLOAT, "speed"}, {KR_VAR_INT32, "alarm"}, {KR_VAR_TEXT, "running"}};
+        b.oldDataSection({internal});
+    } else {
+        b.dataSection({link, values});
+    }
     return b.bytes();
+}
+
+// A symbol library of three symbols, each with its label; "Öl" in Latin-1, as the editors that
+// wrote these libraries stored it.
+std::string symbols()
+{
+    return "SYMBOL-NR. 1\nBEZUGSPUNKT_X 20 BEZUGSPUNK_Y 20\n"
+           "KREIS\nX1 20 Y1 20 RADIUS 18 RGB-Farbe 0 0 128\n"
+           "POLYGON\nX1 12 Y1 10 X2 32 Y2 20 RGB-Farbe 0 0 128\n"
+           "POLYGON\nX1 32 Y1 20 X2 12 Y2 30 RGB-Farbe 0 0 128\n"
+           "POLYGON\nX1 12 Y1 30 X2 12 Y2 10 RGB-Farbe 0 0 128\n"
+           "TEXT\nX1 0 Y1 -14 Font 2 RGB-Farbe 0 0 0 CHARACTER Pumpe\n"
+           "SYMBOL-NR. 2\nBEZUGSPUNKT_X 80 BEZUGSPUNK_Y 20\n"
+           "POLYGON\nX1 60 Y1 8 X2 100 Y2 32 RGB-Farbe 128 0 0\n"
+           "POLYGON\nX1 100 Y1 32 X2 100 Y2 8 RGB-Farbe 128 0 0\n"
+           "POLYGON\nX1 100 Y1 8 X2 60 Y2 32 RGB-Farbe 128 0 0\n"
+           "POLYGON\nX1 60 Y1 32 X2 60 Y2 8 RGB-Farbe 128 0 0\n"
+           "VEKTOR\nX1 80 Y1 20 X2 80 Y2 44 RGB-Farbe 0 0 0\n"
+           "RECHTECK\nX1 72 Y1 44 X2 88 Y2 50 RGB-Farbe 0 0 0 GESTRICHELT\n"
+           "TEXT\nX1 60 Y1 -14 Font 2 RGB-Farbe 0 0 0 CHARACTER Ventil\n"
+           "SYMBOL-NR. 3\nBEZUGSPUNKT_X 150 BEZUGSPUNK_Y 25\n"
+           "GEF. RECHTECK\nX1 130 Y1 0 X2 170 Y2 30 RGB-Farbe 200 160 0\n"
+           "RECHTECK\nX1 130 Y1 0 X2 170 Y2 50 RGB-Farbe 0 0 0\n"
+           "KREIS_BOGEN\nX1 150 Y1 50 RADIUS 20 Winkelanfang[Grad] 270 Winkelende[GRAD] 90 RGB-Farbe 0 0 0\n"
+           "TEXT\nX1 142 Y1 -14 Font 2 RGB-Farbe 0 0 0 CHARACTER \xd6l\n";
+}
+
+// The revisions of examples/legacy/: the first of 1.x, the first with pictures, the first that
+// stores a graph's font, and the last before fill styles.
+const int kLegacyRevisions[] = {100, 107, 203, 301};
+
+std::string revisionName(int revision)
+{
+    char name[16];
+    std::snprintf(name, sizeof name, "%d.%02d", revision / 100, revision % 100);
+    return name;
+}
+
+std::vector<NamedView> legacyViews()
+{
+    std::vector<NamedView> views;
+    for (int revision : kLegacyRevisions)
+        views.emplace_back("legacy/everykind-" + revisionName(revision) + ".k2d", everyKind(revision));
+    const std::string library = symbols();
+    views.emplace_back("legacy/symbols.sym", std::vector<uint8_t>(library.begin(), library.end()));
+    return views;
 }
 
 // A view that is mostly its sources: constants, internal variables, the example plug-in's
@@ -1064,11 +1133,10 @@ std::vector<uint8_t> controls()
 
 // ---------------------------------------------------------------- seed corpus
 
-using NamedView = std::pair<std::string, std::vector<uint8_t>>;
 
-ViewBuilder seedPage()
+ViewBuilder seedPage(int revision = kPresentRevision)
 {
-    ViewBuilder b;
+    ViewBuilder b(revision / 100, revision % 100);
     b.page(0, 0, 200, 150, kPage.r, kPage.g, kPage.b);
     return b;
 }
@@ -1080,8 +1148,8 @@ PolyFields closedPoly()
     return p;
 }
 
-// Each element kind alone on a page.
-std::vector<NamedView> kindSeeds()
+// Each element kind alone on a page, written at `revision`.
+std::vector<NamedView> kindSeeds(int revision = kPresentRevision)
 {
     const struct {
         const char* name;
@@ -1103,9 +1171,13 @@ std::vector<NamedView> kindSeeds()
     };
     std::vector<NamedView> seeds;
     for (const auto& kind : kinds) {
-        ViewBuilder b = seedPage();
+        ViewBuilder b = seedPage(revision);
         kind.add(b);
-        seeds.emplace_back(std::string("kind-") + kind.name, b.dataSection().bytes());
+        if (revision <= kLastWithOldSources)
+            b.oldDataSection({});
+        else
+            b.dataSection();
+        seeds.emplace_back(std::string("kind-") + kind.name, b.bytes());
     }
     return seeds;
 }
@@ -1312,13 +1384,58 @@ bool writeXmlForms(const std::string& dir)
     return true;
 }
 
+bool makeDirectory(const std::string& path)
+{
+    if (mkdir(path.c_str(), 0755) == 0 || errno == EEXIST)
+        return true;
+    std::fprintf(stderr, "korel2d-samples: cannot make %s: %s\n", path.c_str(), std::strerror(errno));
+    return false;
+}
+
+bool writeViews(const std::string& dir, const std::vector<NamedView>& views)
+{
+    for (const auto& [name, bytes] : views) {
+        const std::string path = dir + "/" + name;
+        if (!writeFile(path, bytes))
+            return false;
+        std::printf("wrote %s\n", path.c_str());
+    }
+    return true;
+}
+
+// The bytes after the header: the magic text and the two revision numbers.
+constexpr size_t kHeaderSize = 38;
+
+int writeReaderSeeds(const std::string& dir, char** revisions, int count)
+{
+    if (!makeDirectory(dir))
+        return 1;
+    for (int i = 0; i < count; ++i) {
+        const int revision = std::atoi(revisions[i]);
+        const std::string generation = "g" + std::to_string(revision);
+        std::vector<NamedView> views = kindSeeds(revision);
+        views.emplace_back("everykind", everyKind(revision));
+        for (auto& [name, bytes] : views)
+            name = generation + "/" + name, bytes.erase(bytes.begin(), bytes.begin() + kHeaderSize);
+        if (!makeDirectory(dir + "/" + generation) || !writeViews(dir, views))
+            return 1;
+    }
+    const std::string library = symbols();
+    return makeDirectory(dir + "/symbols") &&
+                   writeViews(dir, {{"symbols/symbols.sym", {library.begin(), library.end()}}})
+               ? 0
+               : 1;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (argc >= 3 && std::strcmp(argv[1], "--reader-seeds") == 0)
+        return writeReaderSeeds(argv[2], argv + 3, argc - 3);
     const bool withSeeds = argc == 3 && std::strcmp(argv[1], "--seeds") == 0;
     if (argc != 2 && !withSeeds) {
-        std::fprintf(stderr, "usage: korel2d-samples [--seeds] OUTPUT_DIR\n");
+        std::fprintf(stderr, "usage: korel2d-samples [--seeds] OUTPUT_DIR | --reader-seeds OUTPUT_DIR REVISION...\n");
         return 2;
     }
     const std::string dir = argv[argc - 1];
@@ -1326,16 +1443,14 @@ int main(int argc, char** argv)
         {"panel.k2d", panel()}, {"everykind.k2d", everyKind()}, {"sources.k2d", sources()}, {"live.k2d", live()},
         {"readouts.k2d", readouts()}, {"stripchart.k2d", stripChart()}, {"feed.k2d", feed()},
         {"controls.k2d", controls()}};
+    const std::vector<NamedView> legacy = legacyViews();
+    views.insert(views.end(), legacy.begin(), legacy.end());
     if (withSeeds) {
         std::vector<NamedView> seeds = seedViews();
         views.insert(views.end(), seeds.begin(), seeds.end());
     }
-    for (const auto& [name, bytes] : views) {
-        std::string path = dir + "/" + name;
-        if (!writeFile(path, bytes))
-            return 1;
-        std::printf("wrote %s\n", path.c_str());
-    }
+    if (!makeDirectory(dir + "/legacy") || !writeViews(dir, views))
+        return 1;
     const std::string handmadeText = handmade();
     if (!writeFile(dir + "/handmade.xml", std::vector<uint8_t>(handmadeText.begin(), handmadeText.end())))
         return 1;

@@ -4,7 +4,9 @@
 # generator writes and the regression corpus tests/fuzz/regression/ (textimage makes its views
 # from any bytes, expression reads them as the text of an expression and path as an outline
 # text: to these three they are merely bytes; xml reads them as an XML view file).
-# Usage: sh scripts/fuzz.sh [SECONDS [HARNESS...]]  (default: 60 seconds, harnesses load draw textimage expression live path xml)
+# g100 ... g303 read the bytes as a binary view file of the generation their name gives, after
+# its header; symbols as a symbol library.
+# Usage: sh scripts/fuzz.sh [SECONDS [HARNESS...]]  (default: 60 seconds, all harnesses)
 # Inputs that find new code stay in build-fuzz/corpus/HARNESS/ for the next run; a crash is
 # written to build-fuzz/crashes/ and makes the script fail: once fixed, copy it into the
 # regression corpus.
@@ -13,7 +15,8 @@ cd "$(dirname "$0")/.."
 root=$(pwd)
 seconds=${1:-60}
 [ $# -gt 0 ] && shift
-harnesses=${*:-load draw textimage expression live path xml}
+generations="g100 g101 g102 g107 g111 g113 g201 g202 g203 g204 g301 g302 g303"
+harnesses=${*:-load draw textimage expression live path xml $generations symbols}
 build="$root/build-fuzz"
 
 targets=korel2d-samples
@@ -24,6 +27,10 @@ cmake --build "$build" -j"$(nproc)" --target $targets
 rm -rf "$build/seeds"
 mkdir -p "$build/seeds" "$build/crashes" "$build/logs"
 "$build/examples/korel2d-samples" --seeds "$build/seeds" >/dev/null
+# The generation harnesses and the symbol one start from seeds of their own.
+revisions=$(for h in $harnesses; do case $h in g[0-9]*) echo "${h#g}" ;; esac; done)
+rm -rf "$build/reader-seeds"
+"$build/examples/korel2d-samples" --reader-seeds "$build/reader-seeds" $revisions >/dev/null
 
 # An empty working directory with no fonts beside it: the plug-in and font searches of each
 # load find nothing there and cost next to nothing.
@@ -39,8 +46,13 @@ for h in $harnesses; do
   mkdir -p "$build/corpus/$h"
   dict=
   [ -f "$root/tests/fuzz/$h.dict" ] && dict="-dict=$root/tests/fuzz/$h.dict"
-  "$build/tests/fuzz/korel2d-fuzz-$h" -max_total_time="$seconds" -timeout=60 -print_final_stats=1 $dict \
-    -artifact_prefix="$build/crashes/$h-" "$build/corpus/$h" "$build/seeds" "$root/tests/fuzz/regression" \
+  seeds="$build/seeds $root/tests/fuzz/regression"
+  limit=
+  # A generation harness explores a kind's record in its first kilobyte; longer inputs only repeat
+  # records, at a fraction of the executions.
+  [ -d "$build/reader-seeds/$h" ] && seeds="$build/reader-seeds/$h" && limit=-max_len=1024
+  "$build/tests/fuzz/korel2d-fuzz-$h" -max_total_time="$seconds" -timeout=60 -print_final_stats=1 $dict $limit \
+    -artifact_prefix="$build/crashes/$h-" "$build/corpus/$h" $seeds \
     >"$build/logs/$h.log" 2>&1 &
   echo $! >"$scratch/$h.pid"
 done

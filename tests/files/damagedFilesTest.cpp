@@ -1,7 +1,7 @@
 // Files damaged on disk or by a careless writer: cut at every byte and garbled in thousands of
-// ways, a view with every structure the reader knows loads and frees without harm (the fuzzing
-// tests sweep the samples we ship, running); hostile counts keep what was read before them and
-// claim no memory out of proportion to the file's size.
+// ways, a view with every structure the reader knows, in every generation of the format, loads
+// and frees without harm (the fuzzing tests sweep the samples we ship, running); hostile counts
+// keep what was read before them and claim no memory out of proportion to the file's size.
 #include "LoadedView.h"
 #include "ViewFixture.h"
 
@@ -42,11 +42,17 @@ SourceFields source(int id, int variables, int capacity)
     return s;
 }
 
-// Every kind, a clip and a bodiless code, nested two deep. Text and graph each build a font
-// (about a millisecond): they come last so that most cuts don't pay for them.
-std::vector<uint8_t> everyKindPanel(bool withFonts = true)
+// The first revision of each generation of the format: what a file stores, and where, changes
+// from one to the next.
+const int kGenerations[] = {100, 101, 102, 107, 111, 113, 201, 202, 203, 204, 301, 302, 303};
+constexpr int kLastWithOldSources = 110;
+
+// Every kind, a clip and a bodiless code, nested two deep, written at `revision`. Text and graph
+// each build a font (about a millisecond): they come last so that most cuts don't pay for them.
+std::vector<uint8_t> everyKindPanel(int revision, bool withFonts = true)
 {
-    ViewBuilder b = blackPage();
+    ViewBuilder b(revision / 100, revision % 100);
+    b.page(0, 0, 400, 300, 0, 0, 0);
     b.actions({banded(KR_ACTION_MOVE_X, KR_THRESHOLDS_COLOR), banded(KR_ACTION_FILL_COLOR, KR_THRESHOLDS_COLOR)})
         .rect(RectFields(), "lamp");
     b.beginGroup(10, "gauges");
@@ -60,7 +66,10 @@ std::vector<uint8_t> everyKindPanel(bool withFonts = true)
     b.actions({banded(KR_ACTION_MOVE_Y, KR_THRESHOLDS_COLOR)}).endGroup();
     b.actions({banded(KR_ACTION_FILL_COLOR, KR_THRESHOLDS_COLOR)}).endGroup();
     b.bodiless(9, "nobody");
-    b.dataSection({source(1, 2, 64), source(2, 1, 80)});
+    if (revision <= kLastWithOldSources)
+        b.oldDataSection({{0, 1, 2, 0, 0, 0, 0, 0, 0, "", {{0, "v0"}, {0, "v1"}}}, {7, 0, 0, 0, 0, 0, 0, 0, 0, "", {{0, "v0"}}}});
+    else
+        b.dataSection({source(1, 2, 64), source(2, 1, 80)});
     b.rect(RectFields(), "last");
     if (withFonts)
         b.text(TextFields()).graph(GraphFields());
@@ -124,13 +133,18 @@ void expectGarbledCopiesLoad(const std::vector<uint8_t>& whole, int rounds, unsi
     }
 }
 
-TEST(DamagedFiles, EveryKindCutOrGarbledKeepsWhatWasRead)
+class EveryGeneration : public testing::TestWithParam<int> {};
+
+TEST_P(EveryGeneration, EveryKindCutOrGarbledKeepsWhatWasRead)
 {
-    EXPECT_EQ(expectEveryCutKeepsWhatWasRead(everyKindPanel()), (std::array<int, 4>{17, 8, 2, 3}));
+    const int revision = GetParam();
+    EXPECT_EQ(expectEveryCutKeepsWhatWasRead(everyKindPanel(revision)), (std::array<int, 4>{17, 8, 2, 3}));
     // One copy in eight keeps text and graph, so that their fonts don't take over the run time.
-    expectGarbledCopiesLoad(everyKindPanel(), 1250, 97);
-    expectGarbledCopiesLoad(everyKindPanel(false), 8750, 98);
+    expectGarbledCopiesLoad(everyKindPanel(revision), 1250, 97);
+    expectGarbledCopiesLoad(everyKindPanel(revision, false), 8750, 98);
 }
+
+INSTANTIATE_TEST_SUITE_P(DamagedFiles, EveryGeneration, testing::ValuesIn(kGenerations));
 
 // Stroke widths no editor writes, on every kind that keeps one: the view still starts and stops.
 TEST(DamagedFiles, StrokeWidthsOfNoNumberStartAndStop)

@@ -311,6 +311,59 @@ TEST(OlderRevisions, EveryRevisionLoadsAsItsPresentFormAndUpgradesToIt)
         EXPECT_EQ(takeLog(), oldLog);
         EXPECT_EQ(firstStoredDifference(old.view, again), "");
         krViewFree(again);
+
+        // Converted once more, the file grows by 12 bytes a variable parameter and by nothing else:
+        // a load leaves that much room past each parameter's text, and the writer stores the room.
+        FileRecords upgradedRecords(fileBytes(upgraded.path()));
+        TempFile twice({});
+        ASSERT_EQ(saveFile(twice.path().c_str(), upgradedRecords.view.elements, upgradedRecords.view.dataTypes,
+                           &upgradedRecords.view), 0);
+        size_t parameters = 0;
+        for (const DD_DATA_TYPE_STRUCT* source = oldRecords.view.dataTypes; source; source = source->next)
+            for (const VARIABLE_STRUCT* v = source->variables; v; v = v->next)
+                parameters += size_t(v->nrPara);
+        EXPECT_EQ(fileBytes(twice.path()).size(), fileBytes(upgraded.path()).size() + 12 * parameters);
+        FileRecords twiceRecords(fileBytes(twice.path()));
+        EXPECT_EQ(firstStoredDifference(&upgradedRecords.view, &twiceRecords.view), "");
+    }
+}
+
+// The one list of what a file of today can't carry of an older one, as the README lists it: the
+// old load holds it, the upgraded file doesn't.
+TEST(OlderRevisions, UpgradesLoseOnlyWhatTodaysFilesCannotCarry)
+{
+    TextFields text;
+    text.strokeWidth = 3, text.strokeStyle = 2, text.antialias = 1;
+    GraphFields graph;
+    graph.fontSize = 0, graph.fontFamily = "";
+    const auto textLine = [](const ELEMENT_STRUCT* e) {
+        const TEXT_STRUCT* t = static_cast<const TEXT_STRUCT*>(e->data);
+        return std::to_string(t->strokeWidth) + " " + std::to_string(t->strokeStyle) + " " + std::to_string(t->antialias);
+    };
+    const auto graphFont = [](const ELEMENT_STRUCT* e) {
+        const GRAPH_STRUCT* g = static_cast<const GRAPH_STRUCT*>(e->data);
+        return std::string(g->fontFamily) + " " + std::to_string(g->fontSize);
+    };
+    const struct {
+        const char* what;
+        std::vector<uint8_t> file;
+        std::function<std::string(const ELEMENT_STRUCT*)> field;
+        const char *old, *upgraded;
+    } losses[] = {
+        {"text stroke width, style and antialias of 1.00 to 2.02",
+         ViewBuilder(2, 2).page(0, 0, 400, 300, 0, 0, 0).text(text).bytes(), textLine, "3.000000 2 1", "1.000000 0 0"},
+        {"a graph font only 2.03's check accepts", ViewBuilder(2, 3).page(0, 0, 400, 300, 0, 0, 0).graph(graph).bytes(),
+         graphFont, " 0", "Courier [fixed] 12"},
+    };
+    for (const auto& loss : losses) {
+        FileRecords old(loss.file);
+        TempFile upgraded({});
+        ASSERT_EQ(saveFile(upgraded.path().c_str(), old.view.elements, old.view.dataTypes, &old.view), 0);
+        FileRecords again(fileBytes(upgraded.path()));
+        ASSERT_NE(old.view.elements, nullptr);
+        ASSERT_NE(again.view.elements, nullptr);
+        EXPECT_EQ(loss.field(old.view.elements), loss.old) << loss.what;
+        EXPECT_EQ(loss.field(again.view.elements), loss.upgraded) << loss.what;
     }
 }
 
@@ -319,6 +372,7 @@ template <class Record> const Record* only(const LoadedView& v)
     return v.first() ? static_cast<const Record*>(v.first()->data) : nullptr;
 }
 
+// Each revision checked a graph's font in its own way; a font that fails gets "Courier [fixed]".
 TEST(OlderRevisions, GraphFontsFallBackAsTheirRevisionChecked)
 {
     struct Case {
@@ -329,17 +383,21 @@ TEST(OlderRevisions, GraphFontsFallBackAsTheirRevisionChecked)
         {203, 50, 1, "Arial", "Courier [fixed] 1 10"}, {203, 12, -1, "Arial", "Courier [fixed] 1 10"},
         {203, 0, 1, "", " 1 0"},                       {203, 40, 4, "Arial", "Arial 4 40"},
         {204, 50, 1, "Arial", "Courier [fixed] 1 12"}, {204, 0, 1, "", "Courier [fixed] 1 12"},
-        {202, 20, 2, "Arial", "Courier [fixed] 1 10"},
+        {202, 20, 2, "Arial", "Courier [fixed] 1 10"}, {303, 41, 1, "Arial", "Courier [fixed] 1 12"},
+        {303, 10, 5, "Arial", "Courier [fixed] 1 12"}, {303, 10, 1, "", "Courier [fixed] 1 12"},
+        {303, 1, 4, "Helvetica [fixed]", "Helvetica [fixed] 4 1"},
     };
     for (const Case& c : cases) {
         GraphFields graph;
         graph.fontSize = c.size, graph.fontStyle = c.style, graph.fontFamily = c.family;
+        graph.labelFixy = 1, graph.labelYmax = 7; // read after the font, undisturbed
         LoadedView v(ViewBuilder(c.revision / 100, c.revision % 100).page(0, 0, 400, 300, 0, 0, 0).graph(graph));
         const GRAPH_STRUCT* g = only<GRAPH_STRUCT>(v);
         ASSERT_NE(g, nullptr);
         EXPECT_EQ(std::string(g->fontFamily) + " " + std::to_string(g->fontStyle) + " " + std::to_string(g->fontSize),
                   c.expected)
             << c.revision << " " << c.size << " " << c.style;
+        EXPECT_EQ(g->labelYmax, c.revision >= 204 ? 7 : 100);
     }
 }
 
@@ -386,6 +444,9 @@ TEST(OlderRevisions, VectorTextOfCornersTakesTheirBoxAndTurn)
     gkFontStringMetric(t->font, "AB", metric);
     EXPECT_NEAR(t->matrix[0], l1 / (metric[0] * 2.0) * c, 1e-4);
     EXPECT_NEAR(t->matrix[3], l2 / t->textSize * c, 1e-4); // an outline font is as high as its size
+    text.text = ""; // no width to divide by: the width keeps its scale
+    LoadedView empty(ViewBuilder(1, 5).page(0, 0, 400, 300, 0, 0, 0).text(text));
+    EXPECT_NEAR(only<TEXT_STRUCT>(empty)->matrix[0], c, 1e-4);
 }
 
 TEST(OlderRevisions, AnAutoSourceOfTwoParametersWarnsAndRuns)

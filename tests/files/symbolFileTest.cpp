@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -142,6 +143,25 @@ TEST(SymbolFile, SymbolsAreGroupsAndTheFileItsOwnEncoding)
     EXPECT_EQ(loadSymbolFile("/no/such/file.sym", &none), -1);
     EXPECT_EQ(takeLog(), "cannot open file /no/such/file.sym\n");
     EXPECT_EQ(Imported("VEKTOR\nX1 1 Y1 2 X2 3 Y2 4 RGB-Farbe 0 0 0\n").groups, nullptr);
+}
+
+// The shipped sample cut at every byte and garbled: every piece imports and frees.
+TEST(SymbolFile, TheSampleCutOrGarbledImports)
+{
+    const std::vector<uint8_t> bytes = fileBytes(KOREL2D_EXAMPLES_DIR "/legacy/symbols.sym");
+    const std::string sample(bytes.begin(), bytes.end());
+    ASSERT_EQ(countList(Imported(sample).groups), 3);
+    for (size_t n = 0; n < sample.size(); ++n)
+        ASSERT_EQ(Imported(sample.substr(0, n)).result, 0) << n;
+    std::mt19937 random(18);
+    // Bytes anywhere, digits where numbers stand, spaces and line ends that split or join items.
+    const char kGarbage[] = {'\0', '\n', ' ', '-', '9', '\xff', '\xc3'};
+    for (int round = 0; round < 10000; ++round) {
+        std::string copy = sample;
+        for (int flips = 1 + int(random() % 6); flips > 0; --flips)
+            copy[random() % copy.size()] = round % 2 ? char(random()) : kGarbage[random() % sizeof kGarbage];
+        ASSERT_EQ(Imported(copy).result, 0) << round;
+    }
 }
 
 } // namespace

@@ -121,27 +121,6 @@ TEST(ElementBodies, EveryKindArrivesWithItsBoxAndLooks)
     EXPECT_EQ(e, nullptr);
 }
 
-TEST(ElementBodies, GraphFontOutsideTheUsableRangeFallsBack)
-{
-    const struct { std::string family; int style, size; bool stands; } cases[] = {
-        {"Helvetica [fixed]", 1, 0, false}, {"Helvetica [fixed]", 1, 41, false}, {"Helvetica [fixed]", 5, 10, false},
-        {"", 1, 10, false},                 {"Helvetica [fixed]", -1, 10, false}, {"Helvetica [fixed]", 1, 40, true},
-        {"Helvetica [fixed]", 4, 1, true},  {"Arial", 2, 18, true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE("\"" + c.family + "\" style " + std::to_string(c.style) + " size " + std::to_string(c.size));
-        GraphFields s;
-        s.fontFamily = c.family, s.fontStyle = c.style, s.fontSize = c.size;
-        LoadedView loaded(marker(blackPage().graph(s)));
-        ASSERT_EQ(countElements(loaded.first()), 2);
-        const GRAPH_STRUCT* g = recordOf<GRAPH_STRUCT>(loaded.first());
-        // The font is made before the fixed label ranges, which follow it undisturbed.
-        EXPECT_EQ(std::make_tuple(std::string(g->fontFamily), g->fontStyle, g->fontSize, g->font != 0u, g->labelYmax),
-                  c.stands ? std::make_tuple(c.family, c.style, c.size, true, 100.0f)
-                           : std::make_tuple(std::string("Courier [fixed]"), 1, 12, true, 100.0f));
-    }
-}
-
 // Texts up to the 255-character field, beyond it (cut) and empty, a name and an id beyond
 // their fields (cut with a closing zero), and a picture and a polygon with nothing in them
 // take no bytes beyond their own; a marker after each.

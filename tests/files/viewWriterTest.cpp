@@ -14,7 +14,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <random>
 #include <string>
 #include <unistd.h>
@@ -25,12 +24,6 @@ using namespace k2dtest;
 using namespace korelgen;
 
 namespace {
-
-std::vector<uint8_t> fileBytes(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 // A file of the test's own, in memory where the system has that: one test writes thousands.
 struct ScratchFile {

@@ -55,6 +55,25 @@ private:
     int saved_;
 };
 
+// One name per process: the harnesses of a fuzzing run share their working directory.
+const std::string& processStem()
+{
+    static const std::string stem = std::to_string(getpid());
+    return stem;
+}
+
+// The readers of text files take a path: the bytes go to a file of this process first.
+std::string writeInput(const uint8_t* data, size_t size, const char* suffix)
+{
+    const std::string path = "input-" + processStem() + suffix;
+    FILE* file = std::fopen(path.c_str(), "wb");
+    if (!file || std::fwrite(data, 1, size, file) != size || std::fclose(file) != 0) {
+        std::fprintf(stderr, "fuzz: cannot write %s\n", path.c_str());
+        std::abort();
+    }
+    return path;
+}
+
 } // namespace
 
 void prepareProcess()
@@ -100,15 +119,9 @@ bool runView(const uint8_t* data, size_t size, int frames)
 
 int loadXmlView(const uint8_t* data, size_t size)
 {
-    // One name per process: the harnesses of a fuzzing run share their working directory.
-    static const std::string stem = std::to_string(getpid());
-    static const std::string path = "input-" + stem + ".xml";
-    static const std::string xmlCopy = "output-" + stem + ".xml", binaryCopy = "output-" + stem + ".k2d";
-    FILE* file = std::fopen(path.c_str(), "wb");
-    if (!file || std::fwrite(data, 1, size, file) != size || std::fclose(file) != 0) {
-        std::fprintf(stderr, "fuzz: cannot write %s\n", path.c_str());
-        std::abort();
-    }
+    static const std::string xmlCopy = "output-" + processStem() + ".xml";
+    static const std::string binaryCopy = "output-" + processStem() + ".k2d";
+    const std::string path = writeInput(data, size, ".xml");
     QuietStdout quiet;
     VIEW_STRUCT view = {};
     if (loadFileXml(path.c_str(), &view.elements, &view.dataTypes, &view) != 0)
@@ -122,6 +135,18 @@ int loadXmlView(const uint8_t* data, size_t size)
     for (const ELEMENT_STRUCT* e = view.elements; e; e = e->next)
         ++loaded;
     elementDeleteAll(&view.elements);
+    return loaded;
+}
+
+int loadSymbols(const uint8_t* data, size_t size)
+{
+    ELEMENT_STRUCT* groups = nullptr;
+    if (loadSymbolFile(writeInput(data, size, ".sym").c_str(), &groups) != 0)
+        return -1;
+    int loaded = 0;
+    for (const ELEMENT_STRUCT* g = groups; g; g = g->next)
+        ++loaded;
+    elementDeleteAll(&groups);
     return loaded;
 }
 

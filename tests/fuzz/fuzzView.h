@@ -26,4 +26,8 @@ bool runView(const uint8_t* data, size_t size, int frames);
 // when it didn't load.
 int loadXmlView(const uint8_t* data, size_t size);
 
+// Writes the bytes to a file in the working directory and imports it as a symbol library into a
+// fresh list, which it frees. Returns the number of symbols it gave, or -1 when it didn't load.
+int loadSymbols(const uint8_t* data, size_t size);
+
 } // namespace k2dfuzz

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <unistd.h>
 
 namespace k2dtest {
@@ -126,5 +127,11 @@ TempFile::TempFile(const std::vector<uint8_t>& bytes, const char* suffix)
 }
 
 TempFile::~TempFile() { std::remove(path_.c_str()); }
+
+std::vector<uint8_t> fileBytes(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
 
 } // namespace k2dtest

@@ -70,4 +70,7 @@ private:
     std::string path_;
 };
 
+// The whole file, or nothing when it can't be read.
+std::vector<uint8_t> fileBytes(const std::string& path);
+
 } // namespace k2dtest
