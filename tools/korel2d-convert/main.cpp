@@ -1,4 +1,5 @@
-// korel2d-convert: turns a view file from one stored form into the other, binary or XML.
+// korel2d-convert: turns a view file from one stored form into the other, binary or XML, or a
+// symbol library into a view of its symbols in either form.
 //
 // OUT is replaced only by a whole file that has been read back and holds what IN held, less what
 // its form can't carry; on any failure OUT stays as it was and nothing else is left behind. The
@@ -7,6 +8,7 @@
 #include "KorelEdit.h"
 #include "LibraryLog.h"
 #include "StoredLists.h"
+#include "SymbolView.h"
 
 #include <cerrno>
 #include <clocale>
@@ -23,10 +25,15 @@ namespace {
 constexpr int kDone = 0, kFailed = 1, kBadArguments = 2;
 
 const char* const kUsage = "usage: korel2d-convert IN OUT [--to xml|bin]\n";
-const char* const kHelp =
-    "Converts a view file between its binary and its XML form. The form of IN is read from its\n"
-    "first bytes; that of OUT is given by --to, else by OUT's name: XML for a name ending in .xml,\n"
-    "binary otherwise. OUT is replaced only by a file that was written whole and read back.\n"
+const std::string kHelp =
+    "Converts a view file between its binary and its XML form, or a symbol library into a view.\n"
+    "The form of IN is read from its first bytes: a binary view file's header, '<' for XML, or,\n"
+    "in text, a line of the first " + std::to_string(korelgen::kSymbolHeadBytes) +
+    " bytes beginning with the keyword SYMBOL-NR. for a symbol\n"
+    "library, whose symbols become groups on a white page covering their box and " +
+    std::to_string(int(korelgen::kSymbolPageMargin)) + " units on\n"
+    "every side. The form of OUT is given by --to, else by OUT's name: XML for a name ending in\n"
+    ".xml, binary otherwise. OUT is replaced only by a file that was written whole and read back.\n"
     "Exit status: 0 done, 1 IN can't be read or OUT can't be written (OUT then unchanged),\n"
     "2 bad arguments.\n";
 // The magic text at the start of every binary view file.
@@ -34,7 +41,7 @@ const char kBinaryMagic[] = "VIEW FILE";
 // How far into a file its form is looked for: XML text may follow some blank lines.
 constexpr size_t kFormBytes = 4096;
 
-enum class Form { Binary, Xml };
+enum class Form { Binary, Xml, Symbols };
 
 struct Options {
     std::string in, out;
@@ -105,7 +112,7 @@ std::string libraryLogLine()
 }
 
 // The form of a file from its first bytes: a binary view file begins with its magic text, an XML
-// one with '<' after blanks and a byte-order mark.
+// one with '<' after blanks and a byte-order mark; a symbol library is told by its keyword.
 bool readForm(const std::string& path, Form* form, std::string* reason)
 {
     FILE* file = std::fopen(path.c_str(), "rb");
@@ -128,7 +135,11 @@ bool readForm(const std::string& path, Form* form, std::string* reason)
         *form = Form::Xml;
         return true;
     }
-    *reason = "not a view file, neither binary nor XML";
+    if (korelgen::isSymbolFile(path)) {
+        *form = Form::Symbols;
+        return true;
+    }
+    *reason = "not a view file, neither binary nor XML, nor a symbol library";
     return false;
 }
 
@@ -166,7 +177,12 @@ bool loadXml(const std::string& path, StoredLists* stored, std::string* reason)
 
 bool load(const std::string& path, Form form, StoredLists* stored, std::string* reason)
 {
-    return form == Form::Xml ? loadXml(path, stored, reason) : loadBinary(path, stored, reason);
+    switch (form) {
+    case Form::Xml: return loadXml(path, stored, reason);
+    case Form::Symbols: return korelgen::loadSymbolView(path, &stored->view, reason);
+    case Form::Binary: break;
+    }
+    return loadBinary(path, stored, reason);
 }
 
 // Kinds the XML form has a word for; the others are left out of an XML file with their actions.
@@ -327,7 +343,7 @@ int main(int argc, char** argv)
         return kBadArguments;
     }
     if (o.help) {
-        std::printf("%s%s", kUsage, kHelp);
+        std::printf("%s%s", kUsage, kHelp.c_str());
         return kDone;
     }
     // Messages in the user's language, numbers in files always with a decimal point.

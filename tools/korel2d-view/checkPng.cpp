@@ -1,9 +1,9 @@
 // Checks that a PNG file shows a shipped sample drawn at a zoom: the panel (examples/panel.k2d)
 // or the readouts (examples/readouts.k2d) after their first data cycle, or the controls
 // (examples/controls.k2d) after two steps of the counter, or the hand-made XML sample
-// (examples/handmade.xml) converted to binary.
-// Usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls|handmade]]; exit status 0 when every
-// check holds.
+// (examples/handmade.xml) converted to binary, or the symbol library of the converter's tests.
+// Usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls|handmade|symbols]]; exit status 0
+// when every check holds.
 // With --same A.png B.png [X0,Y0,X1,Y1 ...] it checks instead that two pictures of one size show
 // the same pixels, but inside the boxes named (view units at zoom 1) where they may differ.
 // Positions below are view units (y upwards), as the sample's generator lays them out.
@@ -228,6 +228,24 @@ void checkHandmade(const Picture& p)
         check(p.is(q % 2 ? 86 : 54, q / 2 ? 86 : 54, quarters[q]), "quarter " + std::to_string(q) + " of the picture");
 }
 
+// The symbol library of the converter's tests: black squares at the lower left and the upper
+// right of its shapes, 10 units inside the edges of a white page; a ring, open inside; a label.
+// Ring and label are drawn smooth, so they are told by pixels that aren't white.
+void checkSymbols(const Picture& p)
+{
+    const Colour white{1, 1, 1}, black{0, 0, 0};
+    for (float x : {2.0f, 247.0f})
+        for (float y : {2.0f, 127.0f})
+            check(p.is(x, y, white), "white page at the corner " + std::to_string(int(x)) + ", " + std::to_string(int(y)));
+    Box ink;
+    // The box of the black pixels reaches to the far side of its last ones.
+    check(p.inkBox({0, 0, 249, 129}, black, &ink) && std::abs(ink.x0 - 10) <= 1 && std::abs(ink.y0 - 10) <= 1 &&
+              std::abs(ink.x1 + 1 - 240) <= 1 && std::abs(ink.y1 + 1 - 120) <= 1,
+          "the black shapes 10 units inside the page's edges");
+    check(p.share({160, 10, 220, 70}, white) < 0.98 && p.is(190, 40, white), "a ring around a white centre");
+    check(p.share({10, 72, 120, 120}, white) < 0.99, "a label above the left square");
+}
+
 // The samples a picture can be checked against, with their page sizes.
 struct Sample {
     const char* name;
@@ -238,7 +256,8 @@ struct Sample {
 const Sample kSamples[] = {{"panel", 640, 480, checkPanel},
                            {"readouts", 640, 480, checkReadouts},
                            {"controls", 800, 400, checkControls},
-                           {"handmade", 400, 300, checkHandmade}};
+                           {"handmade", 400, 300, checkHandmade},
+                           {"symbols", 250, 130, checkSymbols}};
 
 } // namespace
 
@@ -274,7 +293,7 @@ int main(int argc, char** argv)
     const Sample* sample = std::find_if(std::begin(kSamples), std::end(kSamples),
                                         [&name](const Sample& s) { return name == s.name; });
     if (argc < 2 || argc > 4 || sample == std::end(kSamples)) {
-        std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls|handmade]]\n");
+        std::fprintf(stderr, "usage: korel2d-view-check PICTURE.png [ZOOM [panel|readouts|controls|handmade|symbols]]\n");
         return 2;
     }
     float zoom = argc >= 3 ? std::strtof(argv[2], nullptr) : 1.0f;

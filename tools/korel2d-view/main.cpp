@@ -1,10 +1,11 @@
 // korel2d-view: shows a view file in a GLX window, or renders it off-screen into a PNG file
 // when asked to or when no X display answers, or lists its records as text; or edits it; or
-// writes it as an XML view file.
+// writes it as an XML view file. A symbol library is taken as the view of its symbols.
 #include "KorelEdit.h"
 #include "LibraryLog.h"
 #include "OffscreenGl.h"
 #include "StoredLists.h"
+#include "SymbolView.h"
 #include "dumpView.h"
 #include "editor.h"
 #include "eventScript.h"
@@ -29,7 +30,9 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <sys/mman.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -46,7 +49,8 @@ constexpr int kFailed = 1; // the view could not be loaded, started, drawn or wr
 constexpr int kBadArguments = 2;
 
 struct Options {
-    std::string file;
+    std::string file; // what the library reads: FILE, or the view made of the symbol library FILE
+    std::string name; // FILE as given, for the window's title and the reports
     std::string png; // empty: a window where a display answers
     int frames = 0;  // 0: until closed in a window, one frame off-screen
     int width = 0;   // 0: from the page
@@ -126,7 +130,8 @@ const std::vector<ValuedOption>& valuedOptions()
              return !o->script.empty();
          }},
         {"--save", "OUT", "OUT must be a file name",
-         "with --edit: where key s saves the view (default: FILE itself)",
+         "with --edit: where key s saves the view (default: FILE itself; a symbol\n"
+         "library needs OUT)",
          [](const char* value, Options* o) {
              o->save = value;
              return !o->save.empty();
@@ -155,7 +160,12 @@ std::string helpText()
     std::string text = std::string(kSynopsis) +
                        "Shows the view file FILE running: in a window where an X display answers, else\n"
                        "off-screen into a PNG file. --dump and --save-xml also read an XML view file:\n"
-                       "one whose name ends in .xml or whose first non-blank character is '<'.\n";
+                       "one whose name ends in .xml or whose first non-blank character is '<'.\n"
+                       "FILE may also be a symbol library: text in which a line of its first " +
+                       std::to_string(korelgen::kSymbolHeadBytes) + " bytes\n"
+                       "begins with the keyword SYMBOL-NR. Every mode takes it as the view of its\n"
+                       "symbols: groups on a white page that covers them and " +
+                       std::to_string(int(korelgen::kSymbolPageMargin)) + " units on every side.\n";
     for (const ValuedOption& option : valuedOptions()) {
         std::string head = std::string("  ") + option.name + " " + option.placeholder;
         // A head too long for the column puts its rule on the next line.
@@ -208,7 +218,7 @@ std::string parseArguments(int argc, char** argv, Options* o)
             if (!option->parse(value, o))
                 return arg + " " + value + ": " + option->rule;
         } else if (o->file.empty()) {
-            o->file = arg;
+            o->file = o->name = arg;
         } else {
             return "one view file only, but " + arg + " follows " + o->file;
         }
@@ -223,6 +233,8 @@ std::string parseArguments(int argc, char** argv, Options* o)
         return "--save goes with --edit only";
     if (!o->xmlOut.empty() && (o->edit || o->dump || o->vars || !o->png.empty() || !o->script.empty()))
         return "--save-xml goes with none of --edit, --dump, --vars, --png and --events";
+    if (o->edit && o->save.empty() && korelgen::isSymbolFile(o->file))
+        return "--edit of the symbol library " + o->file + " needs --save OUT, as the editor writes a view file";
     return "";
 }
 
@@ -519,7 +531,7 @@ int runAndPrintVariables(const Options& o)
     }
     if (picture && !writePicture(o.png, width, height, gl.kind()))
         return kFailed;
-    std::printf("korel2d-view: %s after %d data cycle%s%s\n", o.file.c_str(), cycles, cycles == 1 ? "" : "s",
+    std::printf("korel2d-view: %s after %d data cycle%s%s\n", o.name.c_str(), cycles, cycles == 1 ? "" : "s",
                 o.anim ? " of 10 ms (animated)" : " (one per frame)");
     printVariables(view.get(), stdout);
     krViewStop(view.get());
@@ -631,7 +643,7 @@ int showInWindow(Display* display, const Options& o, int width, int height)
 {
     GlxWindow x(display);
     std::string why;
-    if (!x.open(width, height, "korel2d-view: " + o.file, &why)) {
+    if (!x.open(width, height, "korel2d-view: " + o.name, &why)) {
         std::fprintf(stderr, "korel2d-view: no window: %s\n", why.c_str());
         return kFailed;
     }
@@ -711,6 +723,47 @@ int showInWindow(Display* display, const Options& o, int width, int height)
     return kDone;
 }
 
+// ---------------------------------------------------------------- symbol libraries
+
+// The view made of a symbol library, written to a file in memory that every mode then reads by
+// its name under /proc, as it reads FILE: nothing is left on disk, however the tool ends.
+class SymbolViewFile {
+public:
+    SymbolViewFile() = default;
+    ~SymbolViewFile()
+    {
+        if (file_ >= 0)
+            close(file_);
+    }
+    SymbolViewFile(const SymbolViewFile&) = delete;
+    SymbolViewFile& operator=(const SymbolViewFile&) = delete;
+
+    // False, with the reason on stderr, when the library doesn't load or its view can't be written.
+    bool make(const std::string& symbols)
+    {
+        StoredLists stored;
+        std::string why;
+        if (!korelgen::loadSymbolView(symbols, &stored.view, &why)) {
+            reportLoadFailure(symbols, why);
+            return false;
+        }
+        file_ = memfd_create("korel2d-view", MFD_CLOEXEC);
+        path_ = "/proc/self/fd/" + std::to_string(file_);
+        const VIEW_STRUCT& v = stored.view;
+        if (file_ < 0 || saveFile(path_.c_str(), v.elements, v.dataTypes, &v) != 0) {
+            std::fprintf(stderr, "korel2d-view: cannot make the view of %s: %s\n", symbols.c_str(),
+                         file_ < 0 ? std::strerror(errno) : "it could not be written");
+            return false;
+        }
+        return true;
+    }
+    const std::string& path() const { return path_; }
+
+private:
+    int file_ = -1;
+    std::string path_;
+};
+
 // ---------------------------------------------------------------- off-screen picture
 
 int renderToPng(const Options& o, int width, int height)
@@ -782,6 +835,12 @@ int main(int argc, char** argv)
     if (!o.script.empty() && !readEventScript(o.script, o.edit, &o.events, &wrong)) {
         std::fprintf(stderr, "korel2d-view: %s\n", wrong.c_str());
         return kBadArguments;
+    }
+    SymbolViewFile symbols;
+    if (korelgen::isSymbolFile(o.file)) {
+        if (!symbols.make(o.file))
+            return kFailed;
+        o.file = symbols.path();
     }
     if (o.dump) {
         int status = dumpToStdout(o);
