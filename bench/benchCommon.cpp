@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <unistd.h>
 
@@ -60,7 +62,30 @@ void loadView(benchmark::State& state, const ViewFile* file, const char* referen
     }
     state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(file->bytes.size()));
     state.counters["file_bytes"] = double(file->bytes.size());
-    state.SetLabel(std::string("reference ") + reference);
+    if (reference)
+        state.SetLabel(std::string("reference ") + reference);
+}
+
+std::vector<uint8_t> bytesWrittenBy(const std::function<void(const char* path)>& write)
+{
+    char name[] = "/tmp/korel2d-benchXXXXXX";
+    const int fd = mkstemp(name);
+    if (fd < 0)
+        return {};
+    close(fd);
+    write(name);
+    std::ifstream in(name, std::ios::binary);
+    std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    unlink(name);
+    return bytes;
+}
+
+int countElements(const ELEMENT_STRUCT* list)
+{
+    int n = 0;
+    for (; list; list = list->next)
+        n += 1 + countElements(list->child);
+    return n;
 }
 
 void SummaryReporter::ReportRuns(const std::vector<Run>& runs)
@@ -99,6 +124,8 @@ static_assert(kPanels * (kBlocksPerPanel + 1) == kMixedGroups, "");
 // layer rather than the reader. Texts share two fonts, graphs their fixed one.
 constexpr int kGraphEveryNthBlock = 10;
 const char* const kTextFonts[] = {"Helvetica [fixed]", "Arial"};
+// Sources took their present form, and older revisions a section of their own, at 1.11.
+constexpr int kFirstPresentSourcesRevision = 111;
 
 void randomColor(Lcg& random, float rgba[4])
 {
@@ -212,10 +239,10 @@ std::vector<ActionFields> mixedActionPair(int k)
     return {move, colour};
 }
 
-std::vector<uint8_t> mixedView(const MixedActions& actions, const std::vector<SourceFields>& sources)
+std::vector<uint8_t> mixedView(const MixedActions& actions, const std::vector<SourceFields>& sources, int revision)
 {
     Lcg random;
-    ViewBuilder b;
+    ViewBuilder b(revision / 100, revision % 100);
     b.page(0, 0, kMixedWidth, kMixedHeight, 0.1f, 0.1f, 0.15f);
     int k = 0;
     for (int p = 0; p < kPanels; ++p) {
@@ -228,6 +255,8 @@ std::vector<uint8_t> mixedView(const MixedActions& actions, const std::vector<So
         }
         b.actions(actions(k++)).endGroup();
     }
+    if (revision < kFirstPresentSourcesRevision)
+        return b.oldDataSection({}).bytes();
     return b.dataSection(sources).bytes();
 }
 

@@ -3,6 +3,7 @@
 // summary each program prints after its run.
 #pragma once
 
+#include "Korel2D.h"
 #include "OffscreenGl.h"
 #include "ViewBuilder.h"
 
@@ -47,8 +48,13 @@ public:
 
 // Reading the file's bytes: the floor under any load of it.
 void readFileReference(benchmark::State& state, const ViewFile* file);
-// krViewLoad and krViewFree of the file; `reference` names the benchmark it is held against.
+// krViewLoad and krViewFree of the file; `reference` names the benchmark it is held against,
+// null for a load that is itself the reference.
 void loadView(benchmark::State& state, const ViewFile* file, const char* reference);
+// The bytes that `write` leaves in a file of its own, read back; empty when it wrote nothing.
+std::vector<uint8_t> bytesWrittenBy(const std::function<void(const char* path)>& write);
+// Elements and groups of a tree, all levels.
+int countElements(const ELEMENT_STRUCT* list);
 
 // The start every drawing benchmark program shares: its arguments taken by Google Benchmark,
 // the view file written, an off-screen context of width x height made current. False, with
@@ -74,11 +80,14 @@ double medianPairedRatio(int pairs, const std::function<void()>& library, const 
 
 // A panel as real ones mix it, the same in every run: ten panels of ten blocks of a hundred
 // elements of every kind but pictures, on a page of kMixedWidth x kMixedHeight; `actions` gives
-// the actions of element or group number k, `sources` the data section.
+// the actions of element or group number k, `sources` the data section. The view is written at
+// `revision` (major * 100 + minor); `sources` have the form of 1.11 on, and older revisions get
+// an empty section of their own form.
 constexpr int kMixedWidth = 1024, kMixedHeight = 768;
 constexpr int kMixedElements = 10000, kMixedGroups = 110;
 using MixedActions = std::function<std::vector<korelgen::ActionFields>(int k)>;
-std::vector<uint8_t> mixedView(const MixedActions& actions, const std::vector<korelgen::SourceFields>& sources = {});
+std::vector<uint8_t> mixedView(const MixedActions& actions, const std::vector<korelgen::SourceFields>& sources = {},
+                               int revision = 303);
 // The actions the mixed panel is loaded with: element k moved by a variable and its fill
 // coloured from three bands of another.
 std::vector<korelgen::ActionFields> mixedActionPair(int k);

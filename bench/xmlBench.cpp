@@ -12,8 +12,6 @@
 #include <tinyxml.h>
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -21,6 +19,7 @@
 namespace {
 
 using namespace korelgen;
+using korelbench::countElements;
 using korelbench::Lcg;
 using korelbench::ViewFile;
 
@@ -142,20 +141,12 @@ struct View {
     }
 };
 
-// The bytes a writer leaves at a path of its own, read back; empty when it wrote nothing.
+// The bytes a writer leaves of the view.
 std::vector<uint8_t> writtenBytes(int (*save)(const char*, ELEMENT_STRUCT*, DD_DATA_TYPE_STRUCT*, const VIEW_STRUCT*),
                                   const View& view)
 {
-    char name[] = "/tmp/korel2d-benchXXXXXX";
-    const int fd = mkstemp(name);
-    if (fd < 0)
-        return {};
-    close(fd);
-    save(name, view.elements, view.dataTypes, &view.page);
-    std::ifstream in(name, std::ios::binary);
-    std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    unlink(name);
-    return bytes;
+    return korelbench::bytesWrittenBy(
+        [&](const char* path) { save(path, view.elements, view.dataTypes, &view.page); });
 }
 
 void saveXml(benchmark::State& state, const View* view, const ViewFile* file)
@@ -224,14 +215,6 @@ int countOf(const DD_DATA_TYPE_STRUCT* source, int (*count)(const DD_DATA_TYPE_S
     int n = 0;
     for (; source; source = source->next)
         n += count(source);
-    return n;
-}
-
-int countElements(const ELEMENT_STRUCT* element)
-{
-    int n = 0;
-    for (; element; element = element->next)
-        n += 1 + countElements(element->child);
     return n;
 }
 
