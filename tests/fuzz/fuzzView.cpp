@@ -99,6 +99,13 @@ bool prepareDrawing(int side)
     return window && krWindowInit(window, side, side) == 0;
 }
 
+void prepareLoading()
+{
+    prepareProcess();
+    if (!prepareDrawing(8))
+        std::exit(1);
+}
+
 bool runView(const uint8_t* data, size_t size, int frames)
 {
     // A tenth of a second per cycle: a graph at its default rate takes a sample in each.

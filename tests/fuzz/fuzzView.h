@@ -12,6 +12,10 @@ namespace k2dfuzz {
 // messages, and no KOREL_HOME, so that starting a view never loads an installed plug-in.
 void prepareProcess();
 
+// For the harnesses that load and free: prepareProcess, and a small GL context, as pictures and
+// fonts are made in the current context when a host loads. Exits when the machine offers none.
+void prepareLoading();
+
 // An off-screen GL context (EGL, no display) of side x side pixels and the library's window on
 // it; false when the machine offers none. Without it runView draws nothing.
 bool prepareDrawing(int side = 96);

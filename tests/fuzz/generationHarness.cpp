@@ -5,15 +5,11 @@
 #include "ViewBuilder.h"
 #include "fuzzView.h"
 
-#include <cstdlib>
 #include <vector>
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
-    k2dfuzz::prepareProcess();
-    // Pictures and fonts are made in the current GL context, as a host's load makes them.
-    if (!k2dfuzz::prepareDrawing(8))
-        std::exit(1);
+    k2dfuzz::prepareLoading();
     return 0;
 }
 

@@ -2,14 +2,9 @@
 // list and freed.
 #include "fuzzView.h"
 
-#include <cstdlib>
-
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
-    k2dfuzz::prepareProcess();
-    // Texts make their fonts in the current GL context, as an editing host's import makes them.
-    if (!k2dfuzz::prepareDrawing(8))
-        std::exit(1);
+    k2dfuzz::prepareLoading();
     return 0;
 }
 

@@ -2,14 +2,9 @@
 // under scripts/fuzz.sh), loaded into fresh lists, saved in both forms and freed.
 #include "fuzzView.h"
 
-#include <cstdlib>
-
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
-    k2dfuzz::prepareProcess();
-    // Pictures and fonts are made in the current GL context, as a host's load makes them.
-    if (!k2dfuzz::prepareDrawing(8))
-        std::exit(1);
+    k2dfuzz::prepareLoading();
     return 0;
 }
 

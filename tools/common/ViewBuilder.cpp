@@ -30,11 +30,11 @@ ViewBuilder& ViewBuilder::head(int kind, const char* name, const char* id)
     return from(101) ? fixed(name, 64) : *this;
 }
 
+// 3.01 reserved the four words in which 3.02 stores the fill style: both get the same bytes, so
+// that a reader taking a style at 3.01 shows.
 ViewBuilder& ViewBuilder::bodyEnd(int fillStyle)
 {
-    if (from(302))
-        return integer(fillStyle).integer(0).integer(0).integer(0);
-    return from(301) ? integer(0).integer(0).integer(0).integer(0) : *this;
+    return from(301) ? integer(fillStyle).integer(0).integer(0).integer(0) : *this;
 }
 
 // Lower left, upper left, upper right, lower right; each point x then y.
