@@ -172,7 +172,11 @@ TEST(DamagedFiles, HugeCountsInASmallFileKeepWhatWasRead)
     PolyFields points;
     points.storedCount = huge;
     std::vector<uint8_t> text = blackPage().text(TextFields()).bytes();
-    text[text.size() - 4 - 5 - 4] = 0x7F; // the length, before "Text", its zero and the action count
+    std::vector<uint8_t> oldText = ViewBuilder(1, 7).page(0, 0, 400, 300, 0, 0, 0).text(TextFields()).bytes();
+    for (std::vector<uint8_t>* t : {&text, &oldText}) // the length, before "Text", its zero and the action count
+        (*t)[t->size() - 4 - 5 - 4] = 0x7F;
+    ActionFields wide = banded(KR_ACTION_MOVE_X, KR_THRESHOLDS_COLOR);
+    wide.groupWidth = 1e30f; // the oldest files' colour group: a width far past any integer
     std::vector<uint8_t> blink = blackPage().actions({banded(KR_ACTION_MOVE_X, KR_THRESHOLDS_BLINK)}).rect({}).bytes();
     blink[blink.size() - 4 - 3 * 24] = 0x7F; // the count of the last block, before its three entries
     ViewBuilder deep = blackPage(), actions = blackPage();
@@ -194,6 +198,9 @@ TEST(DamagedFiles, HugeCountsInASmallFileKeepWhatWasRead)
         {"picture size past any integer", blackPage().image(wider).rect({}).bytes(), {1, 0, 0, 0}},
         {"points, three stored", blackPage().cpoly(points).bytes(), {1, 0, 0, 0}},
         {"text length", text, {1, 0, 0, 0}},
+        {"text length of 1.07", oldText, {1, 0, 0, 0}},
+        {"colour group of 1.00", ViewBuilder(1, 0).page(0, 0, 400, 300, 0, 0, 0).actions({wide}).rect({}).bytes(),
+         {1, 1, 0, 0}},
         {"actions", actions.integer(huge).bytes(), {2, 0, 0, 0}},
         {"thresholds", blink, {1, 1, 0, 0}},
         {"sources", blackPage().dataSection({source(5, 0, 64)}).integer(20).integer(huge).integer(6).integer(0)

@@ -3,6 +3,7 @@
 #include "KorelEdit.h"
 #include "LoadedView.h"
 #include "ViewFixture.h"
+#include "glyph/GlyphKit.h"
 
 #include <gtest/gtest.h>
 
@@ -101,8 +102,8 @@ TEST(SymbolFile, KeywordsMakeTheirShapes)
          "polygon width 3 fill 1: 0:0,0; line 0,0-1,1 style 0; polygon width 3 fill 1: 0:10,0; "
          "polygon width 3 fill 1: 0:20,0; "},
         {"TEXT\nX1 0 Y1 0 Font 2 RGB-Farbe 0 0 0 CHARACTER Pumpe Nord\nTEXT\nX1 0 Y1 0 Font 7 RGB-Farbe 0 0 0 CHARACTER\n"
-         "TEXT\nX1 0 Y1 0 Font 3 RGB-Farbe 0 0 0 CHARACTER V\n",
-         "text 'Pumpe' Arial 15; text 'V' Arial 18; "},
+         "TEXT\nX1 0 Y1 0 Font 3 RGB-Farbe 0 0 0 CHARACTER V\nTEXT\nX1 0 Y1 0 Font 7 RGB-Farbe 0 0 0 CHARACTER \xd6l Druck\n",
+         "text 'Pumpe' Arial 15; text 'V' Arial 18; text '\xd6l' Arial 12; "},
         {"UNBEKANNT\nVEKTOR\nX1 99999999999 Y1 2 X2 3 Y2 4 RGB-Farbe 0 0 0\nX1 1 Y1 2 X2 3 Y2 4 RGB-Farbe 0 0 0\n",
          "line 1,2-3,4 style 0; "},
     };
@@ -128,14 +129,18 @@ TEST(SymbolFile, SymbolsAreGroupsAndTheFileItsOwnEncoding)
     Imported misspelt("SYMBOL-NR. 1\nBEZUGSPUNKT_X 5 BEZUGSPUNKT_Y 7\nVEKTOR\nX1 1 Y1 2 X2 3 Y2 4 RGB-Farbe 0 0 0\n");
     EXPECT_EQ(misspelt.shapes(), "");
 
-    const std::string text = "TEXT\nX1 0 Y1 0 Font 1 RGB-Farbe 0 0 0 CHARACTER ";
+    const std::string text = "TEXT\nX1 10 Y1 0 Font 1 RGB-Farbe 0 0 0 CHARACTER ";
     Imported latin1(kHead + text + "Gr\xf6\xdf" "e\n");
     Imported utf8(kHead + text + "Gr\xc3\xb6\xc3\x9f" "e\n");
     Imported marked("\xef\xbb\xbf" + kHead + text + "Gr\xc3\xb6\xc3\x9f" "e\r\n");
     for (const Imported* i : {&latin1, &utf8, &marked}) {
         ASSERT_NE(i->groups, nullptr);
         ASSERT_NE(i->groups->child, nullptr);
-        EXPECT_EQ(std::string(static_cast<const TEXT_STRUCT*>(i->groups->child->data)->text), "Gr\xf6\xdf" "e");
+        const TEXT_STRUCT* t = static_cast<const TEXT_STRUCT*>(i->groups->child->data);
+        EXPECT_EQ(std::string(t->text), "Gr\xf6\xdf" "e");
+        int metric[2] = {0, 0};
+        gkFontStringMetric(t->font, t->text, metric);
+        EXPECT_EQ(t->x, 10 + float(metric[0]) / 2); // the file gives the left end
     }
 
     takeLog();
