@@ -40,40 +40,28 @@ struct Imported {
     }
     static std::string describe(const ELEMENT_STRUCT* e)
     {
-        char text[512];
-        switch (e->type) {
-        case KR_LINE: {
-            const LINE_STRUCT* l = static_cast<const LINE_STRUCT*>(e->data);
-            snprintf(text, sizeof text, "line %g,%g-%g,%g style %d", l->x1, l->y1, l->x2, l->y2, l->strokeStyle);
-            break;
+        char s[512] = "";
+        const auto* l = static_cast<const LINE_STRUCT*>(e->data);
+        const auto* r = static_cast<const RECT_STRUCT*>(e->data);
+        const auto* p = static_cast<const POLY_STRUCT*>(e->data);
+        const auto* c = static_cast<const CIRCLE_STRUCT*>(e->data);
+        const auto* t = static_cast<const TEXT_STRUCT*>(e->data);
+        if (e->type == KR_LINE)
+            snprintf(s, sizeof s, "line %g,%g-%g,%g style %d", l->x1, l->y1, l->x2, l->y2, l->strokeStyle);
+        if (e->type == KR_RECT)
+            snprintf(s, sizeof s, "rect %g,%g %g,%g stroke %d %g fill %d style %d", r->cornerX[0], r->cornerY[0],
+                     r->cornerX[2], r->cornerY[2], r->strokeOn, r->strokeColor[1], r->fillOn, r->strokeStyle);
+        if (e->type == KR_CPOLY) {
+            snprintf(s, sizeof s, "polygon width %g fill %d:", p->strokeWidth, p->fillOn);
+            for (const COORD_STRUCT* k = p->coords; k; k = k->next)
+                snprintf(s + strlen(s), sizeof s - strlen(s), " %d:%g,%g", k->id, k->x, k->y);
         }
-        case KR_RECT: {
-            const RECT_STRUCT* r = static_cast<const RECT_STRUCT*>(e->data);
-            snprintf(text, sizeof text, "rect %g,%g %g,%g stroke %d fill %d style %d", r->cornerX[0], r->cornerY[0],
-                     r->cornerX[2], r->cornerY[2], r->strokeOn, r->fillOn, r->strokeStyle);
-            break;
-        }
-        case KR_CPOLY: {
-            const POLY_STRUCT* p = static_cast<const POLY_STRUCT*>(e->data);
-            snprintf(text, sizeof text, "polygon width %g fill %d:", p->strokeWidth, p->fillOn);
-            for (const COORD_STRUCT* c = p->coords; c; c = c->next)
-                snprintf(text + strlen(text), sizeof text - strlen(text), " %d:%g,%g", c->id, c->x, c->y);
-            break;
-        }
-        case KR_CIRCLE: {
-            const CIRCLE_STRUCT* c = static_cast<const CIRCLE_STRUCT*>(e->data);
-            snprintf(text, sizeof text, "circle %g m %g %g %g %.5f..%.5f style %d", c->rx, c->matrix[0], c->matrix[3],
-                     c->ry, c->start, c->end, c->strokeStyle);
-            break;
-        }
-        case KR_TEXT: {
-            const TEXT_STRUCT* t = static_cast<const TEXT_STRUCT*>(e->data);
-            snprintf(text, sizeof text, "text '%s' %s %d", t->text, t->fontFamily, t->fontSize);
-            break;
-        }
-        default: snprintf(text, sizeof text, "kind %u", e->type);
-        }
-        return text;
+        if (e->type == KR_CIRCLE)
+            snprintf(s, sizeof s, "circle %g m %g %g %g %.5f..%.5f style %d", c->rx, c->matrix[0], c->matrix[3], c->ry,
+                     c->start, c->end, c->strokeStyle);
+        if (e->type == KR_TEXT)
+            snprintf(s, sizeof s, "text '%s' %s %d", t->text, t->fontFamily, t->fontSize);
+        return s;
     }
 };
 
@@ -88,8 +76,8 @@ TEST(SymbolFile, KeywordsMakeTheirShapes)
         {"VEKTOR\nX1 1 Y1 2 X2 3 Y2 4 RGB-Farbe 255 128 0 GESTRICHELT\n", "line 1,2-3,4 style 4; "},
         {"VEKTOR\nX1 1 Y1 2 X2 3 Y2 4 RGB-Farbe 0 0 0 gestrichelt\nVEKTOR\nX1 1 Y1 2 X2 3 Y2 4 RGB-Farbe 0 0 0\n",
          "line 1,2-3,4 style 0; line 1,2-3,4 style 0; "},
-        {"RECHTECK\nX1 0 Y1 0 X2 10 Y2 20 RGB-Farbe 0 0 0 GEPUNKTET\n", "rect 0,0 10,20 stroke 1 fill 0 style 1; "},
-        {"GEF. RECHTECK\nX1 0 Y1 0 X2 10 Y2 20 RGB-Farbe 0 0 0 STRICHPUNKT\n", "rect 0,0 10,20 stroke 0 fill 1 style 0; "},
+        {"RECHTECK\nX1 0 Y1 0 X2 10 Y2 20 RGB-Farbe 0 0 0 GEPUNKTET\n", "rect 0,0 10,20 stroke 1 0 fill 0 style 1; "},
+        {"GEF. RECHTECK\nX1 0 Y1 0 X2 10 Y2 20 RGB-Farbe 0 0 0 STRICHPUNKT\n", "rect 0,0 10,20 stroke 0 1 fill 1 style 0; "},
         {"KREIS\nX1 0 Y1 0 RADIUS -25 RGB-Farbe 0 0 0 STRICHPUNKT\n", "circle 100 m 0.25 0.25 100 0.00000..6.28319 style 9; "},
         {"KREIS_BOGEN\nX1 0 Y1 0 RADIUS 50 Winkelanfang[Grad] 300 Winkelende[GRAD] 60 RGB-Farbe 0 0 0\n",
          "circle 100 m 0.5 0.5 100 3.66519..5.75959 style 0; "},
